@@ -36,10 +36,11 @@ std::string_view WholeCharacters(std::string_view text, std::size_t limit)
     if (text.size() <= limit)
         return text;
     // A character has at most three continuation bytes: if more stand here it is no UTF-8 and any cut is as good.
+    const auto continues = [text](std::size_t at) { return (ToByte(text[at]) & 0xC0) == 0x80; };
     std::size_t cut = limit;
-    while (cut > 0 && limit - cut < 4 && (ToByte(text[cut]) & 0xC0) == 0x80)
+    while (cut > 0 && limit - cut < 3 && continues(cut))
         --cut;
-    return text.substr(0, limit - cut < 4 ? cut : limit);
+    return text.substr(0, continues(cut) ? limit : cut);
 }
 
 } // namespace vk
