@@ -1,0 +1,72 @@
+#pragma once
+
+#include "VKLogInterface.h"
+
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace vktest {
+
+/// A logger that keeps what it is given. Safe for threads.
+class RecordingLogger final : public VKLogInterface
+{
+public:
+    struct Record
+    {
+        LogLevel level;
+        std::string message;
+    };
+
+    explicit RecordingLogger(LogLevel level = TRACE) : m_level(level) {}
+
+    bool WriteTrace(const std::string& message, int, char*) override { return Keep(TRACE, message); }
+    bool WriteDebug(const std::string& message, int, char*) override { return Keep(DEBUG, message); }
+    bool WriteInfo(const std::string& message, int, char*) override { return Keep(INFO, message); }
+    bool WriteWarn(const std::string& message, int, char*) override { return Keep(WARN, message); }
+    bool WriteError(const std::string& message, int, char*) override { return Keep(ERROR, message); }
+    bool WriteCritical(const std::string& message, int, char*) override { return Keep(CRITICAL, message); }
+    bool WriteFatal(const std::string& message, int, char*) override { return Keep(FATAL, message); }
+    void EnableThreadIdPrefix(bool) override {}
+    LogLevel GetLogLevel() override { return m_level; }
+    std::string GetLoggerName() override { return "recording"; }
+
+    std::vector<Record> Records() const
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        return m_records;
+    }
+
+    /// The messages of one level, in order.
+    std::vector<std::string> Messages(LogLevel level) const
+    {
+        std::vector<std::string> messages;
+        for (const Record& record : Records())
+            if (record.level == level)
+                messages.push_back(record.message);
+        return messages;
+    }
+
+    /// Whether any message contains this text.
+    bool Has(const std::string& text) const
+    {
+        for (const Record& record : Records())
+            if (record.message.find(text) != std::string::npos)
+                return true;
+        return false;
+    }
+
+private:
+    bool Keep(LogLevel level, const std::string& message)
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_records.push_back({level, message});
+        return true;
+    }
+
+    mutable std::mutex m_mutex;
+    std::vector<Record> m_records; // guarded by m_mutex
+    LogLevel m_level;
+};
+
+} // namespace vktest
