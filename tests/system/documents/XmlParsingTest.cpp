@@ -1,0 +1,134 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "XmlReaderWriter.h"
+
+namespace {
+
+using Node = XmlReaderWriter::Node;
+
+std::string Nested(int levels)
+{
+    std::string text;
+    for (int i = 0; i < levels; ++i)
+        text += "<a>";
+    for (int i = 0; i < levels; ++i)
+        text += "</a>";
+    return text;
+}
+
+struct Refused
+{
+    const char* what;
+    std::string text;
+    const char* reason;
+};
+
+class XmlRefused : public testing::TestWithParam<Refused>
+{
+};
+
+TEST_P(XmlRefused, LeavesNoDocumentAndTellsWhy)
+{
+    XmlReaderWriter document;
+    ASSERT_TRUE(document.readFrom("<before/>"));
+    EXPECT_FALSE(document.readFrom(GetParam().text));
+    EXPECT_FALSE(document.isDocumentPresent());
+    EXPECT_NE(document.parseError().find(GetParam().reason), std::string::npos) << document.parseError();
+    EXPECT_TRUE(document.readFrom("<after/>")) << "the next document is read as ever";
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Texts, XmlRefused,
+    testing::Values(
+        Refused{"Empty", "", "no element found"}, Refused{"OpenElement", "<a><b></b>", "no element found"},
+        Refused{"WrongNesting", "<a><b></a></b>", "line 1: mismatched tag"},
+        Refused{"TwoRoots", "<a/><b/>", "junk after document element"},
+        Refused{"SameAttributeTwice", "<a x='1' x='2'/>", "duplicate attribute"},
+        Refused{"UndefinedEntity", "<a>&nbsp;</a>", "undefined entity"},
+        Refused{"InvalidUtf8", "<a>\xC3\x28</a>", "not well-formed"},
+        Refused{"OverlongUtf8", "<a>\xC0\xAF</a>", "not well-formed"},
+        Refused{"ControlCharacter", "<a>\x01</a>", "not well-formed"},
+        Refused{"CutOff", "<a>\n<b>\xE2\x82", "line 2: partial character"},
+        Refused{"Doctype", "<!DOCTYPE a SYSTEM 'file:///etc/passwd'><a/>", "document type declaration"},
+        Refused{"UndefinedEntityWithDoctype", "<!DOCTYPE a SYSTEM 'x'><a>&b;</a>", "document type declaration"},
+        Refused{"EntityBomb",
+                "<!DOCTYPE a [<!ENTITY b 'bbbbbbbbbb'><!ENTITY c '&b;&b;&b;&b;&b;&b;&b;&b;'>]><a>&c;&c;&c;</a>",
+                "document type declaration"},
+        Refused{"OneLevelTooMany", Nested(257), "nested too deeply"},
+        Refused{"HundredThousandLevels", Nested(100000), "nested too deeply"},
+        Refused{"TooManyBytes", "<a>" + std::string(8u << 20, 'x') + "</a>", "more than the 8388608 allowed"},
+        Refused{"TooManyElements",
+                [] {
+                    std::string text = "<a>";
+                    for (int i = 0; i < 300000; ++i)
+                        text += "<b/>";
+                    return text + "</a>";
+                }(),
+                "too many elements"}),
+    [](const auto& test) { return test.param.what; });
+
+TEST(XmlParsing, TakesWhatLiesJustWithinTheLimits)
+{
+    XmlReaderWriter document;
+    EXPECT_TRUE(document.readFrom(Nested(256)));
+    const std::string text(5'000'000, 'x');
+    ASSERT_TRUE(document.readFrom("<a>" + text + "</a>"));
+    EXPECT_EQ(document.getRootNode().contentsText(), text);
+}
+
+TEST(XmlParsing, ContentsKeepTheirBlanksAndMereWhiteSpaceIsNone)
+{
+    XmlReaderWriter document;
+    ASSERT_TRUE(document.readFrom("<r>\n <a> x </a>\n <b> \t\r\n</b><c>1<d>in</d> 2<!-- no -->3</c><e><![CDATA[<&>]]></e>"
+                                  "<f>&lt;&#65;&gt;</f><g xmlns='u:v' g:h=' i '/></r>"));
+    Node root = document.getRootNode();
+    EXPECT_FALSE(root.hasValue());
+    EXPECT_EQ(root["a"].contentsText(), " x ");
+    EXPECT_FALSE(root["b"].hasValue());
+    EXPECT_EQ(static_cast<int>(root["b"].value()), 0);
+    EXPECT_EQ(root["c"].contentsText(), "1 23");
+    EXPECT_EQ(root["c"]["d"].contentsText(), "in");
+    EXPECT_EQ(root["e"].contentsText(), "<&>");
+    EXPECT_EQ(root["f"].contentsText(), "<A>");
+    EXPECT_EQ(root["g"].attributeText("xmlns"), "u:v");
+    EXPECT_EQ(root["g"].attributeText("g:h"), " i ");
+}
+
+TEST(XmlParsing, BufferIsUtf8WhateverItsDeclarationSays)
+{
+    char text[] = "<?xml version='1.0' encoding='ISO-8859-1' standalone='yes'?><a>\xC3\xA9</a>";
+    XmlReaderWriter document;
+    ASSERT_TRUE(document.readFrom(text, sizeof text - 1)) << document.parseError();
+    EXPECT_EQ(document.getRootNode().contentsText(), "\xC3\xA9");
+    std::string written;
+    EXPECT_TRUE(document.toString(written));
+    EXPECT_EQ(written, "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n\n<a>\xC3\xA9</a>\n");
+    EXPECT_FALSE(document.readFrom(nullptr, 7));
+}
+
+TEST(XmlSource, GivesTheReceivedBytesOfEachElement)
+{
+    const std::string parameters = "<p  a = '1'>\r\n<x>&#x9;\"'</x ><y/><z\n/><!--c--></p >";
+    XmlReaderWriter document;
+    ASSERT_TRUE(document.readFrom("<?xml version='1.0'?>\n<r>\xC3\xA9" + parameters + "</r>\n"));
+    Node root = document.getRootNode();
+    Node p = root["p"];
+    EXPECT_EQ(p["z"].sourceText(), "<z\n/>");
+    EXPECT_EQ(p["y"].sourceText(), "<y/>");
+    EXPECT_EQ(p["x"].sourceText(), "<x>&#x9;\"'</x >");
+    EXPECT_EQ(p.sourceText(), parameters);
+    EXPECT_EQ(root.sourceText(), "<r>\xC3\xA9" + parameters + "</r>");
+}
+
+TEST(XmlSource, IsWrittenAnewOnceTheDocumentHasChanged)
+{
+    XmlReaderWriter document;
+    ASSERT_TRUE(document.readFrom("<r><p a='1'/></r>"));
+    Node p = document.getRootNode()["p"];
+    p.attributeValue("a") = 2;
+    EXPECT_EQ(p.sourceText(), "<p a=\"2\"/>\n");
+}
+
+} // namespace
