@@ -1,0 +1,290 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <sqlite3.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "ChildProcess.h"
+#include "TempDir.h"
+#include "VKDBexception.h"
+#include "VKSQLite3Database.h"
+#include "VKSQLite3Retry.h"
+
+namespace {
+
+const VKSQLite3TableDesc kTables[] = {{"note", "id INTEGER PRIMARY KEY AUTOINCREMENT, text VARCHAR(50) NOT NULL"},
+                                      {"tag", "id INTEGER PRIMARY KEY, note_id INTEGER"}};
+
+class VKSQLite3DatabaseTest : public testing::Test
+{
+protected:
+    std::unique_ptr<VKSQLite3Database> Open() const
+    {
+        return std::make_unique<VKSQLite3Database>(path, kTables, 2, false);
+    }
+    static std::string Count(VKSQLite3Database& database)
+    {
+        VKSQLite3ResultSet result;
+        return database.SelectQueryTransaction("SELECT COUNT(*) FROM note;", result) ? result[0][0].GetValueString()
+                                                                                     : "refused";
+    }
+    /// What opening the file says; empty when it opens.
+    std::string OpenFailure() const
+    {
+        try {
+            Open();
+            return "";
+        } catch (const VKDBexception& failure) {
+            return failure.GetMsg() + ": " + failure.GetSysMsg();
+        }
+    }
+
+    TempDir dir;
+    std::string path = dir / "notes.sdb";
+};
+
+/// Counts the pauses of the retry loops instead of spending them.
+class CountedPauses
+{
+public:
+    CountedPauses() : m_before(vk::SetRetrySleep([](unsigned int us) { ++count, total += us; })) { count = total = 0; }
+    ~CountedPauses() { vk::SetRetrySleep(m_before); }
+
+    static inline long count;
+    static inline long total;
+
+private:
+    vk::RetrySleep m_before;
+};
+
+/// Acts as a user without rights while it lives, so that file modes bind; root passes them otherwise.
+class WithoutRootRights
+{
+public:
+    WithoutRootRights() { m_changed = geteuid() == 0 && seteuid(65534) == 0; }
+    ~WithoutRootRights()
+    {
+        if (m_changed && seteuid(0) != 0)
+            abort();
+    }
+
+private:
+    bool m_changed;
+};
+
+} // namespace
+
+TEST(VKSQLite3Text, ConditioningOfValues)
+{
+    const struct
+    {
+        const char* text;
+        int maxLen;
+        const char* plain;
+        const char* like;
+    } rows[] = {{"", 0, "", ""},
+                {"O'Brien", 0, "O''Brien", "O''Brien"},
+                {"a_b\\c%", 0, "a_b\\c%", "a\\_b\\\\c%"},
+                {"ab'c", 3, "ab'", "ab'"}, // the cut falls between the two quotes
+                {"abc", 3, "abc", "abc"},
+                {"\xF0\x9F\x9A\x92'", 0, "\xF0\x9F\x9A\x92''", "\xF0\x9F\x9A\x92''"}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(VKSQLite3Database::PreprocessSqlStringCopy(row.text, row.maxLen), row.plain);
+        EXPECT_EQ(VKSQLite3Database::PreprocessSqlLikeStringCopy(row.text, row.maxLen), row.like);
+    }
+    char inPlace[] = "it's";
+    VKSQLite3Database::PreprocessSqlString(inPlace);
+    EXPECT_STREQ(inPlace, "it\"s");
+    EXPECT_EQ(VKSQLite3Database::PrepareSqlQuery(6, "id=%d;", 12345), "id=123");
+    EXPECT_EQ(VKSQLite3Database::CreateTablePath("", "x.sdb"), "x.sdb");
+    EXPECT_EQ(VKSQLite3Database::CreateTablePath("/a/", "x.sdb"), "/a/x.sdb");
+    EXPECT_EQ(VKSQLite3Database::CreateTablePath("/a", "x.sdb"), "/a/x.sdb");
+    EXPECT_EQ(VKSQLite3Database::CreateTablePath("a\\", "x.sdb"), "a\\x.sdb");
+}
+
+TEST_F(VKSQLite3DatabaseTest, CreatesMissingTablesAndKeepsThoseThatAreThere)
+{
+    unsigned long id = 0;
+    VKSQLite3ResultSet result;
+    {
+        VKSQLite3Database first(path, kTables, 1, false);
+        ASSERT_TRUE(first.IsReady());
+        ASSERT_TRUE(first.InsertQueryTransaction("INSERT INTO note (text) VALUES ('one');", result, id));
+        EXPECT_EQ(id, 1u);
+        EXPECT_EQ(result.GetEffectedRowsCount(), 1);
+        EXPECT_EQ(result.GetReturnedRowsCount(), -1);
+        EXPECT_FALSE(first.IsTableExists("tag"));
+    }
+    const auto again = Open();
+    EXPECT_TRUE(again->IsTableExists("tag"));
+    ASSERT_TRUE(again->SelectQueryTransaction("SELECT id, text, NULL FROM note;", result));
+    EXPECT_EQ(result.GetReturnedRowsCount(), 1);
+    EXPECT_EQ(result.GetColumnsCount(), 3);
+    EXPECT_EQ(result[0]["text"].GetValueString(), "one");
+    EXPECT_EQ(result[0][2].GetValuePtr(), nullptr);
+    ASSERT_TRUE(again->SelectQueryTransaction("SELECT * FROM note WHERE id=9;", result));
+    EXPECT_EQ(result.GetReturnedRowsCount(), 0);
+    EXPECT_EQ(again->SetSchema(kTables, 0), false);
+    EXPECT_THROW(VKSQLite3Database(path, std::map<std::string, std::string>{{"x", ""}}, false), VKDBexception);
+}
+
+TEST_F(VKSQLite3DatabaseTest, AFailedStatementSaysWhichAndRollsBack)
+{
+    const auto database = Open();
+    VKSQLite3ResultSet result;
+    unsigned long id = 0;
+    try {
+        database->InsertQueryTransaction("INSERT INTO note (text) VALUES (NULL);", result, id);
+        FAIL() << "a NULL was taken";
+    } catch (const VKDBexception& failure) {
+        EXPECT_EQ(failure.GetErrorCode(), SQLITE_CONSTRAINT_NOTNULL);
+        EXPECT_EQ(failure.GetMsg(), "Unable to execute UPDATE query [INSERT INTO note (text) VALUES (NULL);].");
+        EXPECT_EQ(failure.GetSysMsg(), "NOT NULL constraint failed: note.text");
+        EXPECT_EQ(database->GetLastErrorCode(), 0) << "the rollback succeeded after it";
+    }
+    EXPECT_FALSE(database->IsTransactionInProgress());
+    EXPECT_TRUE(database->IsAutoCommitEnabled());
+    EXPECT_THROW(database->SelectQueryTransaction("SELECT nothing FROM note;", result), VKDBexception);
+    EXPECT_EQ(Count(*database), "0");
+}
+
+TEST_F(VKSQLite3DatabaseTest, TransactionsAreNotNestedAndNotEndedTwice)
+{
+    const auto database = Open();
+    VKSQLite3ResultSet result;
+    unsigned long id = 0;
+    EXPECT_FALSE(database->EndTransactionCommit("", true, 1, 1));
+    ASSERT_TRUE(database->StartTransactionExclusive("", true, 1, 1));
+    EXPECT_FALSE(database->StartTransactionShared("", true, 1, 1));
+    EXPECT_FALSE(database->InsertQueryTransaction("INSERT INTO note (text) VALUES ('x');", result, id));
+    ASSERT_TRUE(database->ExecuteInsertQuery("INSERT INTO note (text) VALUES ('x');", result, id));
+    ASSERT_TRUE(database->EndTransactionRollback("", true, 1, 1));
+    EXPECT_FALSE(database->EndTransactionRollback("", true, 1, 1));
+    EXPECT_EQ(Count(*database), "0");
+
+    database->CloseDatabase();
+    EXPECT_FALSE(database->ExecuteSelectQuery("SELECT 1;", result));
+    EXPECT_FALSE(database->StartTransactionShared("", true, 1, 1));
+    EXPECT_TRUE(database->OpenDatabase(false));
+    EXPECT_FALSE(database->ExecuteSelectQuery("SELECT 1;", result)) << "open is not ready";
+}
+
+TEST_F(VKSQLite3DatabaseTest, WhatCannotBeADatabaseIsRefusedAtOnceAndLeftAlone)
+{
+    const CountedPauses pauses;
+    const std::string garbage = "this is a plain text, long enough to be taken for the header of a file of some sort, "
+                                "but it is none of a database";
+    dir.Write("notes.sdb", garbage);
+    EXPECT_EQ(OpenFailure(), "Unable to open DB [" + path + "]: file is not a database");
+    EXPECT_EQ(dir.Read("notes.sdb"), garbage);
+
+    std::filesystem::remove(path);
+    {
+        const auto database = Open();
+        VKSQLite3ResultSet result;
+        unsigned long id = 0;
+        database->InsertQueryTransaction("INSERT INTO note (text) VALUES ('" + std::string(9000, 'x') + "');", result,
+                                         id);
+    }
+    const std::string whole = dir.Read("notes.sdb");
+    for (const std::size_t size : {whole.size() - 4096, std::size_t{4096}, std::size_t{600}, std::size_t{100}}) {
+        dir.Write("notes.sdb", whole.substr(0, size));
+        EXPECT_NE(OpenFailure(), "") << size << " of " << whole.size() << " bytes";
+        EXPECT_EQ(dir.Read("notes.sdb"), whole.substr(0, size));
+    }
+
+    path = dir / "missing/notes.sdb";
+    EXPECT_EQ(OpenFailure(), "Unable to open DB [" + path + "]: the directory " + (dir / "missing/") +
+                                 " does not exist or cannot be entered");
+    path = dir.Path().string();
+    EXPECT_EQ(OpenFailure(), "Unable to open DB [" + path + "]: this is a directory");
+    EXPECT_EQ(pauses.count, 0);
+}
+
+TEST_F(VKSQLite3DatabaseTest, OpenAndTransactionRetryAsOftenAsTold)
+{
+    const auto database = Open();
+    const CountedPauses pauses;
+    // The file turns to garbage under the open handle: SQLite's code for it counts as retryable.
+    ASSERT_EQ(truncate(path.c_str(), 0), 0);
+    dir.Write("notes.sdb", std::string(8192, 'g'));
+    EXPECT_FALSE(database->StartTransactionExclusive("", true, 4000, 30));
+    EXPECT_EQ(pauses.count, 4000);
+    EXPECT_EQ(pauses.total, 4000l * 30000);
+    EXPECT_FALSE(database->StartTransactionShared("", false, 4000, 30));
+    EXPECT_EQ(pauses.count, 4000) << "without retry there is one attempt";
+    EXPECT_TRUE(database->IsReady());
+
+    database->CloseDatabase();
+    std::filesystem::remove(path);
+    std::filesystem::create_directory(path); // cannot be opened as a file, code 14, which the wide test takes in
+    EXPECT_FALSE(database->OpenDatabase(false));
+    EXPECT_EQ(pauses.count, 4050);
+    EXPECT_EQ(pauses.total, 4000l * 30000 + 50l * 500000);
+    EXPECT_EQ(database->GetLastErrorCode(), SQLITE_CANTOPEN);
+    EXPECT_THROW(database->RefreshDatabase(), VKDBexception);
+}
+
+TEST_F(VKSQLite3DatabaseTest, AReadOnlyFileIsReadAndRefusesChanges)
+{
+    Open();
+    ASSERT_EQ(chmod(dir.Path().c_str(), 0755), 0);
+    ASSERT_EQ(chmod(path.c_str(), 0444), 0);
+    const WithoutRootRights user;
+    const CountedPauses pauses;
+    const auto database = Open();
+    ASSERT_TRUE(database->IsReady());
+    EXPECT_EQ(Count(*database), "0");
+    VKSQLite3ResultSet result;
+    unsigned long id = 0;
+    try {
+        database->InsertQueryTransaction("INSERT INTO note (text) VALUES ('x');", result, id);
+        FAIL() << "wrote to a read-only file";
+    } catch (const VKDBexception& failure) {
+        EXPECT_EQ(failure.GetErrorCode(), SQLITE_READONLY);
+        EXPECT_EQ(failure.GetSysMsg(), "attempt to write a readonly database");
+    }
+    EXPECT_FALSE(database->IsTransactionInProgress());
+    EXPECT_EQ(pauses.count, 0);
+}
+
+TEST_F(VKSQLite3DatabaseTest, WaitsForAnotherProcessThatHoldsTheFile)
+{
+    Open();
+    const Signal locked;
+    ChildProcess other([&] {
+        VKSQLite3Database holder(path, true);
+        if (!holder.StartTransactionExclusive("", false, 1, 1))
+            return 1;
+        locked.Send();
+        usleep(100000);
+        return holder.EndTransactionCommit("", false, 1, 1) ? 0 : 2;
+    });
+    ASSERT_TRUE(locked.Await());
+    const auto database = Open(); // opens, and checks the schema, only after the other process has let go
+    EXPECT_TRUE(database->IsReady());
+    EXPECT_EQ(Count(*database), "0");
+    EXPECT_EQ(other.Wait(), 0);
+}
+
+TEST_F(VKSQLite3DatabaseTest, TwoProcessesAddAtOnceAndNoRowIsLost)
+{
+    constexpr int kRows = 40;
+    const auto add = [this](const std::string& who) {
+        return [this, who] {
+            const auto database = Open(); // both make the tables, only one succeeds, neither drops the other's rows
+            VKSQLite3ResultSet result;
+            unsigned long id = 0;
+            for (int i = 0; i < kRows; ++i)
+                if (!database->InsertQueryTransaction("INSERT INTO note (text) VALUES ('" + who + "');", result, id))
+                    return 1;
+            return 0;
+        };
+    };
+    ChildProcess one(add("one"));
+    ChildProcess two(add("two"));
+    EXPECT_EQ(one.Wait(), 0);
+    EXPECT_EQ(two.Wait(), 0);
+    EXPECT_EQ(Count(*Open()), std::to_string(2 * kRows));
+}
