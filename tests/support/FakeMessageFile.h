@@ -19,7 +19,9 @@ public:
     void SetDeliveryStatus(const std::string& status) override { deliveryStatuses.push_back(status); }
     bool AddReceivedResponse(const std::string& response) override
     {
-        vecReceivedResponses.push_back({response, ""});
+        offeredResponses.push_back(response);
+        if (takesResponses)
+            vecReceivedResponses.push_back({response, ""});
         return takesResponses;
     }
     void SetCarrierReference(const std::string& reference) override { carrierReferences.push_back(reference); }
@@ -29,6 +31,7 @@ public:
     bool takesResponses = true;
 
     std::vector<int> askedIndexes;
+    std::vector<std::string> offeredResponses;
     std::vector<std::string> failureReasons;
     std::vector<std::string> statusTexts;
     std::vector<std::string> deliveryStatuses;
