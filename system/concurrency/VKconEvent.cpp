@@ -119,3 +119,11 @@ void VKconEvent::Reset()
     m_bAlwaysTrue = true;
     pthread_mutex_unlock(&m_mutex);
 }
+
+bool VKconEvent::IsSignalled()
+{
+    Check(pthread_mutex_lock(&m_mutex), "Lock failed", __LINE__);
+    const bool signalled = m_bSignalled;
+    pthread_mutex_unlock(&m_mutex);
+    return signalled;
+}

@@ -31,6 +31,9 @@ public:
     /// Makes a manual-reset event unsignalled; does nothing on an auto-reset event.
     void Reset();
 
+    /// Looks at the event without waiting and without taking it.
+    bool IsSignalled();
+
     /// Creates the mutex and the condition; called by the constructors.
     void Initialize();
 
