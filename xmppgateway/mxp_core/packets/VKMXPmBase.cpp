@@ -1,0 +1,165 @@
+#include "VKMXPmBase.h"
+
+#include <algorithm>
+
+#include "VKField.h"
+#include "VKMXPmValue.h"
+
+namespace {
+
+constexpr vk::CodeText<eRespResultType> kResultTypes[] = {
+    {eRespResultNone, "none"},     {eRespResultText, "text"},   {eRespResultXml, "xml"},
+    {eRespResultJson, "json"},     {eRespResultBase64, "base64"}, {eRespResultCData, "cdata"},
+    {eRespResultUnknown, "unknown"},
+};
+
+/// A request and a response are told by both attributes together.
+struct Kind
+{
+    std::int32_t type;
+    std::string_view space;
+    std::string_view word;
+};
+
+constexpr Kind kKinds[] = {
+    {VKMXPmBase::kRequest, "vardock:mxp:request", "request"},
+    {VKMXPmBase::kResponse, "vardock:mxp:response", "response"},
+};
+
+} // namespace
+
+VKMXPmBase::~VKMXPmBase() = default;
+
+eRespResultType VKMXPmBase::GetResponseResultTypeAsEnum(const std::string& word)
+{
+    return vk::CodeOfText(kResultTypes, word, eRespResultUnknown);
+}
+
+std::string VKMXPmBase::GetResponseResultTypeAsStr(eRespResultType type)
+{
+    return vk::TextOfCode(kResultTypes, type, "unknown");
+}
+
+void VKMXPmBase::AttachFiles(const FileList& files)
+{
+    m_vecAttachedFiles.insert(m_vecAttachedFiles.end(), files.begin(), files.end());
+}
+
+void VKMXPmBase::RemoveFile(const std::string& path)
+{
+    const auto found = std::find_if(m_vecAttachedFiles.begin(), m_vecAttachedFiles.end(),
+                                    [&](const auto& file) { return file.first == path; });
+    if (found != m_vecAttachedFiles.end())
+        m_vecAttachedFiles.erase(found);
+}
+
+std::string VKMXPmBase::GenerateXML() const
+{
+    std::string text;
+    AppendXML(text);
+    return text;
+}
+
+void VKMXPmBase::AppendXML(std::string& out) const
+{
+    const bool response = m_iPacketType == kResponse;
+    const Kind& kind = m_iPacketType == kRequest ? kKinds[0] : kKinds[1];
+    out.append("<").append(GetName()).append(" xmlns='").append(kind.space);
+    out.append("' type='").append(kind.word).append("' seq='");
+    vk::AppendValue(out, m_iSequence);
+    out += "'>\n";
+    if (response && !m_strParameters.empty())
+        out += m_strParameters;
+    else
+        out.append("<parameters>\n").append(GenerateParamXML()).append("</parameters>\n");
+    if (response)
+        AppendResponse(out);
+    out.append("</").append(GetName()).append(">");
+}
+
+void VKMXPmBase::AppendResponse(std::string& out) const
+{
+    out += "<response>\n<code>";
+    vk::AppendValue(out, m_iResponseCode);
+    out += "</code>\n<err-code>";
+    vk::AppendValue(out, m_iResponseErrorCode);
+    out += "</err-code>\n<message>";
+    vk::AppendValue(out, m_strResponseMessage);
+    out.append("</message>\n<result type='").append(GetResponseResultTypeAsStr(m_eResponseResultType)).append("'>\n");
+    const std::string result = GenerateResponseXML();
+    if (!result.empty())
+        out.append(result).append("\n");
+    out += "</result>\n</response>\n";
+}
+
+bool VKMXPmBase::ParseXML(const std::string& text)
+{
+    m_bValid = false;
+    XmlReaderWriter document;
+    if (text.empty() || !document.readFrom(text))
+        return false;
+    XmlReaderWriter::Node root = document.getRootNode();
+    return ParseXML(root);
+}
+
+bool VKMXPmBase::ParseXML(XmlReaderWriter::Node& element)
+{
+    m_bValid = false;
+    if (element.nameText() != GetName() || !ReadKind(element))
+        return false;
+    m_iSequence = vk::NumberOf(element.attributeText("seq"));
+    XmlReaderWriter::Node parameters = element["parameters"];
+    if (!ParseParamXML(parameters))
+        return false;
+    if (m_iPacketType == kRequest) {
+        if (!ValidateParams())
+            return false;
+        m_strParameters = parameters.sourceText();
+    } else if (!ReadResponse(element["response"])) {
+        return false;
+    }
+    m_bValid = true;
+    return true;
+}
+
+bool VKMXPmBase::ReadKind(const XmlReaderWriter::Node& element)
+{
+    const std::string_view space = element.attributeText("xmlns");
+    const std::string_view word = element.attributeText("type");
+    for (const Kind& kind : kKinds) {
+        if (kind.space == space && kind.word == word) {
+            m_iPacketType = kind.type;
+            return true;
+        }
+    }
+    return false;
+}
+
+bool VKMXPmBase::ReadResponse(XmlReaderWriter::Node response)
+{
+    m_iResponseCode = vk::NumberOf(response["code"].contentsText());
+    m_iResponseErrorCode = vk::NumberOf(response["err-code"].contentsText());
+    m_strResponseMessage = response["message"].contentsText();
+    XmlReaderWriter::Node result = response["result"];
+    m_eResponseResultType = GetResponseResultTypeAsEnum(std::string(result.attributeText("type")));
+    m_objResponseResultNode = {};
+    m_pobjResultDocument.reset();
+    if (m_eResponseResultType == eRespResultXml) {
+        KeepResult(result);
+    } else {
+        m_strResponseResultText = result.contentsText();
+        if (m_strResponseResultText.empty())
+            m_strResponseResultText = result.sourceText();
+    }
+    return ParseResponseXML(m_objResponseResultNode);
+}
+
+/// Into a document of the packet's own: the packet outlives the envelope's.
+void VKMXPmBase::KeepResult(const XmlReaderWriter::Node& result)
+{
+    auto document = std::make_shared<XmlReaderWriter>();
+    if (!document->readFrom(result.sourceText()))
+        throw XmlReaderWriter::NodeException("Unable to copy the result: %s.", document->parseError().c_str());
+    m_objResponseResultNode = document->getRootNode();
+    m_pobjResultDocument = std::move(document);
+}

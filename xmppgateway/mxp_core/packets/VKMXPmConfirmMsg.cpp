@@ -1,0 +1,5 @@
+#include "VKMXPmConfirmMsg.h"
+
+#include "VKMXPmFields.h"
+
+template class vk::TablePacket<VKMXPmConfirmMsg>;

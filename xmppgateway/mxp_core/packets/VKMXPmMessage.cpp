@@ -1,0 +1,5 @@
+#include "VKMXPmMessage.h"
+
+#include "VKMXPmFields.h"
+
+template class vk::TablePacket<VKMXPmMessage>;

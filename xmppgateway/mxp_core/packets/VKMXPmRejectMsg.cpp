@@ -1,0 +1,5 @@
+#include "VKMXPmRejectMsg.h"
+
+#include "VKMXPmFields.h"
+
+template class vk::TablePacket<VKMXPmRejectMsg>;

@@ -1,0 +1,5 @@
+#include "VKMXPmSendMsgResponse.h"
+
+#include "VKMXPmFields.h"
+
+template class vk::TablePacket<VKMXPmSendMsgResponse>;

@@ -1,0 +1,5 @@
+#include "VKMXPmSetMsgStatus.h"
+
+#include "VKMXPmFields.h"
+
+template class vk::TablePacket<VKMXPmSetMsgStatus>;
