@@ -1,48 +1,112 @@
 #include "VKsysCodec.h"
 
+#include "VKascii.h"
+#include "VKbase64.h"
 #include "VKescape.h"
-
-#include <atomic>
+#include "VKfileName.h"
 
 namespace {
 
-// The order matters: EncodeXmlData with false keeps the first three rows.
-constexpr vk::Escape kXmlRows[] = {{'&', "&amp;"},  {'>', "&gt;"},   {'<', "&lt;"},   {'\'', "&apos;"},
-                                   {'"', "&quot;"}, {'\t', "&#x9;"}, {'\n', "&#xa;"}, {'\r', "&#xd;"}};
-constexpr vk::Escape kXmlRowsAndLineEnds[] = {{'&', "&amp;"},   {'>', "&gt;"},   {'<', "&lt;"},  {'\'', "&apos;"},
-                                              {'"', "&quot;"}, {'\n', "&#xa;"}, {'\r', "&#xd;"}};
-constexpr std::size_t kXmlEntities = 5;
-constexpr std::size_t kXmlRowsLeftByFalse = 3;
+constexpr vk::Escape kBackslashRows[] = {{'\\', "\\\\"}};
+constexpr vk::Escape kFilterRows[] = {{'_', "\\_"}, {'\\', "\\\\"}};
+constexpr vk::Escape kJsonRows[] = {{'\\', "\\\\"}, {'"', "\\\""}, {'\n', "\\n"}, {'\r', "\\r"}, {'\t', "\\t"}};
+constexpr vk::Escape kUnicodeRows[] = {{'<', "\\u003c"}, {'>', "\\u003e"}};
 
-constexpr vk::EscapeTable kXml(kXmlRows);
-constexpr vk::EscapeTable kXmlLineEnds(kXmlRowsAndLineEnds);
+constexpr vk::EscapeTable kBackslash(kBackslashRows);
+constexpr vk::EscapeTable kFilter(kFilterRows);
+constexpr vk::EscapeTable kJson(kJsonRows);
+constexpr vk::EscapeTable kUnicode(kUnicodeRows);
 
-// How much of kXml is in use, for the whole process.
-std::atomic<std::size_t> g_xmlRowsInUse{std::size(kXmlRows)};
+void AppendPercent(std::string& out, char c)
+{
+    const unsigned char byte = vk::ToByte(c);
+    out += '%';
+    out += VKsysCodec::m_hex[byte >> 4];
+    out += VKsysCodec::m_hex[byte & 0x0F];
+}
 
 } // namespace
 
-std::string VKsysCodec::EncodeXML(const std::string& text, bool encodeLineEnds)
+std::string VKsysCodec::EncodeBase64(const unsigned char* data, int length, bool lineBreaks)
 {
-    return kXmlLineEnds.Encode(text, encodeLineEnds ? vk::EscapeTable::kAllRows : kXmlEntities);
+    return vk::EncodeBase64(vk::TextOf(data, length), lineBreaks);
 }
 
-std::string VKsysCodec::EncodeXmlData(const std::string& text, bool whole)
+bool VKsysCodec::EncodeBase64(const unsigned char* data, int length, std::string& out, bool lineBreaks)
 {
-    if (!whole)
-        g_xmlRowsInUse.store(kXmlRowsLeftByFalse, std::memory_order_relaxed);
+    out = EncodeBase64(data, length, lineBreaks);
+    return !out.empty();
+}
+
+bool VKsysCodec::DecodeBase64(unsigned char* data, int& length)
+{
+    const auto decoded = data ? vk::DecodeBase64(vk::TextOf(data, length), data) : std::nullopt;
+    length = static_cast<int>(decoded.value_or(0));
+    return decoded.has_value();
+}
+
+std::string VKsysCodec::EncodeName(const std::string& text) { return vk::EncodeFileName(text); }
+std::string VKsysCodec::EncodeFileName(const std::string& text) { return vk::EncodeFileName(text); }
+std::string VKsysCodec::DecodeName(const std::string& text) { return vk::DecodeFileName(text); }
+std::string VKsysCodec::DecodeFileName(const std::string& text) { return vk::DecodeFileName(text); }
+
+std::string VKsysCodec::EncodeUrl(const std::string& text)
+{
     std::string out;
-    out.reserve(text.size() + text.size() / 8);
-    AppendXmlData(out, text);
+    for (const char c : text) {
+        const unsigned char byte = vk::ToByte(c);
+        if (byte < m_isUrlSafe.size() && m_isUrlSafe[byte])
+            out += c == ' ' ? '+' : c;
+        else
+            AppendPercent(out, c);
+    }
     return out;
 }
 
-void VKsysCodec::AppendXmlData(std::string& out, std::string_view text)
+std::string VKsysCodec::DecodeUrl(const std::string& text)
 {
-    kXml.Append(out, text, g_xmlRowsInUse.load(std::memory_order_relaxed));
+    std::string out;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (text[at] != '%') {
+            out += text[at] == '+' ? ' ' : text[at];
+            continue;
+        }
+        const int byte = vk::HexByte(text, at + 1);
+        if (byte < 0)
+            return std::string();
+        out += static_cast<char>(byte);
+        at += 2;
+    }
+    return out;
 }
 
-std::string VKsysCodec::DecodeXmlData(const std::string& text)
+int VKsysCodec::VKhttpStrEncode(char* out, int size, const char* in)
 {
-    return kXml.Decode(text);
+    constexpr int kLeastSize = 5;
+    if (!out || !in || size < kLeastSize)
+        return -1;
+    std::size_t length = 0;
+    std::string piece;
+    for (char previous = '\0'; *in != '\0'; previous = *in++) {
+        piece.clear();
+        if (*in == '\n' && previous != '\r')
+            piece = "%0D";
+        if (vk::IsAlnum(*in) || *in == '/' || *in == '_' || *in == '.')
+            piece += *in;
+        else
+            AppendPercent(piece, *in);
+        if (length + piece.size() >= static_cast<std::size_t>(size))
+            break;
+        length += piece.copy(out + length, piece.size());
+    }
+    out[length] = '\0';
+    return static_cast<int>(length);
 }
+
+std::string VKsysCodec::EscapeJsonString(const std::string& text) { return kJson.Encode(text); }
+std::string VKsysCodec::UnescapeJsonString(const std::string& text) { return kJson.Decode(text); }
+std::string VKsysCodec::EscapeInternalJSON(const std::string& text) { return kJson.Encode(kJson.Encode(text)); }
+std::string VKsysCodec::EncodeUnicodeCharacters(const std::string& text) { return kUnicode.Encode(text); }
+std::string VKsysCodec::EscapeBackslash(const std::string& text) { return kBackslash.Encode(text); }
+std::string VKsysCodec::UnescapeBackslash(const std::string& text) { return kBackslash.Decode(text); }
+std::string VKsysCodec::EncodeDBFilterInput(const std::string& text) { return kFilter.Encode(text); }
