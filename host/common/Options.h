@@ -1,0 +1,134 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// \file
+/// The command line of every program: a program is a constant table of options and commands, and the parser, the checks
+/// and the manual page are walks over it.
+
+namespace vk {
+
+/// How a program ends. Numbers above 3 are not used.
+enum ExitCode {
+    kExitOk = 0,
+    /// The thing asked for was tried and did not come out.
+    kExitFailed = 1,
+    /// The call, or a file that it names, is wrong; nothing was done.
+    kExitUsage = 2,
+    /// What the program stands on could not be loaded, opened or reached.
+    kExitUnavailable = 3
+};
+
+enum class Need { Optional, Required, OneOrMore };
+
+/// One option. A null `value` makes a switch, otherwise it names the value in the manual.
+struct Option
+{
+    const char* name;
+    const char* value;
+    const char* help;
+    Need need = Need::Optional;
+    /// The words that the value may be, joined by "|"; null for any text.
+    const char* words = nullptr;
+};
+
+template <class T>
+struct Slice
+{
+    const T* data = nullptr;
+    std::size_t size = 0;
+
+    constexpr Slice() = default;
+    template <std::size_t N>
+    constexpr Slice(const T (&rows)[N]) : data(rows), size(N)
+    {
+    }
+    const T* begin() const { return data; }
+    const T* end() const { return data + size; }
+};
+
+class Arguments;
+
+/// One thing that a program does, called by its words: "session add".
+struct Command
+{
+    const char* words;
+    const char* help;
+    Slice<Option> options;
+    int (*run)(const Arguments&);
+};
+
+/// One paragraph of the manual with its heading.
+struct ManualSection
+{
+    const char* heading;
+    const char* text;
+};
+
+/// A program. One without commands has a single row in `commands` with empty words.
+struct Program
+{
+    const char* name;
+    const char* summary;
+    const char* description;
+    /// Accepted by every command.
+    Slice<Option> options;
+    Slice<Command> commands;
+    /// Behind the options: exit status, files, examples.
+    Slice<ManualSection> sections;
+};
+
+/// The call is wrong; the message names the option at fault.
+class UsageError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Something that the call names is wrong: a file, a directory, a record. The message says which and why.
+class InputError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// What was given on the command line, checked against the table.
+class Arguments
+{
+public:
+    bool Has(std::string_view option) const { return m_values.find(option) != m_values.end(); }
+
+    /// The last value given, or the fallback.
+    std::string Text(std::string_view option, std::string_view fallback = "") const;
+
+    /// All values of a repeatable option, in the order given.
+    std::vector<std::string> All(std::string_view option) const;
+
+    /// A whole number within these limits, or the fallback; anything else is a UsageError that names the option.
+    long long Number(std::string_view option, long long least, long long most, long long fallback) const;
+
+    const Command& GetCommand() const { return *m_command; }
+
+private:
+    friend Arguments ParseArguments(const Program& program, const std::vector<std::string>& words);
+
+    const Command* m_command = nullptr;
+    std::map<std::string, std::vector<std::string>, std::less<>> m_values;
+};
+
+/// Reads a command line without the program's name. Takes "--name value" and "--name=value" anywhere. Throws UsageError.
+Arguments ParseArguments(const Program& program, const std::vector<std::string>& words);
+
+/// The manual page of a program.
+std::string Manual(const Program& program);
+
+/// A program's main: answers --help and --version, parses, runs the command. Whatever is thrown becomes one line on
+/// standard error: a UsageError or InputError ends with kExitUsage, anything else with kExitUnavailable.
+int RunProgram(const Program& program, int argc, char** argv);
+
+} // namespace vk

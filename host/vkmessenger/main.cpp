@@ -1,0 +1,54 @@
+#include "SendCommand.h"
+
+namespace {
+
+constexpr vk::Option kSendOptions[] = {
+    {"--root", "DIR", "The installation root, with config/, temp/ and logs/ in it.", vk::Need::Required},
+    {"--message", "FILE", "A message file; may be given several times. They are sent in this order.",
+     vk::Need::OneOrMore},
+    {"--wait", "SECONDS", "How long to wait for answers; 30 when not given. The program ends as soon as every message is "
+                          "final. With 0 it ends when the last message is handed over, and what has not left by then "
+                          "is lost."},
+    {"--json", nullptr, "One JSON object a line for each thing that happens."},
+    {"--driver", "PATH", "The driver's library; otherwise libvkmxp.so beside this program or in ../lib."},
+    {"--log-level", "LEVEL", "What goes to DIR/logs/vkmessenger.log; info when not given.", vk::Need::Optional,
+     "trace|debug|info|warn|error|critical|fatal"},
+};
+
+constexpr vk::Command kCommands[] = {
+    {"send", "Hands each message file to the driver and shows what becomes of it.", kSendOptions, &vk::RunSend},
+};
+
+constexpr vk::ManualSection kSections[] = {
+    {"MESSAGE FILE",
+     "One JSON object. Texts: job_id, sender, fallback_sender, subject, body, receiver_pin, carrier_name, server, domain, "
+     "user_id, password, resource, push_device_token, push_service_name, custom_parameters. Whole numbers: receiver_id, "
+     "port, dispatch_at (seconds since the epoch), severity, expiration, seconds_to_live. True or false: confidential, "
+     "queue_when_offline, two_way, push_enabled. attachments is an array of paths; response_choices is an array of "
+     "objects {\"text\": ..., \"type\": \"terminal\" or \"non-terminal\"}. job_id and receiver_pin must be there. "
+     "Any other key is an error."},
+    {"OUTPUT",
+     "Event \"send\" is what the driver answered at once, \"report\" what came back later. The keys of a JSON line: time, "
+     "job_id, event, status, status_name, keep_open, text, delivery_status, response, failure_reason."},
+    {"EXIT STATUS",
+     "0  no message failed\n"
+     "1  a message failed\n"
+     "2  the call or a file is wrong; nothing was sent\n"
+     "3  the driver could not be loaded or configured"},
+    {"ENVIRONMENT", "VKMXP_ROOT is set to the installation root for the driver."},
+    {"EXAMPLE", "vkmessenger send --root /srv/paging --message alarm.json --wait 60 --json"},
+};
+
+constexpr vk::Program kProgram = {
+    "vkmessenger",
+    "the reference host: hands message files to a driver and shows what becomes of them",
+    "Loads a protocol driver as any host does, through the two functions that its library exports, hands over the "
+    "message files and polls for answers until every message is final or the time is over.",
+    {},
+    kCommands,
+    kSections,
+};
+
+} // namespace
+
+int main(int argc, char** argv) { return vk::RunProgram(kProgram, argc, argv); }
