@@ -4,6 +4,7 @@
 #include "VKstringCopy.h"
 #include "VKstringTrim.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -109,4 +110,9 @@ std::vector<std::string> BuildCommandLineArguments(const std::string& commandLin
         rest = vk::Trimmed(rest, vk::kWhiteSpace, vk::Side::Left);
     }
     return arguments;
+}
+
+std::string VKutilParseMajorJobID(const std::string& jobId)
+{
+    return jobId.substr(0, jobId.find('_'));
 }

@@ -32,3 +32,6 @@ inline char* VKutilSafeStrTok(char* text, const char* delimiters, char** rest)
 /// A command line to its arguments: parted at white space, text in single or double quotes kept whole, "\" taking the
 /// meaning of the next character outside single quotes. An open quote reaches to the end.
 [[nodiscard]] std::vector<std::string> BuildCommandLineArguments(const std::string& commandLine);
+
+/// The part of a job id before its first "_"; the whole of it without one.
+[[nodiscard]] std::string VKutilParseMajorJobID(const std::string& jobId);
