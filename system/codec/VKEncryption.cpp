@@ -83,8 +83,7 @@ Secret DecodedKey(const std::string& key)
 /// The length written to `out`, -1 when a step fails.
 int Transform(Direction direction, std::string_view key, std::string_view data, Byte* out, vk_encrypt_option option)
 {
-    const std::unique_ptr<EVP_CIPHER_CTX, void (*)(EVP_CIPHER_CTX*)> context(EVP_CIPHER_CTX_new(),
-                                                                             EVP_CIPHER_CTX_free);
+    const std::unique_ptr<EVP_CIPHER_CTX, void (*)(EVP_CIPHER_CTX*)> context(EVP_CIPHER_CTX_new(), EVP_CIPHER_CTX_free);
     const int encrypt = direction == Direction::Encrypt ? 1 : 0;
     int body = 0;
     int tail = 0;
@@ -158,8 +157,7 @@ try {
 }
 
 /// Decodes Base64 that is to be decrypted, then goes on with `then(bytes)`. What is no Base64 fails as broken data.
-template <class Then>
-bool WithDecoded(const std::string& data, std::string& error, Then&& then)
+template <class Then> bool WithDecoded(const std::string& data, std::string& error, Then&& then)
 {
     const std::optional<std::string> bytes = vk::DecodeBase64(data);
     const bool done = then(bytes ? std::string_view(*bytes) : std::string_view());
@@ -232,8 +230,8 @@ bool VKEncryption::SharedKeyEncrypt(const Byte* key, int keyLength, const Byte* 
     return ToText(kEncrypt, vk::TextOf(key, keyLength), vk::TextOf(data, dataLength), out, error, option);
 }
 
-bool VKEncryption::SharedKeyEncrypt(const Byte* key, int keyLength, const std::string& data, Byte*& out,
-                                    int& outLength, std::string& error, Option option)
+bool VKEncryption::SharedKeyEncrypt(const Byte* key, int keyLength, const std::string& data, Byte*& out, int& outLength,
+                                    std::string& error, Option option)
 {
     return ToBytes(kEncrypt, vk::TextOf(key, keyLength), data, out, outLength, error, option);
 }
@@ -280,8 +278,8 @@ bool VKEncryption::SharedKeyDecrypt(const Byte* key, int keyLength, const Byte* 
     return ToText(kDecrypt, vk::TextOf(key, keyLength), vk::TextOf(data, dataLength), out, error, option);
 }
 
-bool VKEncryption::SharedKeyDecrypt(const Byte* key, int keyLength, const std::string& data, Byte*& out,
-                                    int& outLength, std::string& error, Option option)
+bool VKEncryption::SharedKeyDecrypt(const Byte* key, int keyLength, const std::string& data, Byte*& out, int& outLength,
+                                    std::string& error, Option option)
 {
     return WithDecoded(data, error, [&](std::string_view bytes) {
         return ToBytes(kDecrypt, vk::TextOf(key, keyLength), bytes, out, outLength, error, option);

@@ -79,6 +79,6 @@ public:
                                  Option option);
     static bool PrivateKeyDecrypt(const Byte* key, int keyLength, const Byte* data, int dataLength, Byte*& out,
                                   int& outLength, std::string& error, Option option);
-    static bool PrivateKeyDecrypt(const std::string& key, const std::string& data, std::string& out,
-                                  std::string& error, Option option);
+    static bool PrivateKeyDecrypt(const std::string& key, const std::string& data, std::string& out, std::string& error,
+                                  Option option);
 };

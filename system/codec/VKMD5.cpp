@@ -20,10 +20,7 @@ constexpr std::uint32_t kSines[64] = {
     0xf4292244, 0x432aff97, 0xab9423a7, 0xfc93a039, 0x655b59c3, 0x8f0ccc92, 0xffeff47d, 0x85845dd1,
     0x6fa87e4f, 0xfe2ce6e0, 0xa3014314, 0x4e0811a1, 0xf7537e82, 0xbd3af235, 0x2ad7d2bb, 0xeb86d391};
 
-constexpr std::uint32_t RotateLeft(std::uint32_t word, unsigned int bits)
-{
-    return word << bits | word >> (32 - bits);
-}
+constexpr std::uint32_t RotateLeft(std::uint32_t word, unsigned int bits) { return word << bits | word >> (32 - bits); }
 
 /// The mixing function and the number of the word of one of the 64 steps.
 struct Step

@@ -17,13 +17,13 @@ constexpr vk::Escape kXmlRows[] = {{'&', "&amp;"},  {'>', "&gt;"},   {'<', "&lt;
 constexpr std::size_t kXmlRowsLeftByFalse = 3;
 
 // The line ends stand last, the five entities of XML first.
-constexpr vk::Escape kXmlTextRows[] = {{'&', "&amp;"},   {'>', "&gt;"},   {'<', "&lt;"},  {'\'', "&apos;"},
+constexpr vk::Escape kXmlTextRows[] = {{'&', "&amp;"},  {'>', "&gt;"},   {'<', "&lt;"},  {'\'', "&apos;"},
                                        {'"', "&quot;"}, {'\n', "&#xa;"}, {'\r', "&#xd;"}};
 constexpr std::size_t kXmlEntities = 5;
 
 // The blank stands last: it is encoded on request only.
-constexpr vk::Escape kWebRows[] = {{'&', "&amp;"},   {'>', "&gt;"},    {'<', "&lt;"},    {'\'', "&#x27;"},
-                                   {'"', "&quot;"},  {'|', "&#x7C;"},  {'\t', "&#x09;"}, {'\r', "&#x0D;"},
+constexpr vk::Escape kWebRows[] = {{'&', "&amp;"},   {'>', "&gt;"},   {'<', "&lt;"},    {'\'', "&#x27;"},
+                                   {'"', "&quot;"},  {'|', "&#x7C;"}, {'\t', "&#x09;"}, {'\r', "&#x0D;"},
                                    {'\n', "&#x0A;"}, {' ', "&nbsp;"}};
 constexpr std::size_t kWebRowsWithoutBlank = std::size(kWebRows) - 1;
 
@@ -74,10 +74,7 @@ void VKsysCodec::AppendXmlData(std::string& out, std::string_view text)
     kXml.Append(out, text, g_xmlRowsInUse.load(std::memory_order_relaxed));
 }
 
-std::string VKsysCodec::DecodeXmlData(const std::string& text)
-{
-    return kXml.Decode(text);
-}
+std::string VKsysCodec::DecodeXmlData(const std::string& text) { return kXml.Decode(text); }
 
 std::string VKsysCodec::EncodeHTML(const std::string& text, bool encodedLineEnds)
 {
@@ -90,20 +87,14 @@ std::string VKsysCodec::EncodeHTML(const std::string& text, bool encodedLineEnds
     return out;
 }
 
-std::string VKsysCodec::DecodeHTML(const std::string& text)
-{
-    return VKstringReplaceStr(text, kLineBreak, "\n");
-}
+std::string VKsysCodec::DecodeHTML(const std::string& text) { return VKstringReplaceStr(text, kLineBreak, "\n"); }
 
 std::string VKsysCodec::EncodeWebInputData(const std::string& text, bool encodeBlanks)
 {
     return kWeb.Encode(SingleLineEnds(text), encodeBlanks ? vk::EscapeTable::kAllRows : kWebRowsWithoutBlank);
 }
 
-std::string VKsysCodec::DecodeWebInputData(const std::string& text, bool)
-{
-    return kWeb.Decode(text);
-}
+std::string VKsysCodec::DecodeWebInputData(const std::string& text, bool) { return kWeb.Decode(text); }
 
 std::string VKsysCodec::EncodeWebInputAndEscapeBackSlash(const std::string& text, bool encodeBlanks)
 {

@@ -13,40 +13,19 @@ inline constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
 /// Blank and tab only: line ends stay.
 inline constexpr std::string_view kBlanks = " \t";
 
-constexpr unsigned char ToByte(char c)
-{
-    return static_cast<unsigned char>(c);
-}
+constexpr unsigned char ToByte(char c) { return static_cast<unsigned char>(c); }
 
-constexpr bool IsSpace(char c)
-{
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
+constexpr bool IsSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
-constexpr bool IsDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
+constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-constexpr bool IsAlnum(char c)
-{
-    return IsDigit(c) || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
+constexpr bool IsAlnum(char c) { return IsDigit(c) || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); }
 
-constexpr bool IsPrint(char c)
-{
-    return c >= ' ' && c <= '~';
-}
+constexpr bool IsPrint(char c) { return c >= ' ' && c <= '~'; }
 
-constexpr char ToUpper(char c)
-{
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
+constexpr char ToUpper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
 
-constexpr char ToLower(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
+constexpr char ToLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 inline constexpr char kHexDigits[] = "0123456789ABCDEF";
 
@@ -68,9 +47,6 @@ constexpr int HexByte(std::string_view text, std::size_t at)
 }
 
 /// A null C text reads as the empty one.
-constexpr std::string_view ViewOf(const char* text)
-{
-    return text ? std::string_view(text) : std::string_view();
-}
+constexpr std::string_view ViewOf(const char* text) { return text ? std::string_view(text) : std::string_view(); }
 
 } // namespace vk

@@ -22,8 +22,7 @@ class EscapeTable
 public:
     static constexpr std::size_t kAllRows = std::numeric_limits<std::size_t>::max();
 
-    template <std::size_t N>
-    constexpr explicit EscapeTable(const Escape (&rows)[N]) : m_rows(rows), m_count(N)
+    template <std::size_t N> constexpr explicit EscapeTable(const Escape (&rows)[N]) : m_rows(rows), m_count(N)
     {
         static_assert(N < 255, "a slot is one byte");
         for (std::size_t i = 0; i < N; ++i)

@@ -63,12 +63,6 @@ std::string DecodeFileName(std::string_view name)
 
 } // namespace vk
 
-char* VKutilEncodeFileName(const char* name)
-{
-    return name ? vk::MallocText(vk::EncodeFileName(name)) : nullptr;
-}
+char* VKutilEncodeFileName(const char* name) { return name ? vk::MallocText(vk::EncodeFileName(name)) : nullptr; }
 
-char* VKutilDecodeFileName(const char* name)
-{
-    return name ? vk::MallocText(vk::DecodeFileName(name)) : nullptr;
-}
+char* VKutilDecodeFileName(const char* name) { return name ? vk::MallocText(vk::DecodeFileName(name)) : nullptr; }

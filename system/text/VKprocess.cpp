@@ -107,10 +107,7 @@ int systemEx(const std::string& commandLine, std::string& output)
     return WaitFor(child);
 }
 
-bool IsProcessRunning(pid_t process)
-{
-    return process > 0 && (kill(process, 0) == 0 || errno == EPERM);
-}
+bool IsProcessRunning(pid_t process) { return process > 0 && (kill(process, 0) == 0 || errno == EPERM); }
 
 int VKstartDaemon(bool changeToRoot, bool closeStreams)
 {
@@ -129,7 +126,4 @@ int VKstartDaemon(bool changeToRoot, bool closeStreams)
     return 0;
 }
 
-void closeallfiles(int lowest)
-{
-    closefrom(lowest);
-}
+void closeallfiles(int lowest) { closefrom(lowest); }

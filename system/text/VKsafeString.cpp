@@ -46,7 +46,4 @@ const char* VKutilSafeByteString(const char* bytes, int length)
     return InThreadBuffer(empty ? std::string_view() : std::string_view(bytes, static_cast<std::size_t>(length)));
 }
 
-const char* VKutilSafeString(const char* text)
-{
-    return InThreadBuffer(vk::ViewOf(text));
-}
+const char* VKutilSafeString(const char* text) { return InThreadBuffer(vk::ViewOf(text)); }

@@ -15,8 +15,8 @@ std::string SafeText(std::string_view bytes, std::size_t limit = std::string_vie
 
 } // namespace vk
 
-/// In a buffer of 4096 bytes that each call of the same thread overwrites, so a text of more than 4090 characters is cut.
-/// Null or a negative length reads as empty.
+/// In a buffer of 4096 bytes that each call of the same thread overwrites, so a text of more than 4090 characters is
+/// cut. Null or a negative length reads as empty.
 const char* VKutilSafeByteString(const char* bytes, int length);
 const char* VKutilSafeString(const char* text);
 inline const char* VKstringSafeByteString(const char* bytes, int length) { return VKutilSafeByteString(bytes, length); }

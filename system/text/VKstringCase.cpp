@@ -59,10 +59,7 @@ std::string VKstringLowerCase(const std::string& text)
     return lower;
 }
 
-int VKstringNoCaseCmp(const char* a, const char* b)
-{
-    return VKstringNoCaseNCmp(a, b, std::string_view::npos);
-}
+int VKstringNoCaseCmp(const char* a, const char* b) { return VKstringNoCaseNCmp(a, b, std::string_view::npos); }
 
 int VKstringNoCaseNCmp(const char* a, const char* b, std::size_t count)
 {

@@ -8,10 +8,7 @@
 
 namespace {
 
-bool IsText(char c)
-{
-    return vk::ToByte(c) >= ' ' ? c != '\x7F' : c == '\t' || c == '\n' || c == '\r';
-}
+bool IsText(char c) { return vk::ToByte(c) >= ' ' ? c != '\x7F' : c == '\t' || c == '\n' || c == '\r'; }
 
 char* Keep(char* text, bool (*wanted)(char))
 {

@@ -6,10 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 
-void VKutilFree(void* memory)
-{
-    std::free(memory);
-}
+void VKutilFree(void* memory) { std::free(memory); }
 
 namespace vk {
 
@@ -45,10 +42,7 @@ std::string_view WholeCharacters(std::string_view text, std::size_t limit)
 
 } // namespace vk
 
-int VKstringMsgCpy(char* to, const char* from, std::size_t size)
-{
-    return from ? vk::CopyBounded(to, from, size) : -1;
-}
+int VKstringMsgCpy(char* to, const char* from, std::size_t size) { return from ? vk::CopyBounded(to, from, size) : -1; }
 
 int VKstringMsgCpy2(char* to, const char* from, std::size_t size)
 {
@@ -60,10 +54,7 @@ int VKstringCopyMsg(char* to, const std::string& from, std::size_t size)
     return VKstringMsgCpy2(to, from.c_str(), size);
 }
 
-char* VKutilStrMalloc(const char* text)
-{
-    return text ? vk::MallocText(text) : nullptr;
-}
+char* VKutilStrMalloc(const char* text) { return text ? vk::MallocText(text) : nullptr; }
 
 char* VKutilStrMallocCat(const char* first, const char* second)
 {

@@ -7,8 +7,7 @@
 
 namespace {
 
-template <class Number>
-std::string ShortestText(Number value)
+template <class Number> std::string ShortestText(Number value)
 {
     char text[64];
     const std::to_chars_result end = std::to_chars(std::begin(text), std::end(text), value);

@@ -41,15 +41,9 @@ int VKutilCreatePathEx(char* path, int size, const char* directory, const char* 
     return fits ? length : -1;
 }
 
-std::string GetFileName(const std::string& path)
-{
-    return std::string(FileNameOf(path));
-}
+std::string GetFileName(const std::string& path) { return std::string(FileNameOf(path)); }
 
-const char* VKutilGetFileName(const char* path)
-{
-    return path ? FileNameOf(path).data() : nullptr;
-}
+const char* VKutilGetFileName(const char* path) { return path ? FileNameOf(path).data() : nullptr; }
 
 const char* VKutilGetFileExtension(const char* path)
 {
@@ -70,7 +64,4 @@ char* VKutilGetLastSubDirFromPath(const char* path)
     return path ? vk::MallocText(GetLastSubDirFromPath(path)) : nullptr;
 }
 
-char* VKstringPathFilter(char* path)
-{
-    return VKstringReplaceChar(path, '\\', '/');
-}
+char* VKstringPathFilter(char* path) { return VKstringReplaceChar(path, '\\', '/'); }

@@ -16,28 +16,18 @@ constexpr vk::EscapeTable kQuote(kQuoteRows);
 constexpr vk::EscapeTable kLike(kLikeRows);
 constexpr vk::EscapeTable kFilter(kFilterRows);
 
-template <class Number>
-std::string FiniteOrNull(Number value)
+template <class Number> std::string FiniteOrNull(Number value)
 {
     return std::isfinite(value) ? vk::NumberText(value) : "NULL";
 }
 
 } // namespace
 
-std::string VKstringSQLEncode(const std::string& text)
-{
-    return kQuote.Encode(text);
-}
+std::string VKstringSQLEncode(const std::string& text) { return kQuote.Encode(text); }
 
-std::string VKstringSQLLikeEncode(const std::string& text)
-{
-    return kLike.Encode(text);
-}
+std::string VKstringSQLLikeEncode(const std::string& text) { return kLike.Encode(text); }
 
-std::string VKstringSQLFilterEncode(const std::string& text)
-{
-    return kFilter.Encode(text);
-}
+std::string VKstringSQLFilterEncode(const std::string& text) { return kFilter.Encode(text); }
 
 namespace vk {
 

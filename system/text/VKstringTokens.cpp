@@ -112,7 +112,4 @@ std::vector<std::string> BuildCommandLineArguments(const std::string& commandLin
     return arguments;
 }
 
-std::string VKutilParseMajorJobID(const std::string& jobId)
-{
-    return jobId.substr(0, jobId.find('_'));
-}
+std::string VKutilParseMajorJobID(const std::string& jobId) { return jobId.substr(0, jobId.find('_')); }

@@ -28,15 +28,9 @@ std::string vk::LocalTimeText(long time, const char* format)
     return parts ? std::string(text, std::strftime(text, sizeof text, format, &*parts)) : std::string();
 }
 
-long VKutilNow()
-{
-    return std::time(nullptr);
-}
+long VKutilNow() { return std::time(nullptr); }
 
-long VKutilNowGMT()
-{
-    return VKutilGetGMT(VKutilNow());
-}
+long VKutilNowGMT() { return VKutilGetGMT(VKutilNow()); }
 
 long VKutilGetGMT(long time)
 {
@@ -60,10 +54,7 @@ std::int64_t GetCurrTimeInMS()
     return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
 }
 
-bool GetTimeOfDay(timeval& now)
-{
-    return gettimeofday(&now, nullptr) == 0;
-}
+bool GetTimeOfDay(timeval& now) { return gettimeofday(&now, nullptr) == 0; }
 
 const char* VKutilCtime(long time)
 {
@@ -72,15 +63,9 @@ const char* VKutilCtime(long time)
     return text.c_str();
 }
 
-std::string VKstringGetDate(long time)
-{
-    return vk::LocalTimeText(time, kDate);
-}
+std::string VKstringGetDate(long time) { return vk::LocalTimeText(time, kDate); }
 
-int VKutilGetDate(long time, char* text, std::size_t size)
-{
-    return VKutilStrFTime(text, size, kDate, time);
-}
+int VKutilGetDate(long time, char* text, std::size_t size) { return VKutilStrFTime(text, size, kDate, time); }
 
 int VKutilStrFTime(char* text, std::size_t size, const char* format, long time)
 {
@@ -93,22 +78,10 @@ int VKutilStrFTime(char* text, std::size_t size, const char* format, long time)
     return length == 0 && *format != '\0' ? -1 : static_cast<int>(length);
 }
 
-std::string VKstringSQLTime(long time)
-{
-    return vk::LocalTimeText(time, "%m/%d/%Y %H:%M:%S");
-}
+std::string VKstringSQLTime(long time) { return vk::LocalTimeText(time, "%m/%d/%Y %H:%M:%S"); }
 
-std::string VKstringSQLFilterTime(long time)
-{
-    return VKstringSQLTime(time);
-}
+std::string VKstringSQLFilterTime(long time) { return VKstringSQLTime(time); }
 
-std::string VKstringSQLGetTime(long time)
-{
-    return vk::LocalTimeText(time, "%Y-%m-%d %H:%M:%S");
-}
+std::string VKstringSQLGetTime(long time) { return vk::LocalTimeText(time, "%Y-%m-%d %H:%M:%S"); }
 
-std::string VKstringSQLCTime(long time)
-{
-    return vk::LocalTimeText(time, kCtime);
-}
+std::string VKstringSQLCTime(long time) { return vk::LocalTimeText(time, kCtime); }

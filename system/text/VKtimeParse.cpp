@@ -31,10 +31,7 @@ long MakeTime(std::tm parts)
 
 constexpr std::size_t kSnppDigits = 12;
 
-int TwoDigits(std::string_view digits, std::size_t at)
-{
-    return (digits[at] - '0') * 10 + (digits[at + 1] - '0');
-}
+int TwoDigits(std::string_view digits, std::size_t at) { return (digits[at] - '0') * 10 + (digits[at + 1] - '0'); }
 
 /// The years from 50 on lie in the current century, those before it in the next one once this one is half over.
 int FullYear(int twoDigits)
@@ -44,10 +41,7 @@ int FullYear(int twoDigits)
     return century + twoDigits + (twoDigits <= 49 && current % 100 >= 50 ? 100 : 0);
 }
 
-bool Between(int value, int least, int most)
-{
-    return value >= least && value <= most;
-}
+bool Between(int value, int least, int most) { return value >= least && value <= most; }
 
 /// The twelve digits as calendar parts; nothing when one is no such part.
 std::optional<std::tm> SnppParts(std::string_view digits)

@@ -16,15 +16,9 @@ using Byte = VKEncryption::Byte;
 constexpr vk_encrypt_option kEcb = VK_ENCRYPT_AES256_ECB;
 constexpr vk_encrypt_option kCbc = VK_ENCRYPT_AES256_CBC;
 
-const Byte* Bytes(const std::string& text)
-{
-    return vk::BytesOf(text);
-}
+const Byte* Bytes(const std::string& text) { return vk::BytesOf(text); }
 
-int Length(const std::string& text)
-{
-    return static_cast<int>(text.size());
-}
+int Length(const std::string& text) { return static_cast<int>(text.size()); }
 
 /// What a call with a byte output gave; owns the buffer, as each caller has to.
 struct Result
@@ -45,7 +39,8 @@ Result Apply(Full operation, const std::string& key, const std::string& data, vk
 {
     Result result;
     Byte* out = nullptr;
-    result.done = operation(Bytes(key), Length(key), Bytes(data), Length(data), out, result.length, result.error, option);
+    result.done =
+        operation(Bytes(key), Length(key), Bytes(data), Length(data), out, result.length, result.error, option);
     result.buffer.reset(out);
     return result;
 }
@@ -113,7 +108,8 @@ TEST(SharedKey, EveryLengthComesBackWithTheRestZeroed)
             ASSERT_TRUE(plain.done) << plain.error;
             ASSERT_EQ(plain.text(), data);
             const int rest = secret.length + 32 - plain.length;
-            ASSERT_EQ(vk::TextOf(plain.buffer.get() + plain.length, rest), std::string(static_cast<std::size_t>(rest), 0));
+            ASSERT_EQ(vk::TextOf(plain.buffer.get() + plain.length, rest),
+                      std::string(static_cast<std::size_t>(rest), 0));
         }
     }
 }

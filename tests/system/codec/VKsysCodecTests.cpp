@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cctype>
+#include <cstdlib>
 
 namespace {
 
@@ -33,8 +33,13 @@ std::string Decode64(std::string text)
 
 TEST(Base64, GivesTheVectorsOfRfc4648)
 {
-    const char* const vectors[][2] = {{"", ""},           {"f", "Zg=="},         {"fo", "Zm8="},        {"foo", "Zm9v"},
-                                      {"foob", "Zm9vYg=="}, {"fooba", "Zm9vYmE="}, {"foobar", "Zm9vYmFy"}};
+    const char* const vectors[][2] = {{"", ""},
+                                      {"f", "Zg=="},
+                                      {"fo", "Zm8="},
+                                      {"foo", "Zm9v"},
+                                      {"foob", "Zm9vYg=="},
+                                      {"fooba", "Zm9vYmE="},
+                                      {"foobar", "Zm9vYmFy"}};
     for (const auto& [plain, encoded] : vectors) {
         EXPECT_EQ(Encode64(plain), encoded);
         EXPECT_EQ(Decode64(encoded), plain);
@@ -85,7 +90,10 @@ TEST(FileNames, WriteTheSignedByteAndReadItBack)
     EXPECT_EQ(VKsysCodec::EncodeFileName("Fire 1/\xE9.x"), "Fire%201%2F%FFFFFFE9%2Ex");
     EXPECT_EQ(VKsysCodec::EncodeName(std::string("\0\x7F\x80\xFF", 4)), "%00%7F%FFFFFF80%FFFFFFFF");
     EXPECT_EQ(VKsysCodec::DecodeFileName(VKsysCodec::EncodeFileName(AllBytes())), AllBytes());
-    const std::string followed("\xFF" "FFFF80" "\x80" "41");
+    const std::string followed("\xFF"
+                               "FFFF80"
+                               "\x80"
+                               "41");
     EXPECT_EQ(VKsysCodec::DecodeName(VKsysCodec::EncodeName(followed)), followed);
 }
 
@@ -94,8 +102,10 @@ TEST(FileNames, DecodeEitherCaseAndKeepWhatIsNoCode)
     EXPECT_EQ(VKsysCodec::DecodeFileName("%2f%2F%ffffffe9"), "//\xE9");
     EXPECT_EQ(VKsysCodec::DecodeFileName("100%"), "100%");
     EXPECT_EQ(VKsysCodec::DecodeFileName("%4%zz%"), "%4%zz%");
-    EXPECT_EQ(VKsysCodec::DecodeFileName("%FFFFFF41"), "\xFF" "FFFF41"); // no sign of a signed byte
-    EXPECT_EQ(VKsysCodec::DecodeFileName("%FFFFFF8"), "\xFF" "FFFF8");
+    EXPECT_EQ(VKsysCodec::DecodeFileName("%FFFFFF41"), "\xFF"
+                                                       "FFFF41"); // no sign of a signed byte
+    EXPECT_EQ(VKsysCodec::DecodeFileName("%FFFFFF8"), "\xFF"
+                                                      "FFFF8");
 }
 
 TEST(FileNames, HaveATwinOnCharacterArrays)
@@ -129,12 +139,15 @@ TEST(HttpText, FillsItsBufferWithWholeCodesOnly)
         const char* written;
     };
     const Row rows[] = {
-        {"a/_.9", 10, "a/_.9"},   {"-\xE9", 10, "%2D%E9"},  {"\n", 10, "%0D%0A"}, {"\r\n", 10, "%0D%0A"},
-        {"ab\nc", 10, "ab%0D%0Ac"}, {"abc\nd", 9, "abc"}, {"abcdef", 5, "abcd"}, {"ab--", 8, "ab%2D"},
-        {"a  ", 7, "a%20"},       {"", 5, ""},
+        {"a/_.9", 10, "a/_.9"},     {"-\xE9", 10, "%2D%E9"},
+        {"\n", 10, "%0D%0A"},       {"\r\n", 10, "%0D%0A"},
+        {"ab\nc", 10, "ab%0D%0Ac"}, {"abc\nd", 9, "abc"},
+        {"abcdef", 5, "abcd"},      {"ab--", 8, "ab%2D"},
+        {"a  ", 7, "a%20"},         {"", 5, ""},
     };
     for (const Row& row : rows) {
-        EXPECT_EQ(VKsysCodec::VKhttpStrEncode(out, row.size, row.in), static_cast<int>(std::string(row.written).size()));
+        EXPECT_EQ(VKsysCodec::VKhttpStrEncode(out, row.size, row.in),
+                  static_cast<int>(std::string(row.written).size()));
         EXPECT_STREQ(out, row.written);
     }
     EXPECT_EQ(VKsysCodec::VKhttpStrEncode(out, 4, "a"), -1);
@@ -147,9 +160,9 @@ TEST(WebInput, WritesTheTableAndJoinsLineEnds)
     EXPECT_EQ(VKsysCodec::EncodeWebInputData("&><'\"|\ta b", false), "&amp;&gt;&lt;&#x27;&quot;&#x7C;&#x09;a b");
     EXPECT_EQ(VKsysCodec::EncodeWebInputData("a b", true), "a&nbsp;b");
     const char* const lineEnds[][2] = {
-        {"a\r\nb", "a&#x0A;b"},       {"a\n\rb", "a&#x0A;b"},     {"a\nb", "a&#x0A;b"},
-        {"a\rb", "a&#x0D;b"},         {"\r\n\r\n", "&#x0A;&#x0A;"}, {"\n\r\n", "&#x0A;&#x0A;"},
-        {"\r\r\n", "&#x0D;&#x0A;"}, {"\n\n", "&#x0A;&#x0A;"},   {"\r", "&#x0D;"},
+        {"a\r\nb", "a&#x0A;b"},     {"a\n\rb", "a&#x0A;b"},       {"a\nb", "a&#x0A;b"},
+        {"a\rb", "a&#x0D;b"},       {"\r\n\r\n", "&#x0A;&#x0A;"}, {"\n\r\n", "&#x0A;&#x0A;"},
+        {"\r\r\n", "&#x0D;&#x0A;"}, {"\n\n", "&#x0A;&#x0A;"},     {"\r", "&#x0D;"},
     };
     for (const auto& [text, encoded] : lineEnds)
         EXPECT_EQ(VKsysCodec::EncodeWebInputData(text, false), encoded);
@@ -160,7 +173,8 @@ TEST(WebInput, DecodesOnceInEitherCase)
 {
     for (const bool flag : {false, true}) {
         EXPECT_EQ(VKsysCodec::DecodeWebInputData("a&nbsp;b&#x7c;&#X0a;", flag), "a b|\n");
-        EXPECT_EQ(VKsysCodec::DecodeWebInputData("&amp;lt;&amp;amp;&unknown;&#x41;&", flag), "&lt;&amp;&unknown;&#x41;&");
+        EXPECT_EQ(VKsysCodec::DecodeWebInputData("&amp;lt;&amp;amp;&unknown;&#x41;&", flag),
+                  "&lt;&amp;&unknown;&#x41;&");
         const std::string all = AllBytes(); // holds no pair of line end characters
         EXPECT_EQ(VKsysCodec::DecodeWebInputData(VKsysCodec::EncodeWebInputData(all, flag), flag), all);
     }
@@ -203,6 +217,44 @@ TEST(Speech, HasNoQuotesAndNoLineEnds)
 {
     EXPECT_EQ(VKsysCodec::EscapeTTSData("say \"hello\" o'clock\r\n"), "say hello oclock");
     EXPECT_EQ(VKsysCodec::EscapeTTSData("\nfire\r\nfloor 3 \n\n east"), "fire floor 3  east");
+}
+
+TEST(CodecXml, ReplacesTheEightCharactersAndNothingElse)
+{
+    EXPECT_EQ(VKsysCodec::EncodeXmlData("&><'\"\t\n\r", true), "&amp;&gt;&lt;&apos;&quot;&#x9;&#xa;&#xd;");
+    EXPECT_EQ(VKsysCodec::EncodeXmlData("\\|\x01 \xC3\xA9/", true), "\\|\x01 \xC3\xA9/");
+    EXPECT_EQ(VKsysCodec::EncodeXmlData("&amp;", true), "&amp;amp;");
+    EXPECT_EQ(VKsysCodec::EncodeXmlData("", true), "");
+    std::string out("<a>");
+    VKsysCodec::AppendXmlData(out, "plain text & more");
+    EXPECT_EQ(out, "<a>plain text &amp; more");
+}
+
+TEST(CodecXml, LineEndsAreEncodedOnRequest)
+{
+    EXPECT_EQ(VKsysCodec::EncodeXML("<'a'\t&\"b\"\r\n>", false), "&lt;&apos;a&apos;\t&amp;&quot;b&quot;\r\n&gt;");
+    EXPECT_EQ(VKsysCodec::EncodeXML("a\r\nb", true), "a&#xd;&#xa;b");
+}
+
+TEST(CodecXml, EveryByteComesBackOnce)
+{
+    for (const std::string& text : {AllBytes(), std::string("&lt;&amp;lt;&#xa;"), std::string("&&#x;&#xA")}) {
+        EXPECT_EQ(VKsysCodec::DecodeXmlData(VKsysCodec::EncodeXmlData(text, true)), text);
+        EXPECT_EQ(VKsysCodec::DecodeXmlData(VKsysCodec::EncodeXML(text, true)), text);
+    }
+    EXPECT_EQ(VKsysCodec::DecodeXmlData("&#XA;&#xd;&lt"), "\n\r&lt");
+}
+
+/// In a child process, because the cut lasts as long as the process does.
+TEST(CodecXml, FalseCutsTheTableForTheWholeProcess)
+{
+    const auto cut = [] {
+        const bool first = VKsysCodec::EncodeXmlData("&><'\"\t\n\r", false) == "&amp;&gt;&lt;'\"\t\n\r";
+        const bool later = VKsysCodec::EncodeXmlData("<'>", true) == "&lt;'&gt;";
+        std::_Exit(first && later ? 0 : 1);
+    };
+    EXPECT_EXIT(cut(), testing::ExitedWithCode(0), "");
+    EXPECT_EQ(VKsysCodec::EncodeXmlData("'", true), "&apos;");
 }
 
 } // namespace

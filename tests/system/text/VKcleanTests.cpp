@@ -70,7 +70,9 @@ TEST(Clean, KeepsOnlyWhatEachFormIsFor)
         EXPECT_STREQ(row.clean(text.data()), row.kept);
         EXPECT_EQ(row.clean(nullptr), nullptr);
     }
-    std::string text("1\0" "2a", 4);
+    std::string text("1\0"
+                     "2a",
+                     4);
     EXPECT_EQ(VKstringCleanNumeric(text), "12");
 }
 

@@ -59,8 +59,8 @@ TEST(Process, ADaemonHasItsOwnSessionTheRootAndNoStreams)
         char stream[32] = {};
         const bool leads = getsid(0) == getpid();
         const bool atRoot = getcwd(where, sizeof where) != nullptr && where[0] == '/';
-        const bool silent = readlink("/proc/self/fd/1", stream, sizeof stream - 1) > 0 &&
-                            std::string(stream) == "/dev/null";
+        const bool silent =
+            readlink("/proc/self/fd/1", stream, sizeof stream - 1) > 0 && std::string(stream) == "/dev/null";
         const char answer = leads && atRoot && silent ? 'y' : 'n';
         _exit(write(ends[1], &answer, 1) == 1 ? 0 : 1);
     }
@@ -114,7 +114,7 @@ TEST(Process, TheMarkerFileTellsAStandbyServer)
     const std::string path = directory / "marker";
     EXPECT_FALSE(VKutilAmIPHS(path.c_str()));
     EXPECT_FALSE(VKutilAmIPHS(nullptr));
-    const std::pair<const char*, bool> contents[] = {{"1\n", true}, {" yes", true}, {"", false},      {"\n1", false},
+    const std::pair<const char*, bool> contents[] = {{"1\n", true},  {" yes", true}, {"", false},     {"\n1", false},
                                                      {"0\n", false}, {"No", false},  {"FALSE", false}};
     for (const auto& [content, standby] : contents) {
         directory.Write("marker", content);

@@ -24,7 +24,10 @@ TEST(CleanXmlText, ReplacesWhatXmlCannotCarry)
         {"edges of the surrogates", "\xED\x9F\xBF\xEE\x80\x80", "", 0},
         {"escape", "a\x1B[0m", "a" + m + "[0m", 1},
         {"zero byte", std::string("a\0b", 3), "a" + m + "b", 1},
-        {"control inside a block", "1234567\x01" "12345678\x1F", "1234567" + m + "12345678" + m, 2},
+        {"control inside a block",
+         "1234567\x01"
+         "12345678\x1F",
+         "1234567" + m + "12345678" + m, 2},
         {"lone continuation", "a\x80z", "a" + m + "z", 1},
         {"cut at the end", "ab\xE2\x82", "ab" + m, 1},
         {"cut by a letter", "\xF0\x9F\x9A!", m + "!", 1},
