@@ -1,6 +1,6 @@
 #include "VKtime.h"
 
-#include "VKstringCopy.h"
+#include "VKstringTrim.h"
 
 #include <chrono>
 #include <ctime>
@@ -10,13 +10,20 @@
 namespace {
 
 constexpr char kDate[] = "%m/%d/%Y";
-constexpr char kCtime[] = "%a %b %e %H:%M:%S %Y";
 
 std::optional<std::tm> LocalTime(long time)
 {
     const std::time_t seconds = time;
     std::tm parts{};
     return localtime_r(&seconds, &parts) ? std::optional<std::tm>(parts) : std::nullopt;
+}
+
+/// ctime() rather than strftime(), which would name days and months in the language of the process.
+std::string CtimeText(long time)
+{
+    const std::time_t seconds = time;
+    char text[64];
+    return ctime_r(&seconds, text) ? std::string(vk::Trimmed(text)) : std::string();
 }
 
 } // namespace
@@ -59,7 +66,7 @@ bool GetTimeOfDay(timeval& now) { return gettimeofday(&now, nullptr) == 0; }
 const char* VKutilCtime(long time)
 {
     thread_local std::string text;
-    text = vk::LocalTimeText(time, kCtime);
+    text = CtimeText(time);
     return text.c_str();
 }
 
@@ -84,4 +91,4 @@ std::string VKstringSQLFilterTime(long time) { return VKstringSQLTime(time); }
 
 std::string VKstringSQLGetTime(long time) { return vk::LocalTimeText(time, "%Y-%m-%d %H:%M:%S"); }
 
-std::string VKstringSQLCTime(long time) { return vk::LocalTimeText(time, kCtime); }
+std::string VKstringSQLCTime(long time) { return CtimeText(time); }
