@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+#include <type_traits>
 #include <utility>
 
 #include "VKDBexception.h"
@@ -68,20 +70,19 @@ template <class Connection, class Body>
 auto InTransaction(Connection& connection, TransactionLock lock, Body&& body) -> decltype(body())
 {
     Transaction<Connection> transaction(connection, lock);
-    if (!transaction.IsOpen())
-        throw VKDBexception(DbError::General, __FILE__, __LINE__,
-                            "Unable to start a transaction: the database is in use.");
-    const auto commit = [&] {
-        if (!transaction.Commit())
+    const auto require = [&](bool done, const char* what) {
+        if (!done)
             throw VKDBexception(DbError::General, __FILE__, __LINE__,
-                                "Unable to commit a transaction: the database is in use.");
+                                std::string("Unable to ") + what + " a transaction on [" + connection.GetPath() +
+                                    "]: it is in use.");
     };
+    require(transaction.IsOpen(), "start");
     if constexpr (std::is_void_v<decltype(body())>) {
         std::forward<Body>(body)();
-        commit();
+        require(transaction.Commit(), "commit");
     } else {
         auto result = std::forward<Body>(body)();
-        commit();
+        require(transaction.Commit(), "commit");
         return result;
     }
 }

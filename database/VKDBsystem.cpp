@@ -1,0 +1,39 @@
+#include "VKDBsystem.h"
+
+#include <cstring>
+
+#include "VKstringPath.h"
+
+bool VKDBsystem::OpenSdb(const std::string& configDir, const std::string& dataRootDir,
+                         const VK_DIRECTORY_PATH* directories, VK_QUEUE_DIRECTORY_PATH* queueDirectories, int numQueues,
+                         VKsysEventLogInterface* eventLog)
+{
+    sys_Config_Dir = configDir;
+    data_Root_Dir = dataRootDir;
+    if (directories != nullptr)
+        std::memcpy(directory_Pathes.data(), directories, directory_Pathes.size());
+    queue_Directory = queueDirectories;
+    num_Queues = numQueues;
+    event_Log = eventLog;
+    db_Type = DbTypeSdb;
+    is_Open = true;
+    return true;
+}
+
+bool VKDBsystem::Close()
+{
+    is_Open = false;
+    return true;
+}
+
+std::string VKDBsystem::GetDataConfigDir() const
+{
+    return data_Root_Dir.empty() ? sys_Config_Dir : VKstringCreatePath(data_Root_Dir, "config");
+}
+
+std::string VKDBsystem::GetStatisticsDir() const
+{
+    constexpr std::size_t kStatistics = 2048;
+    const char* text = directory_Pathes.data() + kStatistics;
+    return std::string(text, strnlen(text, 256));
+}

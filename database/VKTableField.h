@@ -1,0 +1,60 @@
+#pragma once
+
+#include "VKField.h"
+
+/// \file
+/// The words with which a record's field table describes a database table. The member's type gives the column: bool
+/// BOOLEAN, numbers and enumerations INTEGER, char[N] VARCHAR(N - 1), std::string VARCHAR with the width of its mark,
+/// char* TEXT. The marks say the rest.
+
+namespace vk {
+
+/// The row identifier: the store gives it.
+struct PrimaryKey
+{
+};
+
+struct NotNull
+{
+};
+
+/// Width in bytes of a column whose member has none of its own.
+struct Varchar
+{
+    int width;
+};
+
+/// The column's default is '0'.
+struct DefaultZero
+{
+};
+
+/// Written when the row is added and left alone when it is changed.
+struct WrittenOnce
+{
+};
+
+/// Read, but never written by this layer.
+struct NotWritten
+{
+};
+
+/// A table's name in the file database and in a relational one.
+struct TableName
+{
+    const char* file;
+    const char* relational;
+};
+
+/// A table: its names and its columns in order.
+template <class Fields>
+struct Table
+{
+    TableName name;
+    Fields fields;
+};
+
+template <class Fields>
+Table(TableName, Fields) -> Table<Fields>;
+
+} // namespace vk

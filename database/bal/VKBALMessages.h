@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+namespace vk {
+
+/// The operator's text for a broken rule: which field is wrong and what would be accepted. Empty for an unknown number.
+const char* MessageText(int number);
+
+/// Gathers the texts of broken rules, one line each, and throws them together.
+class BrokenRules
+{
+public:
+    void Add(int number);
+
+    /// Throws VKBALexception with code 1000 and all texts unless there is none.
+    void ThrowIfAny() const;
+
+private:
+    std::string m_strTexts;
+};
+
+} // namespace vk

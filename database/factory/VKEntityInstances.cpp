@@ -1,0 +1,38 @@
+#include <memory>
+
+#include "VKBALDepartment.h"
+#include "VKBALReceiver.h"
+#include "VKDBexception.h"
+#include "VKDBsystem.h"
+#include "VKSQLite3Department.h"
+#include "VKSQLite3Receiver.h"
+
+/// \file
+/// The layers of each entity put together: the backend that the system is on, behind the validating layer. The one
+/// place that knows all layers.
+
+namespace {
+
+template <class Interface, class ValidatingLayer, class FileBackend> Interface* MakeLayers(VKDBsystem* system)
+{
+    if (VKDBsystem::db_Type != DbTypeSdb)
+        throw VKDBexception(vk::DbError::General, __FILE__, __LINE__,
+                            "The file database is not open, and there is no other one.");
+    auto backend = std::make_unique<FileBackend>();
+    backend->Initialize(system);
+    auto wrapper = std::make_unique<ValidatingLayer>(std::move(backend));
+    wrapper->Initialize(system);
+    return wrapper.release();
+}
+
+} // namespace
+
+VKDBiDepartment* VKDBiDepartment::CreateInstance(VKDBsystem* system)
+{
+    return MakeLayers<VKDBiDepartment, VKBALDepartment, VKSQLite3Department>(system);
+}
+
+VKDBiReceiver* VKDBiReceiver::CreateInstance(VKDBsystem* system)
+{
+    return MakeLayers<VKDBiReceiver, VKBALReceiver, VKSQLite3Receiver>(system);
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "VKTableField.h"
+
+namespace vk {
+
+enum class ColumnKind { Id, Integer, Boolean, Varchar, Text };
+
+/// What differs from one SQL to the next, and the one place where a value is made safe to stand in a statement. What
+/// stands here is what all of them share. Stateless; used by any number of threads.
+class SqlDialect
+{
+public:
+    virtual ~SqlDialect() = default;
+
+    virtual std::string TableOf(const TableName& table) const = 0;
+
+    /// A column's type in CREATE TABLE; the width only for Varchar.
+    virtual std::string ColumnType(ColumnKind kind, int width) const = 0;
+
+    /// A text as a literal: in quotes, its own quotes doubled.
+    virtual std::string Text(std::string_view value) const;
+
+    /// A truth value as a literal.
+    virtual std::string Boolean(bool value) const { return value ? "1" : "0"; }
+
+    /// A test that a column equals a text, without regard to case.
+    virtual std::string EqualsNoCase(std::string_view column, std::string_view text) const;
+
+    /// A test that a column begins with a text, without regard to case.
+    virtual std::string BeginsNoCase(std::string_view column, std::string_view text) const;
+
+    /// One page of a query's rows: at most `size` of them, behind the first `offset`, in this order.
+    virtual std::string Page(const std::string& query, const std::string& order, long size, long offset) const = 0;
+
+    /// What stands behind each kind of statement, so that the new id and errors come back.
+    virtual std::string SelectEnd() const { return ";"; }
+    virtual std::string InsertEnd() const { return ";"; }
+    virtual std::string UpdateEnd() const { return ";"; }
+
+    /// The statement that lets a table take the ids it is given, or ends that; empty where it always does.
+    virtual std::string KeepIdentity(const TableName& table, bool on) const = 0;
+
+protected:
+    /// A text made safe for LIKE with ESCAPE '\'.
+    virtual std::string LikeText(std::string_view text) const;
+};
+
+} // namespace vk

@@ -1,0 +1,59 @@
+#include "VKSqlStore.h"
+
+namespace vk {
+
+/// Says which statement it was by its beginning only: the values may hold what no log should show.
+void SqlStore::RequireFitsLimit(const std::string& statement) const
+{
+    constexpr std::size_t kShown = 40;
+    if (statement.size() > m_statementLimit)
+        throw VKDBexception(DbError::General, __FILE__, __LINE__,
+                            "The statement is " + std::to_string(statement.size()) + " characters long, at most " +
+                                std::to_string(m_statementLimit) + " are run [" + statement.substr(0, kShown) +
+                                "...].");
+}
+
+std::unique_ptr<VKDBiResultSet> SqlStore::RunSelect(const std::string& text)
+{
+    const std::string statement = text + Dialect().SelectEnd();
+    RequireFitsLimit(statement);
+    return m_connection->ExecuteSelectQuery(statement);
+}
+
+long SqlStore::RunUpdate(const std::string& text)
+{
+    const std::string statement = text + Dialect().UpdateEnd();
+    RequireFitsLimit(statement);
+    return m_connection->ExecuteUpdateQuery(statement);
+}
+
+unsigned long SqlStore::RunInsert(const std::string& text)
+{
+    const std::string statement = text + Dialect().InsertEnd();
+    RequireFitsLimit(statement);
+    return m_connection->ExecuteInsertQuery(statement);
+}
+
+void SqlStore::SwitchKeepIdentity(const TableName& table, bool on)
+{
+    const std::string statement = Dialect().KeepIdentity(table, on);
+    if (statement.empty())
+        return;
+    try {
+        m_connection->ExecuteUpdateQuery(statement);
+    } catch (const VKDBexception& failure) {
+        throw VKDBexception(failure.GetErrorCode(), __FILE__, __LINE__,
+                            on ? "Enabling IDENTITY_INSERT failed." : "Disabling IDENTITY_INSERT failed.",
+                            failure.GetSysMsg());
+    }
+}
+
+void SqlStore::RequireSameId(unsigned long added, unsigned long old, const char* what)
+{
+    if (added != old)
+        throw VKDBexception(DbError::General, __FILE__, __LINE__,
+                            std::string("Record ID mismatch while converting ") + what +
+                                " records: New added record ID doesn't match with the old record ID.");
+}
+
+} // namespace vk

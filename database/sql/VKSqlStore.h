@@ -1,0 +1,102 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "VKSqlConnection.h"
+#include "VKSqlRecord.h"
+#include "VKSqlTransaction.h"
+
+namespace vk {
+
+/// What an entity's operations are written on: a connection, its dialect and the length a statement of this entity may
+/// have. A statement that is longer is refused, never cut.
+class SqlStore
+{
+public:
+    SqlStore(std::unique_ptr<SqlConnection> connection, std::size_t statementLimit)
+        : m_connection(std::move(connection)), m_statementLimit(statementLimit)
+    {
+    }
+
+    SqlConnection& Connection() { return *m_connection; }
+    const SqlDialect& Dialect() const { return m_connection->Dialect(); }
+
+    /// Run a body in a transaction; its statements are what Select, Update and Insert below run.
+    template <class Body>
+    auto Shared(Body&& body)
+    {
+        return InTransaction(*m_connection, TransactionLock::Shared, std::forward<Body>(body));
+    }
+    template <class Body>
+    auto Exclusive(Body&& body)
+    {
+        return InTransaction(*m_connection, TransactionLock::Exclusive, std::forward<Body>(body));
+    }
+
+    /// A part of a statement, its values conditioned.
+    template <class... Values>
+    SqlRaw Part(std::string_view pattern, const Values&... values) const
+    {
+        return {SqlText(Dialect(), pattern, values...)};
+    }
+
+    template <class... Values>
+    std::unique_ptr<VKDBiResultSet> Select(std::string_view pattern, const Values&... values)
+    {
+        return RunSelect(SqlText(Dialect(), pattern, values...));
+    }
+
+    /// The single number that a SELECT gives; 0 without a row.
+    template <class... Values>
+    long SelectNumber(std::string_view pattern, const Values&... values)
+    {
+        return (*Select(pattern, values...))[0][0].GetValueLong();
+    }
+
+    /// Gives back how many rows were touched.
+    template <class... Values>
+    long Update(std::string_view pattern, const Values&... values)
+    {
+        return RunUpdate(SqlText(Dialect(), pattern, values...));
+    }
+
+    /// Stores a new row from a record; gives back its id.
+    template <class Fields, class Record>
+    unsigned long InsertRow(const Table<Fields>& table, const Record& record, RowId id = RowId::FromStore)
+    {
+        return RunInsert(InsertText(Dialect(), table, record, id));
+    }
+
+    /// Stores a changed row by its id; gives back how many rows were touched.
+    template <class Fields, class Record>
+    long UpdateRow(const Table<Fields>& table, const Record& record)
+    {
+        return RunUpdate(UpdateText(Dialect(), table, record));
+    }
+
+    /// Stores records with the ids that they carry, as a move from another backend does; all or none. `what` names them
+    /// in an error: "department".
+    template <class Fields, class Record>
+    void InsertRowsWithIds(const Table<Fields>& table, const Record* records, int count, const char* what)
+    {
+        SwitchKeepIdentity(table.name, true);
+        for (int i = 0; i < count; ++i)
+            RequireSameId(InsertRow(table, records[i], RowId::FromRecord), records[i].id, what);
+        SwitchKeepIdentity(table.name, false);
+    }
+
+private:
+    std::unique_ptr<VKDBiResultSet> RunSelect(const std::string& text);
+    long RunUpdate(const std::string& text);
+    unsigned long RunInsert(const std::string& text);
+    void SwitchKeepIdentity(const TableName& table, bool on);
+    void RequireFitsLimit(const std::string& statement) const;
+    static void RequireSameId(unsigned long added, unsigned long old, const char* what);
+
+    std::unique_ptr<SqlConnection> m_connection;
+    std::size_t m_statementLimit;
+};
+
+} // namespace vk

@@ -1,0 +1,85 @@
+#include "VKSQLite3Connection.h"
+
+#include <unistd.h>
+
+#include "VKDBexception.h"
+#include "VKSQLite3Dialect.h"
+
+namespace vk {
+
+SQLite3Connection::SQLite3Connection(const std::string& directory, const char* file, const VKSQLite3TableDesc* tables,
+                                     int count)
+    : m_strDirectory(directory),
+      m_database(VKSQLite3Database::CreateTablePath(directory, file), tables, count, false)
+{
+    RequireTaken(m_database.IsReady());
+}
+
+const SqlDialect& SQLite3Connection::Dialect() const { return SQLite3Dialect::Get(); }
+
+/// A handle refuses statements only while it is not ready: another process keeps the file, or it cannot be opened anew.
+void SQLite3Connection::RequireTaken(bool taken) const
+{
+    if (!taken)
+        throw VKDBexception(m_database.GetLastErrorCode() ? m_database.GetLastErrorCode() : DbError::General, __FILE__,
+                            __LINE__, "The database [" + m_database.GetPath() + "] is not ready.",
+                            m_database.GetLastErrorString());
+}
+
+std::unique_ptr<VKDBiResultSet> SQLite3Connection::ExecuteSelectQuery(const std::string& query)
+{
+    auto result = std::make_unique<VKSQLite3ResultSet>();
+    RequireTaken(m_database.ExecuteSelectQuery(query, *result));
+    return result;
+}
+
+long SQLite3Connection::ExecuteUpdateQuery(const std::string& query)
+{
+    VKSQLite3ResultSet result;
+    RequireTaken(m_database.ExecuteUpdateQuery(query, result));
+    return result.GetEffectedRowsCount();
+}
+
+unsigned long SQLite3Connection::ExecuteInsertQuery(const std::string& query)
+{
+    VKSQLite3ResultSet result;
+    unsigned long id = 0;
+    RequireTaken(m_database.ExecuteInsertQuery(query, result, id));
+    return id;
+}
+
+bool SQLite3Connection::StartTransactionShared(const std::string& name, bool retry, int count, long sleepMs)
+{
+    return m_database.StartTransactionShared(name, retry, count, sleepMs);
+}
+
+bool SQLite3Connection::StartTransactionExclusive(const std::string& name, bool retry, int count, long sleepMs)
+{
+    return m_database.StartTransactionExclusive(name, retry, count, sleepMs);
+}
+
+bool SQLite3Connection::EndTransactionCommit(const std::string& name, bool retry, int count, long sleepMs)
+{
+    return m_database.EndTransactionCommit(name, retry, count, sleepMs);
+}
+
+bool SQLite3Connection::EndTransactionRollback(const std::string& name, bool retry, int count, long sleepMs)
+{
+    return m_database.EndTransactionRollback(name, retry, count, sleepMs);
+}
+
+void SQLite3Connection::Attach(const SqlFile& file)
+{
+    const std::string path = VKSQLite3Database::CreateTablePath(m_strDirectory, file.file);
+    if (access(path.c_str(), F_OK) != 0)
+        throw VKDBexception(DbError::General, __FILE__, __LINE__, "Unable to open DB [" + path + "]",
+                            "there is no such file");
+    ExecuteUpdateQuery("ATTACH '" + VKSQLite3Database::PreprocessSqlStringCopy(path, 0) + "' AS " + file.schema + ";");
+}
+
+void SQLite3Connection::Detach(const SqlFile& file)
+{
+    ExecuteUpdateQuery(std::string("DETACH ") + file.schema + ";");
+}
+
+} // namespace vk

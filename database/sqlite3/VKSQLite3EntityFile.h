@@ -1,0 +1,62 @@
+#pragma once
+
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "VKSQLite3Connection.h"
+#include "VKSQLite3Dialect.h"
+#include "VKSQLite3TableDesc.h"
+#include "VKSqlStore.h"
+
+class VKDBsystem;
+
+namespace vk {
+
+/// An index: its name, its table and the one column it is over.
+struct SQLite3Index
+{
+    const char* name;
+    const char* table;
+    const char* column;
+};
+
+/// The file of an entity family in the data configuration directory.
+struct SQLite3EntityFile
+{
+    const char* file;
+    const VKSQLite3TableDesc* tables;
+    int tableCount;
+};
+
+/// Opens an entity's file with its tables. Throws VKDBexception when it cannot be used.
+std::unique_ptr<SQLite3Connection> OpenEntityFile(const VKDBsystem& system, const SQLite3EntityFile& file);
+
+/// Makes the indexes that are missing, all in one transaction.
+void CreateIndexes(SQLite3Connection& connection, const SQLite3Index* indexes, std::size_t count);
+
+/// The names of a table's columns; empty when there is no such table.
+std::vector<std::string> ColumnNames(SQLite3Connection& connection, const char* table);
+
+/// Adds the columns of a table that a file made by an older version lacks. `unreadable` is what the error says when the
+/// table cannot be read.
+template <class Fields>
+void AddMissingColumns(SQLite3Connection& connection, const Table<Fields>& table, const char* unreadable)
+{
+    InTransaction(connection, TransactionLock::Exclusive, [&] {
+        const std::vector<std::string> present = ColumnNames(connection, table.name.file);
+        if (present.empty())
+            throw VKDBexception(DbError::General, __FILE__, __LINE__, unreadable);
+        ForEachField(table.fields, [&](const auto& field) {
+            using Row = std::decay_t<decltype(field)>;
+            if (std::find(present.begin(), present.end(), field.name) != present.end())
+                return;
+            const char* forOldRows = Row::template has<NotNull> && !Row::template has<DefaultZero> ? " DEFAULT ''" : "";
+            connection.ExecuteUpdateQuery(std::string("ALTER TABLE ") + table.name.file + " ADD " +
+                                          ColumnDefinition(connection.Dialect(), field) + forOldRows + ";");
+        });
+    });
+}
+
+} // namespace vk

@@ -1,0 +1,267 @@
+#include <gmock/gmock.h>
+
+#include "FileDatabase.h"
+#include "VKBALMessages.h"
+#include "VKBALexception.h"
+#include "VKRecordText.h"
+#include "VKSQLite3Database.h"
+#include "VKSQLite3Department.h"
+
+namespace {
+
+VK_DEPARTMENT Department(const std::string& name, long most = -1, long count = 0)
+{
+    VK_DEPARTMENT department;
+    vk::SetText(department.name, name, "name");
+    vk::SetText(department.description, "of " + name.substr(0, 40), "description");
+    department.max_receivers = most;
+    department.num_receivers = count;
+    return department;
+}
+
+class VKDepartmentTest : public FileDatabase
+{
+protected:
+    VKDepartmentTest() : departments(VKDBiDepartment::CreateInstance(&system)) { store.Initialize(&system); }
+
+    unsigned long Add(VK_DEPARTMENT department)
+    {
+        store.Add(&department);
+        return department.id;
+    }
+    std::string Names()
+    {
+        VK_DEPARTMENT_LIST list;
+        departments->Get(&list);
+        std::string names;
+        for (int i = 0; i < list.count; ++i)
+            names += std::string(list.list[i].name) + ";";
+        EmptyDepartmentList(&list);
+        EXPECT_EQ(list.list, nullptr);
+        return names;
+    }
+    long CountOf(unsigned long id)
+    {
+        VK_DEPARTMENT department;
+        return store.GetByID(&department, id) ? department.num_receivers : -1;
+    }
+
+    std::unique_ptr<VKDBiDepartment> departments;
+    VKSQLite3Department store; ///< without the rules, which refuse most of the odd texts
+};
+
+} // namespace
+
+TEST_F(VKDepartmentTest, TableAndIndexStandInTheFile)
+{
+    EXPECT_STREQ(VKSQLite3Department::tTableDesc[0].columns,
+                 "id INTEGER PRIMARY KEY AUTOINCREMENT, name VARCHAR(50) NOT NULL, description VARCHAR(100) NOT NULL, "
+                 "max_receivers INTEGER, num_receivers INTEGER");
+    VKSQLite3Database file(dir / "departments.sdb", true);
+    VKSQLite3ResultSet result;
+    ASSERT_TRUE(file.SelectQueryTransaction("PRAGMA index_info('ix_department_name');", result));
+    EXPECT_EQ(result[0]["name"].GetValueString(), "name");
+}
+
+TEST_F(VKDepartmentTest, EveryTextComesBackAsItWentIn)
+{
+    for (const std::string& text :
+         {std::string("O'Brien's \"ward\""), std::string("100% _ \\ [x] {}"), std::string("\xF0\x9F\x9A\x92 Zürich"),
+          std::string("'); DROP TABLE department; --"), std::string("%s %d {}"), std::string(50, '\'')}) {
+        VK_DEPARTMENT added = Department(text);
+        vk::SetText(added.description, text + text, "description");
+        ASSERT_TRUE(store.Add(&added)) << text;
+        VK_DEPARTMENT read;
+        ASSERT_TRUE(store.GetByID(&read, added.id));
+        EXPECT_EQ(read.name, text);
+        EXPECT_EQ(read.description, text + text);
+        ASSERT_TRUE(store.GetByName(&read, text)) << text;
+        EXPECT_EQ(read.id, added.id);
+        EXPECT_FALSE(store.IsUniqueName(text, 0));
+        EXPECT_TRUE(store.IsUniqueName(text, added.id));
+        unsigned long id = 0;
+        EXPECT_TRUE(store.GetIDByName(id, text));
+        EXPECT_EQ(id, added.id);
+        store.SetFilter(text);
+        VK_DEPARTMENT_LIST list;
+        store.Get(&list);
+        EXPECT_EQ(list.count, 1) << text;
+        EmptyDepartmentList(&list);
+        EXPECT_TRUE(store.Delete(added.id));
+    }
+    EXPECT_EQ(store.GetTotalRecordCount(), 0);
+}
+
+TEST_F(VKDepartmentTest, TextsThatDoNotFitAreRefusedByName)
+{
+    VK_DEPARTMENT department;
+    EXPECT_EQ(ErrorOf([&] { vk::SetText(department.name, std::string(51, 'x'), "name"); }),
+              "-1 The text for 'name' is 51 bytes long; at most 50 fit.");
+    EXPECT_EQ(ErrorOf([&] { vk::SetText(department.name, std::string("a\0b", 3), "name"); }),
+              "-1 The text for 'name' holds a zero byte.");
+    EXPECT_STREQ(department.name, "");
+    memset(department.description, 'x', sizeof department.description);
+    EXPECT_EQ(ErrorOf([&] { store.Add(&department); }),
+              "-1 The text for 'description' has no end within its 101 bytes.");
+    EXPECT_THAT(ErrorOf([&] { store.IsUniqueName(std::string(600, 'x'), 0); }),
+                testing::HasSubstr("at most 511 are run [SELECT id FROM department"));
+    EXPECT_THAT(ErrorOf([&] { store.IsUniqueName(std::string("a\0b", 3), 0); }), testing::HasSubstr("zero byte"));
+}
+
+TEST_F(VKDepartmentTest, AllBrokenRulesAreToldAtOnce)
+{
+    Add(Department("Surgery"));
+    const auto lines = [](std::initializer_list<int> numbers) {
+        std::string text = "1000 ";
+        for (const int number : numbers)
+            text += std::string(vk::MessageText(number)) + "\n";
+        return text;
+    };
+    const struct
+    {
+        VK_DEPARTMENT department;
+        bool limits;
+        std::initializer_list<int> broken;
+    } rows[] = {{Department(""), false, {1003}},
+                {Department("  "), false, {1003}},
+                {Department("a<b"), false, {1004}},
+                {Department("SURGERY"), false, {1005}},
+                {Department("Ward", 0), true, {1006}},
+                {Department("Ward", 11), true, {1006}},
+                {Department("Ward", 5, 6), true, {1007}},
+                {Department("%", 0, 3), true, {1004, 1006, 1007}},
+                {Department("", -1, 0), true, {1003, 1006, 1007}}};
+    for (const auto& row : rows) {
+        SetLimits(row.limits, 10);
+        VK_DEPARTMENT department = row.department;
+        EXPECT_EQ(ErrorOf([&] { departments->Add(&department); }), lines(row.broken)) << department.name;
+        EXPECT_EQ(departments->GetTotalRecordCount(), 1);
+    }
+    VK_DEPARTMENT unnamed = Department("");
+    EXPECT_THROW(departments->Modify(&unnamed), VKBALexception);
+
+    SetLimits(false, 10);
+    VK_DEPARTMENT free = Department("St. Mary's_2-b", 7);
+    ASSERT_TRUE(departments->Add(&free));
+    EXPECT_EQ(free.max_receivers, -1) << "without limits none is stored";
+}
+
+TEST_F(VKDepartmentTest, ModifyKeepsTheCountThatGrewMeanwhile)
+{
+    const unsigned long id = Add(Department("Old", 5, 1));
+    VK_DEPARTMENT department;
+    ASSERT_TRUE(departments->GetByID(&department, id));
+    ASSERT_TRUE(departments->IncrementReceiverCount(id));
+    vk::SetText(department.name, "New", "name");
+    EXPECT_TRUE(departments->Modify(&department));
+    ASSERT_TRUE(departments->GetByName(&department, "NEW"));
+    EXPECT_EQ(department.num_receivers, 2);
+    department.id = 99;
+    vk::SetText(department.name, "Other", "name");
+    EXPECT_FALSE(departments->Modify(&department));
+    EXPECT_FALSE(departments->GetByID(&department, 99));
+    EXPECT_STREQ(department.name, "");
+}
+
+TEST_F(VKDepartmentTest, ReceiverCountKeepsToTheLimit)
+{
+    const unsigned long limited = Add(Department("Limited", 2, 1));
+    const unsigned long unlimited = Add(Department("Unlimited", -1, 7));
+    EXPECT_FALSE(departments->IncrementReceiverCount(0));
+    EXPECT_FALSE(departments->DecrementReceiverCount(0));
+
+    SetLimits(true, 100);
+    EXPECT_TRUE(VKDBiDepartment::IncreaseReceCount(limited, &system));
+    EXPECT_EQ(ErrorOf([&] { departments->IncrementReceiverCount(limited); }),
+              "100 Department maximum receivers limit exceeds.");
+    EXPECT_EQ(CountOf(limited), 2);
+    EXPECT_TRUE(departments->IncrementReceiverCount(unlimited)) << "no limit, no error";
+    EXPECT_EQ(CountOf(unlimited), 7);
+
+    SetLimits(false, 0);
+    EXPECT_TRUE(departments->IncrementReceiverCount(limited));
+    EXPECT_EQ(CountOf(limited), 3);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_TRUE(VKDBiDepartment::DecreaseReceCount(limited, &system));
+    EXPECT_EQ(ErrorOf([&] { departments->DecrementReceiverCount(limited); }),
+              "-1 Department receiver count has corrupted.");
+    for (const auto change : {&VKDBiDepartment::IncrementReceiverCount, &VKDBiDepartment::DecrementReceiverCount})
+        EXPECT_EQ(ErrorOf([&] { (departments.get()->*change)(99); }),
+                  "-1 Unknown department. The record may have been deleted.");
+}
+
+TEST_F(VKDepartmentTest, ListsAreOrderedFilteredAndPaged)
+{
+    for (const char* name : {"b_1", "a1", "B2", "bX1", "A0", "c"})
+        Add(Department(name));
+    EXPECT_EQ(Names(), "A0;a1;B2;bX1;b_1;c;");
+    const struct
+    {
+        const char* filter;
+        const char* names;
+    } rows[] = {{"", "A0;a1;B2;bX1;b_1;c;"},
+                {"*", "A0;a1;B2;bX1;b_1;c;"},
+                {"B", "B2;bX1;b_1;"},
+                {"b_", "b_1;"},
+                {"%1", "a1;bX1;b_1;"},
+                {"'", ""},
+                {"\\", ""}};
+    for (const auto& row : rows) {
+        departments->SetFilter(row.filter);
+        EXPECT_EQ(Names(), row.names) << row.filter;
+    }
+    departments->SetFilter("*");
+    departments->SetFilter(4, 2);
+    EXPECT_EQ(Names(), "b_1;c;");
+    EXPECT_EQ(departments->GetPageCount(), 2);
+    departments->SetFilter(3, 1);
+    EXPECT_EQ(Names(), "A0;a1;B2;");
+    EXPECT_EQ(departments->GetPageCount(), 2);
+    departments->SetFilter(3, 9);
+    EXPECT_EQ(Names(), "");
+    departments->ClearFilter();
+    EXPECT_EQ(Names(), "A0;a1;B2;bX1;b_1;c;");
+    std::vector<VK_NAME_RECORD> names;
+    EXPECT_TRUE(departments->GetNamesList(names));
+    ASSERT_EQ(names.size(), 6u);
+    EXPECT_EQ(names[0].name, "A0");
+    EXPECT_EQ(names[0].id, 5u);
+}
+
+TEST_F(VKDepartmentTest, ADepartmentInUseIsNotDeleted)
+{
+    const unsigned long own = Add(Department("Own"));
+    const unsigned long guest = Add(Department("Guest"));
+    const unsigned long empty = Add(Department("Empty"));
+    VK_RECEIVER receiver;
+    vk::SetText(receiver.name, "Pager", "name");
+    vk::SetText(receiver.pin, "1", "pin");
+    receiver.department_id = own;
+    AddDeptRights(&receiver, guest);
+    ASSERT_TRUE(std::unique_ptr<VKDBiReceiver>(VKDBiReceiver::CreateInstance(&system))->Add(&receiver, false));
+    EmptyReceiver(&receiver);
+
+    for (const unsigned long used : {own, guest})
+        EXPECT_EQ(ErrorOf([&] { departments->Delete(used); }), "1000 Foreign Key constraints failed.");
+    EXPECT_TRUE(departments->Delete(empty));
+    EXPECT_FALSE(departments->Delete(empty));
+    EXPECT_EQ(departments->GetTotalRecordCount(), 2);
+}
+
+TEST_F(VKDepartmentTest, MovedRecordsKeepTheirIds)
+{
+    VK_DEPARTMENT_LIST list;
+    for (const unsigned long id : {7ul, 3ul, 4000000000ul}) {
+        VK_DEPARTMENT department = Department("d" + std::to_string(id), 9, 2);
+        department.id = id;
+        AddDepartment(&list, &department);
+    }
+    ASSERT_TRUE(store.ConvertRecords(&list));
+    EXPECT_EQ(Names(), "d3;d4000000000;d7;");
+    EXPECT_EQ(CountOf(4000000000ul), 2);
+    EXPECT_NE(ErrorOf([&] { store.ConvertRecords(&list); }), "") << "ids that are there already";
+    list.list[0].id = 8;
+    EXPECT_NE(ErrorOf([&] { store.ConvertRecords(&list); }), "");
+    EXPECT_EQ(CountOf(8), -1) << "all or none";
+    EmptyDepartmentList(&list);
+}
