@@ -8,8 +8,8 @@
 namespace {
 
 constexpr vk::CodeText<eRespResultType> kResultTypes[] = {
-    {eRespResultNone, "none"},     {eRespResultText, "text"},   {eRespResultXml, "xml"},
-    {eRespResultJson, "json"},     {eRespResultBase64, "base64"}, {eRespResultCData, "cdata"},
+    {eRespResultNone, "none"},       {eRespResultText, "text"},     {eRespResultXml, "xml"},
+    {eRespResultJson, "json"},       {eRespResultBase64, "base64"}, {eRespResultCData, "cdata"},
     {eRespResultUnknown, "unknown"},
 };
 
