@@ -1,6 +1,6 @@
 #include "Timeline.h"
 
-#include "TextLine.h"
+#include "JsonLine.h"
 
 #include <cerrno>
 #include <cstring>
