@@ -24,6 +24,8 @@ bool IsLasting(int error, bool creating)
     case EISDIR:
     case ENAMETOOLONG:
     case ELOOP:
+    case ENOSPC:
+    case EDQUOT:
         return true;
     case ENOENT: // without O_CREAT somebody has just deleted the lock file
         return creating;
