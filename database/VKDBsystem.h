@@ -8,7 +8,7 @@ struct VK_QUEUE_DIRECTORY_PATH;
 class VKsysEventLogInterface;
 
 /// Which database stores the entities.
-enum DbType {
+enum DbType : int {
     DbTypeNone = 0,
     DbTypeSdb = 1, ///< SQLite, one file an entity family
     DbTypeOdbc = 2 ///< a relational server

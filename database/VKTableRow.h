@@ -13,8 +13,7 @@
 namespace vk {
 
 /// One column's value into one member. A char* member takes over a malloc-owned copy and frees what it held.
-template <class Value>
-void ReadValue(Value& member, const VKDBiRowField& field, const char* name)
+template <class Value> void ReadValue(Value& member, const VKDBiRowField& field, const char* name)
 {
     if constexpr (std::is_array_v<Value>) {
         SetText(member, field.GetValueString(), name);
@@ -36,8 +35,7 @@ void ReadValue(Value& member, const VKDBiRowField& field, const char* name)
 
 /// Fills a record from a row by position. A table that an older version made and a newer one widened may have its
 /// columns in another order: a column with another name at the position is looked up by its own.
-template <class Fields, class Record>
-void ReadRow(const Fields& fields, const VKDBiRow& row, Record& record)
+template <class Fields, class Record> void ReadRow(const Fields& fields, const VKDBiRow& row, Record& record)
 {
     int position = 0;
     ForEachField(fields, [&](const auto& field) {
@@ -48,6 +46,12 @@ void ReadRow(const Fields& fields, const VKDBiRow& row, Record& record)
         }
         ReadValue(field.of(record), *column, field.name);
     });
+}
+
+/// Fills a record from a row by column name; a column that is not there reads as NULL.
+template <class Fields, class Record> void ReadRowByName(const Fields& fields, const VKDBiRow& row, Record& record)
+{
+    ForEachField(fields, [&](const auto& field) { ReadValue(field.of(record), row[field.name], field.name); });
 }
 
 } // namespace vk
