@@ -77,6 +77,8 @@ function(vk_library NAME)
         return()
     endif()
     add_library(${NAME} SHARED ${objects})
+    # A host may close the library while a detached thread of it is on its way out.
+    target_link_options(${NAME} PRIVATE -Wl,-z,nodelete)
     foreach(floor ${L_FLOORS})
         target_include_directories(${NAME} INTERFACE
             $<BUILD_INTERFACE:$<TARGET_PROPERTY:vk_${floor},INTERFACE_INCLUDE_DIRECTORIES>>)

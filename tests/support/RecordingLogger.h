@@ -56,6 +56,15 @@ public:
         return false;
     }
 
+    /// How many messages contain this text.
+    int CountContaining(const std::string& text) const
+    {
+        int count = 0;
+        for (const Record& record : Records())
+            count += record.message.find(text) != std::string::npos ? 1 : 0;
+        return count;
+    }
+
 private:
     bool Keep(LogLevel level, const std::string& message)
     {

@@ -1,0 +1,469 @@
+#include "VKMXPConnGlooxImpl.h"
+
+#include "VKLog.h"
+#include "VKMXPHub.h"
+#include "VKMXPSessionGlooxImpl.h"
+#include "VKMXPTcpSocket.h"
+#include "VKMXPTlsOpenSsl.h"
+#include "VKXMPPGlooxdTypes.h"
+#include "VKconCriticalSection.h"
+#include "VKconLock.h"
+#include "VKstring.h"
+#include "VKstringXmlText.h"
+#include "VKthread.h"
+
+#include <gloox/disco.h>
+#include <gloox/error.h>
+#include <gloox/message.h>
+#include <gloox/messagesession.h>
+
+#include <algorithm>
+#include <chrono>
+#include <strings.h>
+
+namespace {
+
+constexpr const char* kEmergencyUser = "_vk_emerg_user_";
+constexpr int kLookEvery = 100; // milliseconds
+
+/// Looks once for a timeout below 100 ms, else every 100 ms, without limit when it is negative.
+template <class Look>
+std::string LookRepeatedly(const VKMXPConnIface& connection, int timeout, Look look)
+{
+    VKLogInterface* const logger = connection.m_pobjLogger;
+    const char* const id = connection.m_strConnectionID.c_str();
+    const bool endless = timeout < 0;
+    const int step = timeout >= 0 && timeout < kLookEvery ? timeout : kLookEvery;
+    int rounds = timeout >= kLookEvery ? (timeout + kLookEvery - 1) / kLookEvery : 1;
+    for (;;) {
+        std::string found = look();
+        if (!found.empty()) {
+            VK_LOG_TRACE(logger, "Connection ID: [%s] >> Popping out message [%s] from the queue.", id, found.c_str());
+            return found;
+        }
+        if (step > 0) {
+            VK_LOG_TRACE(logger, "Connection ID: [%s] >> Going for sleep [%d].", id, step);
+            VKsleep(step);
+        }
+        if (!endless && --rounds <= 0)
+            return found;
+    }
+}
+
+} // namespace
+
+VKMXPConnGlooxImpl::VKMXPConnGlooxImpl(const std::string& connectionId, const std::string& server, int port,
+                                       const std::string& userId, const std::string& password,
+                                       const std::string& resource, VKTLSPolicy tlsPolicy,
+                                       const std::string& receiveDirectory, const std::string& streamHost,
+                                       int streamPort, int chunkKB, int transferTimeout, VKconThreadPool* threadPool,
+                                       bool startFileSender, VKLogInterface* logger)
+    : m_bFileSenderWanted(startFileSender), m_pobjIncomingLock(std::make_unique<VKconLock>()),
+      m_pobjAttachmentsLock(std::make_unique<VKconLock>())
+{
+    m_strServer = server;
+    m_iPort = port;
+    m_strUserID = userId;
+    m_strPassword = password;
+    m_strResource = resource;
+    m_eTLSPolicy = tlsPolicy;
+    m_strReceiveDirectory = receiveDirectory;
+    m_iTransferTimeout = transferTimeout;
+    m_pobjThreadPool = threadPool;
+    m_pobjLogger = logger;
+    m_strStreamHost = streamHost;
+    m_iStreamPort = streamPort;
+    m_iChunkSizeKB = chunkKB;
+    m_strConnectionID = connectionId;
+}
+
+VKMXPConnGlooxImpl::~VKMXPConnGlooxImpl()
+{
+    StopFileTransfer();
+    DropClient();
+}
+
+void VKMXPConnGlooxImpl::PrepareClient(VKMXPTcpSocket& socket)
+{
+    m_pobjSocket = &socket;
+    m_pobjClient->setTls(static_cast<gloox::TLSPolicy>(m_eTLSPolicy));
+    m_pobjClient->setServer(m_strServer);
+    m_pobjClient->setCompression(false);
+    m_pobjClient->disableRoster(); // this account has no contacts; asking would only delay the login
+    m_pobjClient->registerConnectionListener(this);
+    m_pobjClient->registerMessageHandler(this);
+}
+
+bool VKMXPConnGlooxImpl::StartConnection()
+{
+    VK_LOG_DEBUG(m_pobjLogger, "Connection ID: [%s] >> Making Client", m_strConnectionID.c_str());
+    m_bConnected = false;
+    VKMXPTcpSocket* socket = nullptr;
+    {
+        const std::lock_guard<std::recursive_mutex> inside(m_mtxClient);
+        const gloox::JID jid(m_strUserID + "/" + m_strResource);
+        m_pobjClient = std::make_unique<gloox::Client>(jid, m_strPassword, m_iPort);
+        const auto deadline = VKMXPTcpSocket::Clock::now() + std::chrono::seconds(s_iLoginLimitSeconds);
+        auto made = std::make_unique<VKMXPTcpSocket>(m_pobjClient.get(), m_strServer, m_iPort,
+                                                     m_pobjHub ? &m_pobjHub->Traffic() : nullptr, deadline);
+        auto tls = std::make_unique<VKMXPTlsOpenSsl>(m_pobjClient.get(), jid.server(), std::string());
+        socket = made.get();
+        PrepareClient(*socket);
+        m_pobjClient->setConnectionImpl(made.release());
+        if (!tls->init())
+            VK_LOG_ERROR(m_pobjLogger, "Connection ID: [%s] >> TLS cannot be set up: %s", m_strConnectionID.c_str(),
+                         tls->ErrorText().c_str());
+        m_pobjClient->setEncryptionImpl(tls.release());
+    }
+    if (!LogIn(*socket))
+        m_bConnected = false;
+    else if (!StartFileTransfer())
+        m_bConnected = false;
+    if (!m_bConnected) {
+        DropClient();
+        return false;
+    }
+    const std::lock_guard<std::recursive_mutex> inside(m_mtxClient);
+    socket->Watch();
+    return true;
+}
+
+/// Connects and pumps until the stream stands. Waits outside the client.
+bool VKMXPConnGlooxImpl::LogIn(VKMXPTcpSocket& socket)
+{
+    const auto deadline = VKMXPTcpSocket::Clock::now() + std::chrono::seconds(s_iLoginLimitSeconds);
+    const gloox::ConnectionError opened = socket.Open();
+    bool connecting = opened == gloox::ConnNoError;
+    if (connecting) {
+        const std::lock_guard<std::recursive_mutex> inside(m_mtxClient);
+        connecting = m_pobjClient->connect(false);
+    }
+    else
+        NoteDisconnection(opened);
+    if (!connecting) {
+        SetLastError("Error in establishing connection.");
+        return false;
+    }
+    gloox::ConnectionError result = gloox::ConnNoError;
+    while (result == gloox::ConnNoError && !m_bConnected) {
+        const auto left =
+            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - VKMXPTcpSocket::Clock::now()).count();
+        if (left <= 0) {
+            SetLastError("Error in establishing connection.");
+            VK_LOG_ERROR(m_pobjLogger, "Connection ID: [%s] >> No answer to the login within %d seconds.",
+                         m_strConnectionID.c_str(), s_iLoginLimitSeconds.load());
+            return false;
+        }
+        socket.AwaitTraffic(static_cast<int>(std::min<long long>(left, 1000)));
+        Pump(result);
+    }
+    SortInArrived();
+    return m_bConnected;
+}
+
+/// One non-blocking look at the socket; what arrives is noted. False when there is no client.
+bool VKMXPConnGlooxImpl::Pump(gloox::ConnectionError& result)
+{
+    const std::lock_guard<std::recursive_mutex> inside(m_mtxClient);
+    if (!m_pobjClient)
+        return false;
+    m_bPumping = true;
+    result = m_pobjClient->recv(0);
+    m_bPumping = false;
+    return true;
+}
+
+void VKMXPConnGlooxImpl::DropClient()
+{
+    const std::lock_guard<std::recursive_mutex> inside(m_mtxClient);
+    m_bConnected = false;
+    if (!m_pobjClient)
+        return;
+    m_pobjClient->removeConnectionListener(this);
+    m_pobjClient->removeMessageHandler(this);
+    m_pobjClient->disconnect();
+    for (VKMXPSessionGlooxImpl* session : m_setSessions) // the message sessions end with their client
+        session->SetMessageSession(nullptr);
+    m_setSessions.clear();
+    m_pobjSocket = nullptr;
+    m_pobjClient.reset();
+}
+
+bool VKMXPConnGlooxImpl::TerminateConnection()
+{
+    StopFileTransfer();
+    DropClient();
+    return true;
+}
+
+/// Where the file sender and the file acceptor are made. This build has neither, and says so for each message with
+/// attachments (RefuseAttachments), so a connection is complete without them.
+bool VKMXPConnGlooxImpl::StartFileTransfer() { return true; }
+
+void VKMXPConnGlooxImpl::StopFileTransfer() {}
+
+int VKMXPConnGlooxImpl::GetFileTransferMethod() { return 0; }
+
+void VKMXPConnGlooxImpl::onConnect() { m_bConnected = true; }
+
+/// The certificate is not looked at here: the TLS layer verified it when the administrator asked for that, and any is
+/// accepted otherwise.
+bool VKMXPConnGlooxImpl::onTLSConnect(const gloox::CertInfo&) { return true; }
+
+void VKMXPConnGlooxImpl::onDisconnect(gloox::ConnectionError error)
+{
+    m_bConnected = false;
+    if (error != gloox::ConnNoError && error != gloox::ConnUserDisconnected && error != gloox::ConnNotConnected)
+        NoteDisconnection(error);
+}
+
+void VKMXPConnGlooxImpl::NoteDisconnection(int error)
+{
+    SetLastError("Disconnection Error.");
+    VK_LOG_ERROR(m_pobjLogger, "Connection ID: [%s] >> Disconnection Error: [%s]", m_strConnectionID.c_str(),
+                 VKXMPPGlooxdTypes::GetGlooxConnErrString(error));
+}
+
+bool VKMXPConnGlooxImpl::SendPing(int timeout)
+{
+    if (!m_bConnected)
+        return false;
+    VK_LOG_TRACE(m_pobjLogger, "Connection ID: [%s] >> Sending recv from client [%s] with timeout: [%d]",
+                 m_strConnectionID.c_str(), m_strUserID.c_str(), timeout);
+    if (timeout > 0 && m_pobjHub)
+        m_pobjHub->Traffic().Watch(timeout / 1000);
+    gloox::ConnectionError result = gloox::ConnNoError;
+    if (!Pump(result))
+        return false;
+    SortInArrived();
+    if (result != gloox::ConnNoError)
+        NoteDisconnection(result);
+    else if (m_bConnected)
+        return true;
+    m_bConnected = false;
+    return false;
+}
+
+void VKMXPConnGlooxImpl::EnsureMessageSession(VKMXPSessionGlooxImpl& session)
+{
+    if (session.GetMessageSession())
+        return;
+    auto* made = new gloox::MessageSession(m_pobjClient.get(), gloox::JID(session.GetJID()), true, 0, true);
+    made->registerMessageHandler(this); // the client owns the message session
+    session.SetMessageSession(made);
+    m_setSessions.insert(&session);
+}
+
+VKMXPSession* VKMXPConnGlooxImpl::StartSession(const std::string& jid)
+{
+    if (!IsConnected()) {
+        TerminateConnection();
+        if (!StartConnection()) {
+            SetLastError("Unable to create session.");
+            VK_LOG_ERROR(m_pobjLogger, "Connection ID: [%s] >> Unable to create session.", m_strConnectionID.c_str());
+            return nullptr;
+        }
+    }
+    auto session = std::make_unique<VKMXPSessionGlooxImpl>(jid, this, nullptr);
+    session->Initialize();
+    session->SetClientLock(&m_mtxClient);
+    const std::lock_guard<std::recursive_mutex> inside(m_mtxClient);
+    if (!m_pobjClient || !gloox::JID(jid)) {
+        SetLastError("Unable to create session.");
+        VK_LOG_ERROR(m_pobjLogger, "Connection ID: [%s] >> Unable to create session. JID: [%s]",
+                     m_strConnectionID.c_str(), jid.c_str());
+        return nullptr;
+    }
+    EnsureMessageSession(*session);
+    return session.release();
+}
+
+bool VKMXPConnGlooxImpl::TerminateSession(VKMXPSession* session)
+{
+    const std::lock_guard<std::recursive_mutex> inside(m_mtxClient);
+    auto* const ours = dynamic_cast<VKMXPSessionGlooxImpl*>(session);
+    if (!ours || m_setSessions.erase(ours) == 0)
+        return true;
+    gloox::MessageSession* const messageSession = ours->GetMessageSession();
+    ours->SetMessageSession(nullptr);
+    if (m_pobjClient && messageSession) {
+        messageSession->removeMessageHandler();
+        m_pobjClient->disposeMessageSession(messageSession);
+    }
+    return true;
+}
+
+bool VKMXPConnGlooxImpl::SendAMessage(VKMXPSession* session, const std::string& text, AttachmentMap& attachments)
+{
+    auto* const ours = dynamic_cast<VKMXPSessionGlooxImpl*>(session);
+    if (!ours)
+        return false;
+    std::string clean = text;
+    // One character that XML cannot carry would end the stream of the whole carrier.
+    if (const std::size_t replaced = VKstringCleanXmlText(clean))
+        VK_LOG_WARN(m_pobjLogger, "Connection ID: [%s] >> %zu character(s) that XML cannot carry replaced for JID: [%s]",
+                    m_strConnectionID.c_str(), replaced, session->GetJID().c_str());
+    {
+        const std::lock_guard<std::recursive_mutex> inside(m_mtxClient);
+        if (!m_pobjClient || !m_bConnected) {
+            VK_LOG_ERROR(m_pobjLogger, "Connection ID: [%s] >> Not connected: message for JID: [%s] is lost.",
+                         m_strConnectionID.c_str(), session->GetJID().c_str());
+            return false;
+        }
+        EnsureMessageSession(*ours);
+        ours->GetMessageSession()->send(clean, std::string());
+    }
+    if (attachments.empty()) {
+        VK_LOG_DEBUG(m_pobjLogger, "Connection ID: [%s] >> No file attachment found in the message for JID: [%s]",
+                     m_strConnectionID.c_str(), session->GetJID().c_str());
+        return true;
+    }
+    if (strcasecmp(gloox::JID(session->GetJID()).username().c_str(), kEmergencyUser) == 0)
+        return true;
+    if (m_pobjFileSender)
+        QueueAttachments(*session, attachments);
+    else
+        RefuseAttachments(attachments);
+    return true;
+}
+
+/// Notes the files for the file sender, which acts when the peer's disco information (XEP-0030) has come.
+void VKMXPConnGlooxImpl::QueueAttachments(VKMXPSession& session, const AttachmentMap& attachments)
+{
+    const std::string resource = session.GetTargetResource();
+    std::string target = session.GetJID();
+    if (target.find("/" + resource) == std::string::npos && !resource.empty())
+        target += "/" + resource;
+    {
+        const vk::ScopedSection section(*m_pobjAttachmentsLock);
+        for (const auto& entry : attachments)
+            m_vecPendingAttachments.push_back({target, entry.first, entry.second, FileTransferMechanism::Unknown});
+    }
+    VK_LOG_DEBUG(m_pobjLogger, "Connection ID: [%s] >> Sending 'getDiscoInfo' call for JID: [%s]",
+                 m_strConnectionID.c_str(), target.c_str());
+    const std::lock_guard<std::recursive_mutex> inside(m_mtxClient);
+    if (m_pobjClient)
+        m_pobjClient->disco()->getDiscoInfo(gloox::JID(target), std::string(), this, 0);
+}
+
+/// Without a file sender the files cannot follow: said at once, so that the job does not stay pending for ever.
+void VKMXPConnGlooxImpl::RefuseAttachments(const AttachmentMap& attachments)
+{
+    constexpr int kFailed = 2;
+    for (const auto& entry : attachments) {
+        VK_LOG_ERROR(m_pobjLogger, "Connection ID: [%s] >> File Transfer Error: this server sends no files; packet [%s]",
+                     m_strConnectionID.c_str(), entry.first.c_str());
+        if (m_pobjAttachmentStatusHandler)
+            m_pobjAttachmentStatusHandler->HandleAttachmentStatus(m_strConnectionID, entry.first, kFailed,
+                                                                  "File Transfer Error.");
+    }
+}
+
+void VKMXPConnGlooxImpl::handleDiscoInfo(const gloox::JID& from, const gloox::Disco::Info& info, int)
+{
+    const bool inBand = info.hasFeature(gloox::XMLNS_IBB) || info.hasFeature(gloox::XMLNS_SI_FT);
+    FileTransferMechanism::eType mechanism = FileTransferMechanism::Unknown;
+    if (info.hasFeature(gloox::XMLNS_BYTESTREAMS))
+        mechanism = inBand ? FileTransferMechanism::Either : FileTransferMechanism::Socks5;
+    else if (inBand)
+        mechanism = FileTransferMechanism::InBand;
+
+    const vk::ScopedSection section(*m_pobjAttachmentsLock);
+    auto pending = m_vecPendingAttachments.begin();
+    while (pending != m_vecPendingAttachments.end()) {
+        if (pending->strTargetJID != from.full()) {
+            ++pending;
+            continue;
+        }
+        pending->eMechanism = mechanism;
+        if (mechanism != FileTransferMechanism::Unknown) {
+            ++pending;
+            continue;
+        }
+        // No status is reported for it, on purpose: the message stays as it was.
+        SetLastError("File Transfer Error.");
+        VK_LOG_ERROR(m_pobjLogger, "Connection ID: [%s] >> File Transfer Error: File transfer not supported.",
+                     m_strConnectionID.c_str());
+        pending = m_vecPendingAttachments.erase(pending);
+    }
+}
+
+void VKMXPConnGlooxImpl::handleDiscoItems(const gloox::JID& from, const gloox::Disco::Items&, int)
+{
+    VK_LOG_DEBUG(m_pobjLogger, "Connection ID: [%s] >> Disco items from [%s]", m_strConnectionID.c_str(),
+                 from.full().c_str());
+}
+
+void VKMXPConnGlooxImpl::handleDiscoError(const gloox::JID& from, const gloox::Error* error, int)
+{
+    VK_LOG_WARN(m_pobjLogger, "Connection ID: [%s] >> Disco error from [%s]: %s", m_strConnectionID.c_str(),
+                from.full().c_str(),
+                error ? VKXMPPGlooxdTypes::GetGlooxStanzaErrString(static_cast<int>(error->error())) : "");
+}
+
+/// Runs inside the client when a message arrives: notes it, no more. A reply with a thread id of its own comes without
+/// its message session, so whether there is one says nothing about whether the sender has a session with us.
+void VKMXPConnGlooxImpl::handleMessage(const gloox::Message& message, gloox::MessageSession*)
+{
+    std::string body = message.body();
+    if (body.empty())
+        return;
+    bool pumping = false;
+    {
+        const std::lock_guard<std::recursive_mutex> inside(m_mtxClient);
+        pumping = m_bPumping;
+        m_vecArrived.push_back({message.from().full(), message.from().bare(), std::move(body)});
+    }
+    if (!pumping)
+        SortInArrived();
+}
+
+void VKMXPConnGlooxImpl::SortInArrived()
+{
+    std::vector<Arrived> arrived;
+    {
+        const std::lock_guard<std::recursive_mutex> inside(m_mtxClient);
+        arrived.swap(m_vecArrived);
+    }
+    for (Arrived& message : arrived) {
+        VK_LOG_DEBUG(m_pobjLogger, "Connection ID: [%s] >> Pushing message [%s] to the queue from user %s.",
+                     m_strConnectionID.c_str(), message.strBody.c_str(), message.strFullJID.c_str());
+        const bool hasSession = m_pobjHub && m_pobjHub->HasSession(m_strConnectionID, message.strBareJID);
+        {
+            const vk::ScopedSection section(*m_pobjIncomingLock);
+            m_objIncoming.Put(message.strFullJID, message.strBareJID, hasSession, std::move(message.strBody));
+        }
+        if (m_pobjHub)
+            m_pobjHub->MessageArrived(m_strConnectionID, message.strBareJID, message.strFullJID);
+    }
+}
+
+std::string VKMXPConnGlooxImpl::RecvAMessage(VKMXPSession* session, int timeout)
+{
+    return LookRepeatedly(*this, timeout, [this, session]() -> std::string {
+        const vk::ScopedSection section(*m_pobjIncomingLock);
+        return m_objIncoming.TakeFor(session->GetJID()).value_or(std::string());
+    });
+}
+
+std::string VKMXPConnGlooxImpl::RecvAMessage(std::string& jid, int timeout)
+{
+    return LookRepeatedly(*this, timeout, [this, &jid]() -> std::string {
+        const vk::ScopedSection section(*m_pobjIncomingLock);
+        auto stray = m_objIncoming.TakeStray();
+        if (!stray)
+            return {};
+        jid = std::move(stray->first);
+        return std::move(stray->second);
+    });
+}
+
+bool VKMXPConnGlooxImpl::GetAttachedFiles(const std::string& packetId, FileList& files)
+{
+    const vk::ScopedSection section(*m_pobjIncomingLock);
+    const auto found = m_mapReceivedFiles.find(packetId);
+    if (found == m_mapReceivedFiles.end())
+        return false;
+    files = found->second;
+    return true;
+}
