@@ -1,5 +1,7 @@
 #include "Options.h"
 
+#include "TextLine.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
@@ -238,13 +240,13 @@ int RunProgram(const Program& program, int argc, char** argv)
         const Arguments arguments = ParseArguments(program, words);
         return arguments.GetCommand().run(arguments);
     } catch (const UsageError& error) {
-        std::fprintf(stderr, "%s: %s (see %s --help)\n", program.name, error.what(), program.name);
+        std::fprintf(stderr, "%s: %s (see %s --help)\n", program.name, OneLine(error.what()).c_str(), program.name);
         return kExitUsage;
     } catch (const InputError& error) {
-        std::fprintf(stderr, "%s: %s\n", program.name, error.what());
+        std::fprintf(stderr, "%s: %s\n", program.name, OneLine(error.what()).c_str());
         return kExitUsage;
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "%s: %s\n", program.name, error.what());
+        std::fprintf(stderr, "%s: %s\n", program.name, OneLine(error.what()).c_str());
         return kExitUnavailable;
     }
 }

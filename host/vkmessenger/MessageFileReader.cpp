@@ -1,11 +1,13 @@
 #include "MessageFileReader.h"
 
+#include "TextLine.h"
 #include "MessageFields.h"
 #include "Options.h"
 #include "Utf8.h"
 
 #include <json/json.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -18,8 +20,11 @@ namespace {
 
 constexpr std::size_t kLargestFile = 64 * 1024 * 1024;
 
-/// Where a value stands, for messages: "response_choices[1].type".
-[[noreturn]] void Refuse(const std::string& place, const std::string& why) { throw InputError(place + " " + why); }
+/// The place is where a value stands, "response_choices[1].type"; a key in it may hold anything.
+[[noreturn]] void Refuse(const std::string& place, const std::string& why)
+{
+    throw InputError(Printable(place) + " " + why);
+}
 
 template <class Table, class Record>
 void ReadObject(const Json::Value& json, const Table& table, Record& record, const std::string& prefix);
@@ -129,20 +134,6 @@ void ReadObject(const Json::Value& json, const Table& table, Record& record, con
     });
 }
 
-/// The parser reports on several lines; here it is one.
-std::string OneLine(std::string text)
-{
-    std::string line;
-    for (const char c : text)
-        if (c == '\n' || c == ' ' || c == '*')
-            line += line.empty() || line.back() == ' ' ? "" : " ";
-        else
-            line += c;
-    while (!line.empty() && line.back() == ' ')
-        line.pop_back();
-    return line;
-}
-
 Json::Value ParseJson(std::string_view text)
 {
     const std::size_t invalid = FindInvalidUtf8(text);
@@ -159,7 +150,8 @@ Json::Value ParseJson(std::string_view text)
     } catch (const Json::Exception& error) {
         errors = error.what();
     }
-    throw InputError("is no JSON: " + OneLine(errors));
+    // "* Line 1, Column 2" and what is wrong there on the next line.
+    throw InputError("is no JSON: " + OneLine(errors.substr(std::min(errors.find_first_not_of("* "), errors.size()))));
 }
 
 } // namespace

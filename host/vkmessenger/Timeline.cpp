@@ -1,6 +1,6 @@
 #include "Timeline.h"
 
-#include "JsonLine.h"
+#include "TextLine.h"
 
 #include <cerrno>
 #include <cstring>

@@ -4,13 +4,12 @@
 
 namespace {
 
-template <class Packet>
-class DeliveryPacket : public testing::Test
+template <class Packet> class DeliveryPacket : public testing::Test
 {
 };
 
-using Packets = testing::Types<VKMXPmMessage, VKMXPmConfirmMsg, VKMXPmRejectMsg, VKMXPmSetMsgStatus,
-                               VKMXPmSendMsgResponse>;
+using Packets =
+    testing::Types<VKMXPmMessage, VKMXPmConfirmMsg, VKMXPmRejectMsg, VKMXPmSetMsgStatus, VKMXPmSendMsgResponse>;
 TYPED_TEST_SUITE(DeliveryPacket, Packets);
 
 TYPED_TEST(DeliveryPacket, EveryFieldComesBackAsWritten)
@@ -22,9 +21,8 @@ TYPED_TEST(DeliveryPacket, EveryFieldComesBackAsWritten)
     });
     TypeParam received;
     ASSERT_TRUE(received.ParseXML(sent->GenerateXML()));
-    vk::ForEachField(TypeParam::ParamFields(), [&](const auto& row) {
-        EXPECT_TRUE(vk::SameValue(row.of(*sent), row.of(received))) << row.name;
-    });
+    vk::ForEachField(TypeParam::ParamFields(),
+                     [&](const auto& row) { EXPECT_TRUE(vk::SameValue(row.of(*sent), row.of(received))) << row.name; });
     EXPECT_EQ(received.m_iSequence, 7);
     EXPECT_EQ(received.GenerateXML(), sent->GenerateXML());
 }
@@ -110,10 +108,11 @@ TEST(MessagePacket, ToleratesWhatItsReaderTolerates)
     const auto read = [](const std::string& flag, const std::string& choices, const std::string& files,
                          VKMXPmEnvelope& envelope) -> const VKMXPmMessage* {
         envelope.ParseXML(kit::Envelope(kit::Request(
-            "message", "<job-id>1</job-id><is-2way>" + flag + "</is-2way><sender>s</sender><dispatch-at/>"
-                       "<severity>2x</severity><expiration>abc</expiration><is-confidential>1</is-confidential>"
-                       "<subject/><body> </body><body>never read</body><response-choices count='9'>" + choices +
-                       "</response-choices><unknown/><attachments>" + files + "</attachments>")));
+            "message", "<job-id>1</job-id><is-2way>" + flag +
+                           "</is-2way><sender>s</sender><dispatch-at/>"
+                           "<severity>2x</severity><expiration>abc</expiration><is-confidential>1</is-confidential>"
+                           "<subject/><body> </body><body>never read</body><response-choices count='9'>" +
+                           choices + "</response-choices><unknown/><attachments>" + files + "</attachments>")));
         return envelope.GetCount() ? static_cast<VKMXPmMessage*>(envelope.Get(0)) : nullptr;
     };
     VKMXPmEnvelope blankBody;
@@ -150,9 +149,18 @@ TEST(MessagePacket, ToleratesWhatItsReaderTolerates)
 TEST(Numbers, AreReadByTheirLeadingDigits)
 {
     const std::pair<const char*, std::int32_t> table[] = {
-        {"", 0},     {"abc", 0},  {" \n12", 12},      {"-7x", -7},
-        {"+-5", 0},  {"+5", 5},   {"2147483648", INT32_MIN}, {"4294967297", 1},
-        {"- 1", 0},  {"0x10", 0}, {"99999999999999999999", -1}, {"-99999999999999999999", 0},
+        {"", 0},
+        {"abc", 0},
+        {" \n12", 12},
+        {"-7x", -7},
+        {"+-5", 0},
+        {"+5", 5},
+        {"2147483648", INT32_MIN},
+        {"4294967297", 1},
+        {"- 1", 0},
+        {"0x10", 0},
+        {"99999999999999999999", -1},
+        {"-99999999999999999999", 0},
     };
     for (const auto& [text, number] : table)
         EXPECT_EQ(vk::NumberOf(text), number) << text;

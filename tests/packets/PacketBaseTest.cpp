@@ -26,7 +26,8 @@ public:
 std::string Response(const std::string& result)
 {
     return "<query xmlns='vardock:mxp:response' type='response' seq='3'><parameters/><response><code>1</code>"
-           "<err-code>-4</err-code><message> m </message>" + result + "</response></query>";
+           "<err-code>-4</err-code><message> m </message>" +
+           result + "</response></query>";
 }
 
 TEST(PacketBase, WritesTheResponseBlockToTheByte)
@@ -44,7 +45,8 @@ TEST(PacketBase, WritesTheResponseBlockToTheByte)
     EXPECT_EQ(query.GenerateXML(), head + "xml'>\n<item/>\n</result>\n</response>\n</query>");
     query.m_iPacketType = 3;
     EXPECT_EQ(query.GenerateXML(), "<query xmlns='vardock:mxp:response' type='response' seq='0'>\n<parameters>\n"
-                                   "<p>own</p>\n</parameters>\n</query>") << "neither request nor response";
+                                   "<p>own</p>\n</parameters>\n</query>")
+        << "neither request nor response";
 }
 
 TEST(PacketBase, ResponseEchoesTheReceivedParametersByteForByte)

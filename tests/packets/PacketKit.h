@@ -19,11 +19,9 @@ namespace kit {
 /// All eight characters that are escaped, blanks at both ends, and text of more than one byte a character.
 inline const std::string kHostile = " &><'\"\t\n\r \xC3\xA9\xE2\x82\xAC\xF0\x9F\x9A\x92 ";
 
-template <class Record, class Table>
-void Fill(Record& record, const Table& table, int& seed);
+template <class Record, class Table> void Fill(Record& record, const Table& table, int& seed);
 
-template <class Value>
-void FillValue(Value& value, int& seed)
+template <class Value> void FillValue(Value& value, int& seed)
 {
     ++seed;
     if constexpr (std::is_same_v<Value, std::string>)
@@ -36,16 +34,14 @@ void FillValue(Value& value, int& seed)
         value = -1000 * seed;
 }
 
-template <class Item>
-void FillValue(std::vector<Item>& items, int& seed)
+template <class Item> void FillValue(std::vector<Item>& items, int& seed)
 {
     items.resize(3);
     for (Item& item : items)
         FillValue(item, seed);
 }
 
-template <class Record, class Table>
-void Fill(Record& record, const Table& table, int& seed)
+template <class Record, class Table> void Fill(Record& record, const Table& table, int& seed)
 {
     vk::ForEachField(table, [&](const auto& row) {
         if constexpr (std::decay_t<decltype(row)>::template has<vk::Verbatim>)
@@ -56,8 +52,7 @@ void Fill(Record& record, const Table& table, int& seed)
 }
 
 /// A valid packet with a value of its own in every field.
-template <class Packet>
-std::unique_ptr<Packet> Full()
+template <class Packet> std::unique_ptr<Packet> Full()
 {
     auto packet = std::make_unique<Packet>();
     int seed = 0;

@@ -8,8 +8,8 @@
 namespace {
 
 constexpr vk::CodeText<eRespResultType> kResultTypes[] = {
-    {eRespResultNone, "none"},     {eRespResultText, "text"},   {eRespResultXml, "xml"},
-    {eRespResultJson, "json"},     {eRespResultBase64, "base64"}, {eRespResultCData, "cdata"},
+    {eRespResultNone, "none"},       {eRespResultText, "text"},     {eRespResultXml, "xml"},
+    {eRespResultJson, "json"},       {eRespResultBase64, "base64"}, {eRespResultCData, "cdata"},
     {eRespResultUnknown, "unknown"},
 };
 
@@ -142,6 +142,7 @@ bool VKMXPmBase::ReadResponse(XmlReaderWriter::Node response)
     m_strResponseMessage = response["message"].contentsText();
     XmlReaderWriter::Node result = response["result"];
     m_eResponseResultType = GetResponseResultTypeAsEnum(std::string(result.attributeText("type")));
+    m_strResponseResultText.clear();
     m_objResponseResultNode = {};
     m_pobjResultDocument.reset();
     if (m_eResponseResultType == eRespResultXml) {

@@ -74,7 +74,8 @@ public:
     std::string m_strResponseMessage;
     std::string m_strResponseResultText;
     eRespResultType m_eResponseResultType = eRespResultNone;
-    XmlReaderWriter::Node m_objResponseResultNode; ///< the `result` of type XML that was read; good as long as the packet
+    XmlReaderWriter::Node
+        m_objResponseResultNode; ///< the `result` of type XML that was read; good as long as the packet
     FileList m_vecAttachedFiles;
     bool m_bValid = false;       ///< set by a whole successful ParseXML, or by hand for a packet that is to be sent
     std::string m_strParameters; ///< the element `parameters` of a request that was read, as received

@@ -30,14 +30,9 @@ enum Error {
     kUnknown = 1020
 };
 
-template <class Packet>
-VKMXPmBase* GetModelObjectInstance()
-{
-    return std::make_unique<Packet>().release();
-}
+template <class Packet> VKMXPmBase* GetModelObjectInstance() { return std::make_unique<Packet>().release(); }
 
-template <class Packet>
-constexpr VKMXPmEnvelope::ModelRow RowOf()
+template <class Packet> constexpr VKMXPmEnvelope::ModelRow RowOf()
 {
     return {Packet::kElement, &GetModelObjectInstance<Packet>};
 }

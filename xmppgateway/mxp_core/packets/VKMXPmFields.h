@@ -16,19 +16,16 @@ namespace vk {
 
 namespace detail {
 
-template <class T, class = void>
-struct IsRecord : std::false_type
+template <class T, class = void> struct IsRecord : std::false_type
 {
 };
 
-template <class T>
-struct IsRecord<T, std::void_t<decltype(T::Fields())>> : std::true_type
+template <class T> struct IsRecord<T, std::void_t<decltype(T::Fields())>> : std::true_type
 {
 };
 
 /// Whether a row of an item's table stands between the item's tags as an element of its own.
-template <class Row>
-constexpr bool kIsElement = !Row::template has<Attribute> && !Row::template has<Contents>;
+template <class Row> constexpr bool kIsElement = !Row::template has<Attribute> && !Row::template has<Contents>;
 
 inline void AppendTag(std::string& out, const char* begin, const char* name, const char* end)
 {
@@ -37,12 +34,10 @@ inline void AppendTag(std::string& out, const char* begin, const char* name, con
 
 } // namespace detail
 
-template <class Record, class Table>
-void AppendFields(std::string& out, const Record& record, const Table& table);
+template <class Record, class Table> void AppendFields(std::string& out, const Record& record, const Table& table);
 
 /// One item of a list: its attributes in its start tag, then its contents and its elements.
-template <class Item>
-void AppendItem(std::string& out, const char* name, const Item& item)
+template <class Item> void AppendItem(std::string& out, const char* name, const Item& item)
 {
     out.append("<").append(name);
     if constexpr (detail::IsRecord<Item>::value) {
@@ -68,8 +63,7 @@ void AppendItem(std::string& out, const char* name, const Item& item)
 }
 
 /// Every row that is an element, in table order, each with its line feed.
-template <class Record, class Table>
-void AppendFields(std::string& out, const Record& record, const Table& table)
+template <class Record, class Table> void AppendFields(std::string& out, const Record& record, const Table& table)
 {
     ForEachField(table, [&](const auto& row) {
         using Row = std::decay_t<decltype(row)>;
@@ -95,8 +89,7 @@ template <class Record, class Table>
 void ReadFields(XmlReaderWriter::Node& element, Record& record, const Table& table);
 
 /// The value of one element: a list of items, a record or a single value.
-template <class Value>
-void ReadElement(XmlReaderWriter::Node& element, Value& value)
+template <class Value> void ReadElement(XmlReaderWriter::Node& element, Value& value)
 {
     if constexpr (detail::IsRecord<Value>::value)
         ReadFields(element, value, Value::Fields());
@@ -104,8 +97,7 @@ void ReadElement(XmlReaderWriter::Node& element, Value& value)
         ReadValue(element.contentsText(), value);
 }
 
-template <class Item>
-void ReadElement(XmlReaderWriter::Node& element, std::vector<Item>& items)
+template <class Item> void ReadElement(XmlReaderWriter::Node& element, std::vector<Item>& items)
 {
     items.clear();
     for (auto child = element.firstChild(); !child.isNull(); child = child.nextSibling())
@@ -114,8 +106,7 @@ void ReadElement(XmlReaderWriter::Node& element, std::vector<Item>& items)
 
 /// Every row, in table order, from the children, the attributes and the contents of an element. Throws
 /// XmlReaderWriter::NodeException for the first one that is missing and not optional.
-template <class Record, class Table>
-void ReadFields(XmlReaderWriter::Node& element, Record& record, const Table& table)
+template <class Record, class Table> void ReadFields(XmlReaderWriter::Node& element, Record& record, const Table& table)
 {
     ForEachField(table, [&](const auto& row) {
         using Row = std::decay_t<decltype(row)>;
@@ -140,8 +131,7 @@ void ReadFields(XmlReaderWriter::Node& element, Record& record, const Table& tab
 }
 
 /// Whether no field that must hold something is empty.
-template <class Record, class Table>
-bool FieldsFilled(const Record& record, const Table& table)
+template <class Record, class Table> bool FieldsFilled(const Record& record, const Table& table)
 {
     return AllFields(table, [&](const auto& row) {
         if constexpr (std::decay_t<decltype(row)>::template has<NotEmpty>)
@@ -152,8 +142,7 @@ bool FieldsFilled(const Record& record, const Table& table)
 }
 
 /// Whether two values are the same, records and lists field by field.
-template <class Value>
-bool SameValue(const Value& left, const Value& right)
+template <class Value> bool SameValue(const Value& left, const Value& right)
 {
     if constexpr (detail::IsRecord<Value>::value)
         return AllFields(Value::Fields(), [&](const auto& row) { return SameValue(row.of(left), row.of(right)); });
@@ -161,8 +150,7 @@ bool SameValue(const Value& left, const Value& right)
         return left == right;
 }
 
-template <class Item>
-bool SameValue(const std::vector<Item>& left, const std::vector<Item>& right)
+template <class Item> bool SameValue(const std::vector<Item>& left, const std::vector<Item>& right)
 {
     bool same = left.size() == right.size();
     for (std::size_t i = 0; same && i < left.size(); ++i)
@@ -171,21 +159,14 @@ bool SameValue(const std::vector<Item>& left, const std::vector<Item>& right)
 }
 
 /// Whether two packets of one kind say the same in `parameters`.
-template <class Packet>
-bool SameParameters(const Packet& left, const Packet& right)
+template <class Packet> bool SameParameters(const Packet& left, const Packet& right)
 {
-    return AllFields(Packet::ParamFields(),
-                     [&](const auto& row) { return SameValue(row.of(left), row.of(right)); });
+    return AllFields(Packet::ParamFields(), [&](const auto& row) { return SameValue(row.of(left), row.of(right)); });
 }
 
-template <class Packet>
-const char* TablePacket<Packet>::GetName() const
-{
-    return Packet::kElement;
-}
+template <class Packet> const char* TablePacket<Packet>::GetName() const { return Packet::kElement; }
 
-template <class Packet>
-std::string TablePacket<Packet>::GenerateParamXML() const
+template <class Packet> std::string TablePacket<Packet>::GenerateParamXML() const
 {
     std::string text;
     text.reserve(1024);
@@ -193,29 +174,19 @@ std::string TablePacket<Packet>::GenerateParamXML() const
     return text;
 }
 
-template <class Packet>
-bool TablePacket<Packet>::ParseParamXML(XmlReaderWriter::Node& parameters)
+template <class Packet> bool TablePacket<Packet>::ParseParamXML(XmlReaderWriter::Node& parameters)
 {
     ReadFields(parameters, static_cast<Packet&>(*this), Packet::ParamFields());
     return true;
 }
 
-template <class Packet>
-bool TablePacket<Packet>::ValidateParams() const
+template <class Packet> bool TablePacket<Packet>::ValidateParams() const
 {
     return FieldsFilled(static_cast<const Packet&>(*this), Packet::ParamFields());
 }
 
-template <class Packet>
-std::string TablePacket<Packet>::GenerateResponseXML() const
-{
-    return {};
-}
+template <class Packet> std::string TablePacket<Packet>::GenerateResponseXML() const { return {}; }
 
-template <class Packet>
-bool TablePacket<Packet>::ParseResponseXML(XmlReaderWriter::Node&)
-{
-    return true;
-}
+template <class Packet> bool TablePacket<Packet>::ParseResponseXML(XmlReaderWriter::Node&) { return true; }
 
 } // namespace vk
