@@ -36,6 +36,7 @@ constexpr vk::CodeText<int> kTypeNames[] = {
 
 bool VKDBiReceiver::Add(VK_RECEIVER* receiver, bool hashPassword)
 {
+    ConvertMiscSettingsToJSON(receiver, VKMiscSettingsMxp);
     const std::string_view clear = vk::GetText(receiver->acct_pwd, sizeof receiver->acct_pwd, "acct_pwd");
     if (!hashPassword || clear.empty())
         return AddImpl(receiver);

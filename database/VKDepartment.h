@@ -28,11 +28,11 @@ void AddDepartment(VK_DEPARTMENT_LIST* list, const VK_DEPARTMENT* department);
 namespace vk {
 
 /// num_receivers is written once: a change of the record must not undo what was counted since it was read.
-inline constexpr Table kDepartmentTable{
-    TableName{"department", "VK_DEPARTMENT"},
-    Fields(Field<&VK_DEPARTMENT::id>("id", PrimaryKey{}), Field<&VK_DEPARTMENT::name>("name", NotNull{}),
-           Field<&VK_DEPARTMENT::description>("description", NotNull{}),
-           Field<&VK_DEPARTMENT::max_receivers>("max_receivers"),
-           Field<&VK_DEPARTMENT::num_receivers>("num_receivers", WrittenOnce{}))};
+inline constexpr Table kDepartmentTable{TableName{"department", "VK_DEPARTMENT"},
+                                        Fields(Field<&VK_DEPARTMENT::id>("id", PrimaryKey{}),
+                                               Field<&VK_DEPARTMENT::name>("name", NotNull{}),
+                                               Field<&VK_DEPARTMENT::description>("description", NotNull{}),
+                                               Field<&VK_DEPARTMENT::max_receivers>("max_receivers"),
+                                               Field<&VK_DEPARTMENT::num_receivers>("num_receivers", WrittenOnce{}))};
 
 } // namespace vk

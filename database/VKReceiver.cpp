@@ -7,6 +7,7 @@
 void EmptyReceiver(VK_RECEIVER* receiver)
 {
     std::free(receiver->misc_settings);
+    std::free(receiver->mxp);
     vk::FreeRecords(receiver->dept_rights, receiver->dept_rights_count);
     vk::FreeRecords(receiver->schedules, receiver->schedule_count);
     *receiver = VK_RECEIVER{};
@@ -19,11 +20,14 @@ void DuplicateReceiver(VK_RECEIVER* dst, const VK_RECEIVER* src)
     EmptyReceiver(dst);
     *dst = *src;
     dst->misc_settings = nullptr; // what fails below must not leave src's own in dst
+    dst->mxp = nullptr;
     dst->dept_rights = nullptr;
     dst->schedules = nullptr;
     dst->dept_rights_count = dst->schedule_count = 0;
     if (src->misc_settings != nullptr && (dst->misc_settings = strdup(src->misc_settings)) == nullptr)
         throw std::bad_alloc();
+    if (src->mxp != nullptr)
+        *NeedMxpFields(dst) = *src->mxp;
     vk::CopyRecords(dst->dept_rights, dst->dept_rights_count, src->dept_rights, src->dept_rights_count);
     vk::CopyRecords(dst->schedules, dst->schedule_count, src->schedules, src->schedule_count);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "VKOndutySchedule.h"
+#include "VKReceiverMisc.h"
 #include "VKReceiverParts.h"
 
 /// What kind of device a receiver is.
@@ -60,6 +61,7 @@ struct VK_RECEIVER
     VK_DEPT_RIGHTS* dept_rights = nullptr; ///< guest departments
     int schedule_count = 0;
     VK_ONDUTY_SCHEDULE* schedules = nullptr;
+    VK_MXP_FIELDS* mxp = nullptr; ///< the MXP part of misc_settings when it was decoded or is to be stored
     unsigned int protocol_id = 0; ///< of the carrier, when a view joined it
 };
 

@@ -12,8 +12,7 @@ void RequireFits(std::string_view text, std::size_t capacity, const char* fieldN
 /// Copies a text into a record's fixed array whole or not at all: what does not fit is refused with the field's name.
 void SetText(char* field, std::size_t capacity, std::string_view text, const char* fieldName);
 
-template <std::size_t N>
-void SetText(char (&field)[N], std::string_view text, const char* fieldName)
+template <std::size_t N> void SetText(char (&field)[N], std::string_view text, const char* fieldName)
 {
     SetText(field, N, text, fieldName);
 }

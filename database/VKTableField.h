@@ -47,14 +47,12 @@ struct TableName
 };
 
 /// A table: its names and its columns in order.
-template <class Fields>
-struct Table
+template <class Fields> struct Table
 {
     TableName name;
     Fields fields;
 };
 
-template <class Fields>
-Table(TableName, Fields) -> Table<Fields>;
+template <class Fields> Table(TableName, Fields) -> Table<Fields>;
 
 } // namespace vk

@@ -182,6 +182,39 @@ TEST_F(VKReceiverTest, ThePasswordIsStoredAsDigestAndTheCallerKeepsTheClearOne)
     EXPECT_EQ(Value("SELECT acct_pwd FROM receiver WHERE name='plain';"), "");
 }
 
+TEST_F(VKReceiverTest, MxpSettingsAreStoredBesideWhatElseIsThere)
+{
+    Receiver receiver("mobile", "ann@host");
+    receiver.misc_settings = strdup(R"({"AdvMsgng":{"x":1},"MXP":{"DeviceID":"old","MxpPassword":"kept"}})");
+    NeedMxpFields(&receiver)->device_id_set = true;
+    vk::SetText(receiver.mxp->device_id, "\xC3\xBC \"1\"", "device_id");
+    receiver.mxp->bk_mxp_password_set = true;
+    vk::SetText(receiver.mxp->bk_mxp_password, "<p'w>", "bk_mxp_password");
+    ASSERT_TRUE(receivers->Add(&receiver, false));
+
+    Receiver read;
+    ASSERT_TRUE(receivers->GetByID(&read, receiver.id));
+    EXPECT_THAT(read.misc_settings, testing::StartsWith(R"({"AdvMsgng":{"x":1},"MXP":{)"));
+    EXPECT_THAT(read.misc_settings, testing::Not(testing::HasSubstr("<p'w>"))) << "passwords are encoded";
+    ASSERT_TRUE(ConvertJSONToMXPFieldsData(&read));
+    Receiver copy;
+    DuplicateReceiver(&copy, &read);
+    EXPECT_STREQ(copy.mxp->device_id, "\xC3\xBC \"1\"");
+    EXPECT_STREQ(copy.mxp->bk_mxp_password, "<p'w>");
+    EXPECT_STREQ(copy.mxp->mxp_password, "kept");
+    EXPECT_FALSE(copy.mxp->device_push_service_set);
+
+    for (const std::string& bad :
+         {std::string("{"), std::string("[]"), std::string(R"({"MXP":1})"), std::string(5000, '[')}) {
+        Receiver broken("broken", "1");
+        broken.misc_settings = strdup(bad.c_str());
+        NeedMxpFields(&broken);
+        EXPECT_EQ(ErrorOf([&] { receivers->Add(&broken, false); }),
+                  "-1 Unable to parse MXP Settings Data for Receiver[ broken ].");
+        EXPECT_THROW(ConvertJSONToMXPFieldsData(&broken), VKDBexception);
+    }
+}
+
 TEST_F(VKReceiverTest, AFullDepartmentTakesNoMore)
 {
     VK_DEPARTMENT department;
