@@ -1,0 +1,204 @@
+#include <gmock/gmock.h>
+
+#include "VKDBexception.h"
+#include "VKRecordText.h"
+#include "VKSQLite3Dialect.h"
+#include "VKSqlDepartment.h"
+#include "VKSqlStore.h"
+
+/// An entity's operations on another dialect than the file database's: the texts of a relational server, to the letter,
+/// from the same code.
+
+namespace {
+
+class ServerDialect : public vk::SqlDialect
+{
+public:
+    std::string TableOf(const vk::TableName& table) const override { return table.relational; }
+    std::string ColumnType(vk::ColumnKind, int) const override { return ""; }
+    std::string Page(const std::string& query, const std::string& order, long size, long offset) const override
+    {
+        return "SELECT * FROM (SELECT TOP " + std::to_string(offset + size) + " *, ROW_NUMBER() over ( ORDER BY " +
+               order + ") as rnum FROM (" + query + ") this_table_1 ) this_table_2 WHERE rnum > " +
+               std::to_string(offset);
+    }
+    std::string SelectEnd() const override { return ""; }
+    std::string InsertEnd() const override { return "; SELECT [id] = @@IDENTITY, ERRORCODE=@@ERROR "; }
+    std::string UpdateEnd() const override { return " SELECT ErrorCode = @@ERROR "; }
+    std::string KeepIdentity(const vk::TableName& table, bool on) const override
+    {
+        return std::string("SET IDENTITY_INSERT ") + table.relational + (on ? " ON" : " OFF");
+    }
+
+protected:
+    std::string LikeText(std::string_view text) const override
+    {
+        std::string escaped;
+        for (const char c : vk::SqlDialect::LikeText(text))
+            escaped += c == '[' ? std::string("\\[") : std::string(1, c);
+        return escaped;
+    }
+};
+
+/// Notes what is run, and answers as told.
+class NotingConnection : public vk::SqlConnection
+{
+public:
+    explicit NotingConnection(std::vector<std::string>& notes) : m_notes(notes) {}
+
+    const vk::SqlDialect& Dialect() const override { return m_dialect; }
+    std::string GetPath() const override { return "server"; }
+    std::unique_ptr<VKDBiResultSet> ExecuteSelectQuery(const std::string& query) override
+    {
+        m_notes.push_back(query);
+        auto result = std::make_unique<VKDBiResultSet>();
+        if (query.find("COUNT(") != std::string::npos) {
+            VKDBiRow row;
+            row.Add(VKDBiRowField("", "25"));
+            result->Add(row);
+        }
+        return result;
+    }
+    long ExecuteUpdateQuery(const std::string& query) override
+    {
+        m_notes.push_back(query);
+        if (query == failing)
+            throw VKDBexception(8101, "failed");
+        return 1;
+    }
+    unsigned long ExecuteInsertQuery(const std::string& query) override
+    {
+        m_notes.push_back(query);
+        return 77;
+    }
+    bool StartTransactionShared(const std::string&, bool, int, long) override { return Note("shared", starts); }
+    bool StartTransactionExclusive(const std::string&, bool, int, long) override { return Note("exclusive", starts); }
+    bool EndTransactionCommit(const std::string&, bool, int, long) override { return Note("commit", commits); }
+    bool EndTransactionRollback(const std::string&, bool, int, long) override { return Note("rollback", true); }
+
+    bool starts = true;
+    bool commits = true;
+    std::string failing;
+
+private:
+    bool Note(const char* what, bool answer)
+    {
+        m_notes.push_back(what);
+        return answer;
+    }
+
+    ServerDialect m_dialect;
+    std::vector<std::string>& m_notes;
+};
+
+class ServerDepartment : public vk::SqlDepartment
+{
+public:
+    ServerDepartment()
+    {
+        auto made = std::make_unique<NotingConnection>(notes);
+        connection = made.get();
+        UseStore(std::make_unique<vk::SqlStore>(std::move(made), kStatementLimit));
+    }
+
+    std::vector<std::string> notes;
+    NotingConnection* connection; ///< the store's
+};
+
+VK_DEPARTMENT Department()
+{
+    VK_DEPARTMENT department;
+    vk::SetText(department.name, "O'Brien", "name");
+    vk::SetText(department.description, "x", "description");
+    department.max_receivers = 9;
+    return department;
+}
+
+} // namespace
+
+TEST(VKSqlDialect, AnEntitySpeaksTheServersSqlToTheLetter)
+{
+    using testing::ElementsAre;
+    ServerDepartment departments;
+    VK_DEPARTMENT department = Department();
+    EXPECT_TRUE(departments.Add(&department));
+    EXPECT_EQ(department.id, 77u);
+    EXPECT_THAT(std::exchange(departments.notes, {}),
+                ElementsAre("exclusive",
+                            "INSERT INTO VK_DEPARTMENT (name, description, max_receivers, num_receivers) VALUES "
+                            "('O''Brien', 'x', 9, 0); SELECT [id] = @@IDENTITY, ERRORCODE=@@ERROR ",
+                            "commit"));
+    EXPECT_TRUE(departments.Modify(&department));
+    EXPECT_THAT(std::exchange(departments.notes, {}),
+                ElementsAre("exclusive",
+                            "UPDATE VK_DEPARTMENT SET name='O''Brien', description='x', max_receivers=9 WHERE id=77 "
+                            "SELECT ErrorCode = @@ERROR ",
+                            "commit"));
+    VK_DEPARTMENT_LIST list;
+    departments.SetFilter("a_[");
+    departments.SetFilter(10, 3);
+    EXPECT_TRUE(departments.Get(&list));
+    EXPECT_EQ(departments.GetPageCount(), 3);
+    const std::string where = " WHERE UPPER(VK_DEPARTMENT.name) LIKE UPPER('a\\_\\[%') ESCAPE '\\'";
+    EXPECT_THAT(std::exchange(departments.notes, {}),
+                ElementsAre("shared", "SELECT COUNT(id) FROM VK_DEPARTMENT" + where,
+                            "SELECT * FROM (SELECT TOP 30 *, ROW_NUMBER() over ( ORDER BY UPPER(name) ASC) as rnum "
+                            "FROM (SELECT * FROM VK_DEPARTMENT" +
+                                where + ") this_table_1 ) this_table_2 WHERE rnum > 20",
+                            "commit"));
+}
+
+TEST(VKSqlDialect, MovedRowsSwitchTheServersIdentityOnAndOff)
+{
+    ServerDepartment departments;
+    VK_DEPARTMENT department = Department();
+    department.id = 77;
+    VK_DEPARTMENT_LIST list;
+    AddDepartment(&list, &department);
+    EXPECT_TRUE(departments.ConvertRecords(&list));
+    EXPECT_THAT(std::exchange(departments.notes, {}),
+                testing::ElementsAre("exclusive", "SET IDENTITY_INSERT VK_DEPARTMENT ON",
+                                     testing::StartsWith("INSERT INTO VK_DEPARTMENT (id, name, "),
+                                     "SET IDENTITY_INSERT VK_DEPARTMENT OFF", "commit"));
+    const auto errorOf = [&] {
+        try {
+            departments.ConvertRecords(&list);
+            return std::string();
+        } catch (const VKDBexception& failure) {
+            return failure.GetMsg();
+        }
+    };
+    list.list[0].id = 78;
+    EXPECT_EQ(errorOf(),
+              "Record ID mismatch while converting department records: New added record ID doesn't match with "
+              "the old record ID.");
+    EXPECT_EQ(departments.notes.back(), "rollback");
+    list.list[0].id = 77;
+    departments.connection->failing = "SET IDENTITY_INSERT VK_DEPARTMENT OFF";
+    EXPECT_EQ(errorOf(), "Disabling IDENTITY_INSERT failed.");
+    departments.connection->failing = "SET IDENTITY_INSERT VK_DEPARTMENT ON";
+    EXPECT_EQ(errorOf(), "Enabling IDENTITY_INSERT failed.");
+    EmptyDepartmentList(&list);
+}
+
+TEST(VKSqlTransaction, WhatCannotStartOrCommitIsAnError)
+{
+    ServerDepartment departments;
+    departments.connection->starts = false;
+    EXPECT_THROW(departments.GetTotalRecordCount(), VKDBexception);
+    EXPECT_THAT(std::exchange(departments.notes, {}), testing::ElementsAre("shared"));
+    departments.connection->starts = true;
+    departments.connection->commits = false;
+    EXPECT_THROW(departments.Delete(1), VKDBexception);
+    EXPECT_THAT(departments.notes,
+                testing::ElementsAre("exclusive", testing::StartsWith("DELETE"), "commit", "rollback"));
+}
+
+TEST(VKSqlText, ValuesAreConditionedAndPlacesCounted)
+{
+    const vk::SQLite3Dialect& dialect = vk::SQLite3Dialect::Get();
+    EXPECT_EQ(vk::SqlText(dialect, "{} {} {} {} {}", "it's {}", true, -5L, vk::SqlRaw{"a'b"}, 18446744073709551615ul),
+              "'it''s {}' 1 -5 a'b 18446744073709551615");
+    EXPECT_THROW(vk::SqlText(dialect, "{}", 1, 2), std::logic_error);
+    EXPECT_THROW(vk::SqlText(dialect, "{} {}", 1), std::logic_error);
+}
