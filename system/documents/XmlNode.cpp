@@ -51,8 +51,7 @@ std::string_view TextOf(pugi::xml_node element) { return vk::ContentsOf(element)
 
 } // namespace
 
-Node::Node(XmlReaderWriter* document, pugi::xml_node_struct* element)
-    : m_pobjDocument(document), m_pobjElement(element)
+Node::Node(XmlReaderWriter* document, pugi::xml_node_struct* element) : m_pobjDocument(document), m_pobjElement(element)
 {
 }
 
@@ -133,8 +132,7 @@ bool Node::nextAttribute()
 {
     NeedTree();
     const pugi::xml_attribute cursor(m_pobjAttributeCursor);
-    const pugi::xml_attribute next =
-        cursor ? cursor.next_attribute() : pugi::xml_node(m_pobjElement).first_attribute();
+    const pugi::xml_attribute next = cursor ? cursor.next_attribute() : pugi::xml_node(m_pobjElement).first_attribute();
     m_pobjAttributeCursor = next.internal_object();
     return !next.empty();
 }
@@ -227,98 +225,6 @@ NodeString Node::attributeValue(std::string_view name) const
             attribute = element.last_attribute();
     }
     return AttributeString(attribute.internal_object(), NodeString::Value, failure);
-}
-
-Node Node::addChild(const std::string& name, const std::string& value)
-{
-    NeedTree();
-    Changed();
-    pugi::xml_node child = name.empty() ? pugi::xml_node() : pugi::xml_node(m_pobjElement).append_child(name.c_str());
-    if (!child || !vk::SetContents(child, value.c_str()))
-        throw NodeException("Unable to add new node.");
-    return At(child.internal_object());
-}
-
-bool Node::addAttribute(const std::string& name, const std::string& value)
-{
-    NeedTree();
-    if (name.empty() || isAttribute(name))
-        return false;
-    Changed();
-    return pugi::xml_node(m_pobjElement).append_attribute(name.c_str()).set_value(value.c_str());
-}
-
-/// Deletes the first `most` children that the test picks.
-template <class Test>
-bool Node::DeleteChildren(int most, Test&& picked)
-{
-    NeedTree();
-    pugi::xml_node parent(m_pobjElement);
-    int deleted = 0;
-    for (pugi::xml_node child = vk::FirstElement(parent); child && deleted < most;) {
-        const pugi::xml_node next = vk::NextElement(child);
-        if (picked(child)) {
-            Changed();
-            if (child.internal_object() == m_pobjChildCursor)
-                m_pobjChildCursor = nullptr;
-            parent.remove_child(child);
-            ++deleted;
-        }
-        child = next;
-    }
-    return deleted > 0;
-}
-
-bool Node::delChild(int index)
-{
-    if (!DeleteChildren(1, [&](pugi::xml_node) { return index-- == 0; }))
-        throw NodeException("Child node index out of bound.");
-    return true;
-}
-
-bool Node::delChild(std::string_view name)
-{
-    return DeleteChildren(1, [&](pugi::xml_node child) { return name == child.name(); });
-}
-
-bool Node::delChild(std::string_view name, std::string_view value)
-{
-    return DeleteChildren(1, [&](pugi::xml_node child) { return name == child.name() && value == TextOf(child); });
-}
-
-bool Node::delSameChildren(std::string_view name)
-{
-    return DeleteChildren(getChildrenCount(), [&](pugi::xml_node child) { return name == child.name(); });
-}
-
-bool Node::delAllChildren()
-{
-    return DeleteChildren(getChildrenCount(), [](pugi::xml_node) { return true; });
-}
-
-bool Node::DeleteAttribute(std::string_view name, const std::string_view* value)
-{
-    NeedTree();
-    pugi::xml_node element(m_pobjElement);
-    const pugi::xml_attribute attribute = vk::FindAttribute(element, name);
-    if (!attribute || (value && *value != attribute.value()))
-        return false;
-    Changed();
-    if (attribute.internal_object() == m_pobjAttributeCursor)
-        m_pobjAttributeCursor = nullptr;
-    return element.remove_attribute(attribute);
-}
-
-bool Node::delAttribute(std::string_view name) { return DeleteAttribute(name, nullptr); }
-bool Node::delAttribute(std::string_view name, std::string_view value) { return DeleteAttribute(name, &value); }
-
-bool Node::delAllAttributes()
-{
-    NeedTree();
-    const bool any = getAttributeCount() > 0;
-    Changed();
-    m_pobjAttributeCursor = nullptr;
-    return pugi::xml_node(m_pobjElement).remove_attributes() && any;
 }
 
 bool Node::isChild(std::string_view name) const { return !findChild(name).isNull(); }

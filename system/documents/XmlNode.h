@@ -25,11 +25,11 @@ public:
     Node operator[](std::string_view name);
     Node operator[](unsigned int index) { return getChildNode(static_cast<int>(index)); }
 
-    Node getChildNode(int index);                                   ///< moves the child cursor
-    Node getChildNode(std::string_view name, int index);            ///< the index counts namesakes only
-    Node childNode();                                               ///< at the child cursor, or the first child
-    bool nextChildNode();                                           ///< false past the last; then begins anew
-    bool nextAttribute();                                           ///< false past the last; then begins anew
+    Node getChildNode(int index);                        ///< moves the child cursor
+    Node getChildNode(std::string_view name, int index); ///< the index counts namesakes only
+    Node childNode();                                    ///< at the child cursor, or the first child
+    bool nextChildNode();                                ///< false past the last; then begins anew
+    bool nextAttribute();                                ///< false past the last; then begins anew
     Node parentNode() const;
     Node rightSibling(std::string_view name = {}) const;
     Node leftSibling(std::string_view name = {}) const;
@@ -84,8 +84,8 @@ public:
     std::string sourceText() const;
 
     // Reading without copies, for whoever reads many. The views are good until the document changes.
-    std::string_view nameText() const;     ///< empty for a null node
-    std::string_view contentsText() const; ///< empty when there are none
+    std::string_view nameText() const;                           ///< empty for a null node
+    std::string_view contentsText() const;                       ///< empty when there are none
     std::string_view attributeText(std::string_view name) const; ///< throws when missing; never adds
     Node findChild(std::string_view name) const;                 ///< a null node when missing; never adds
     Node firstChild() const;                                     ///< a null node when there is none
@@ -98,8 +98,7 @@ private:
     void Changed() const;
     NodeString AttributeString(pugi::xml_attribute_struct* attribute, int part, const char* missing) const;
     pugi::xml_attribute_struct* CursorAttribute() const;
-    template <class Test>
-    bool DeleteChildren(int most, Test&& picked);
+    template <class Test> bool DeleteChildren(int most, Test&& picked);
     bool DeleteAttribute(std::string_view name, const std::string_view* value);
     Node At(pugi::xml_node_struct* element) const { return Node(m_pobjDocument, element); }
 

@@ -46,8 +46,7 @@ const char* XmlReaderWriter::NodeString::Raw() const
 XmlReaderWriter::NodeString::operator bool() const
 {
     const char* text = Raw();
-    return *text != '\0' && strcasecmp(text, "false") != 0 && strcasecmp(text, "0") != 0 &&
-           strcasecmp(text, "no") != 0;
+    return *text != '\0' && strcasecmp(text, "false") != 0 && strcasecmp(text, "0") != 0 && strcasecmp(text, "no") != 0;
 }
 
 XmlReaderWriter::NodeString::operator long() const { return std::strtol(Raw(), nullptr, 10); }

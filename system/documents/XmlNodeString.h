@@ -48,11 +48,7 @@ public:
     bool operator==(long value) const { return operator long() == value; }
     bool operator==(int value) const { return operator int() == value; }
 
-    template <class Other>
-    bool operator!=(const Other& other) const
-    {
-        return !(*this == other);
-    }
+    template <class Other> bool operator!=(const Other& other) const { return !(*this == other); }
 
     NodeString& operator=(const std::string& text);
     NodeString& operator=(const char* text);
@@ -67,14 +63,13 @@ public:
 private:
     const char* Raw() const;
     bool WriteThrough(const char* text);
-    template <class Number>
-    NodeString& WriteFormatted(const char* format, Number value);
+    template <class Number> NodeString& WriteFormatted(const char* format, Number value);
 
     std::string m_strText;
     Source m_eSource = Element;
     pugi::xml_node_struct* m_pobjElement = nullptr;
     pugi::xml_attribute_struct* m_pobjAttribute = nullptr;
     Part m_ePart = Value;
-    const char* m_szRaw = nullptr; ///< the document's own text; null when there is none
+    const char* m_szRaw = nullptr;             ///< the document's own text; null when there is none
     XmlReaderWriter* m_pobjDocument = nullptr; ///< null for an element outside any tree
 };

@@ -18,19 +18,19 @@ std::vector<const char*> PathOf(int count, va_list names)
 
 } // namespace
 
-XmlReaderWriter::XmlReaderWriter() = default;
-XmlReaderWriter::~XmlReaderWriter() = default;
-
 bool XmlReaderWriter::readFrom(char* buffer, unsigned int size)
 {
     return readFrom(buffer ? std::string_view(buffer, size) : std::string_view());
 }
 
-bool XmlReaderWriter::readFrom(std::string_view text)
+bool XmlReaderWriter::readFrom(std::string_view text) { return Fill(text, false); }
+
+bool XmlReaderWriter::Fill(std::string_view text, bool asDeclared)
 {
     m_strParseError.clear();
     m_pobjTree.reset();
-    m_pobjTree = vk::ParseXmlText(text, vk::XmlEncoding::Utf8, m_strParseError);
+    m_pobjTree =
+        vk::ParseXmlText(text, asDeclared ? vk::XmlEncoding::Declared : vk::XmlEncoding::Utf8, m_strParseError);
     return m_pobjTree != nullptr;
 }
 
@@ -80,10 +80,7 @@ XmlReaderWriter::Node XmlReaderWriter::NodeAt(const std::vector<const char*>& pa
 XmlReaderWriter::Node XmlReaderWriter::getNode(const std::vector<char*>& path) { return NodeAt(PathOf(path)); }
 bool XmlReaderWriter::isNode(const std::vector<char*>& path) { return !Walk(PathOf(path), false).isNull(); }
 
-bool XmlReaderWriter::createDocumentPath(const std::vector<char*>& path)
-{
-    return !Walk(PathOf(path), true).isNull();
-}
+bool XmlReaderWriter::createDocumentPath(const std::vector<char*>& path) { return !Walk(PathOf(path), true).isNull(); }
 
 XmlReaderWriter::Node XmlReaderWriter::getNode(int count, ...)
 {

@@ -33,10 +33,49 @@ public:
     class NodeString;
     class NodeException;
 
+    /// What the integer of the constructor and of open says, as bits.
+    enum OpenFlag {
+        OpenNow = 1,
+        CreateFile = 2,   ///< mode "w+" in place of "r+"
+        TruncateFile = 4, ///< to length 0, after opening
+        MutableDocument = 8,
+        LockShared = 16,        ///< right after opening, waiting for it
+        ReadDocument = 32,      ///< the constructor reads the file
+        UnlockAfterReading = 64 ///< the constructor gives the lock up
+    };
+
     XmlReaderWriter();
+
+    /// On a file, doing what the flags say; isFileOpened and isDocumentPresent tell what came of it. Does not throw.
+    XmlReaderWriter(const std::string& path, int flags);
+
+    /// Gives up lock and file.
     ~XmlReaderWriter();
     XmlReaderWriter(const XmlReaderWriter&) = delete;
     XmlReaderWriter& operator=(const XmlReaderWriter&) = delete;
+
+    // The file operations answer false on a failure of the file; none of them throws.
+    bool open(int flags);
+    bool open(bool create, bool makeMutable);
+    bool close();
+
+    /// Replaces the document by the one in the open file, read in the encoding that it declares. False when there is
+    /// no open file or the document is refused; then there is no document and parseError() tells why.
+    bool read();
+
+    /// Writes the document over the file of that path; without a path over the open file, which is closed with it.
+    bool write(const std::string& path);
+
+    bool lock(bool shared, bool wait); ///< advisory, on the open file; true when it is held already
+    bool unlock();
+
+    /// Whether someone else's lock stands in the way of such a lock. True as well while this object holds one.
+    bool isFileLocked(bool shared);
+
+    void setXmlDocumentFile(const std::string& path); ///< for the next open; gives up a file that is open
+    void resetDocument(bool tree, bool file);         ///< drops the document, gives up the file
+    bool isFileOpened() const { return m_bFileOpened; }
+    bool isFileLoaded() const { return m_bFileOpened; }
 
     /// Replaces the document by the one in memory, read as UTF-8 whatever its declaration says. False when it is
     /// refused; then there is no document and parseError() tells why.
@@ -49,9 +88,9 @@ public:
     /// Writes the whole document, declaration first. False, and nothing written, without a document.
     bool toString(std::string& text) const;
 
-    bool createDocument();                      ///< an empty document in place of any other
+    bool createDocument();                        ///< an empty document in place of any other
     Node createRootNode(const std::string& name); ///< the only root; makes the document when there is none
-    Node getRootNode();                         ///< throws NodeException without a document; a null node without a root
+    Node getRootNode(); ///< throws NodeException without a document; a null node without a root
     void setMutable(bool growsOnLookUp) { m_bMutable = growsOnLookUp; }
     bool isMutable() const { return m_bMutable; }
     bool isDocumentPresent() const { return m_pobjTree != nullptr; }
@@ -67,6 +106,10 @@ public:
 
     /// The text with the five characters of XML written as entities. An ampersand that begins an entity stays.
     static std::string encodeSpecialChar(std::string_view text);
+    static std::string encodeSpecialChar(const char* text)
+    {
+        return text ? encodeSpecialChar(std::string_view(text)) : "";
+    }
 
     /// Whether the text begins with an entity: "&" letters or digits ";", or "&#" digits ";". Meant: "&#;" is one and
     /// "&#x" never is.
@@ -85,8 +128,14 @@ private:
     /// The node of a path; with `add` what is missing is added, otherwise the answer is a null node.
     Node Walk(const std::vector<const char*>& path, bool add);
 
+    bool Fill(std::string_view text, bool asDeclared);
+
     std::unique_ptr<vk::XmlTree> m_pobjTree;
     bool m_bMutable = false;
+    std::unique_ptr<VKioFile> m_pobjFile;
+    std::string m_strPath;
+    bool m_bFileOpened = false;
+    bool m_bFileLocked = false;
     std::string m_strParseError;
 };
 

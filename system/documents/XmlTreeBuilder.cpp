@@ -44,8 +44,7 @@ private:
     void Refuse(const char* reason);
     std::string Reason() const;
 
-    template <class Event>
-    void Guard(Event&& event) noexcept;
+    template <class Event> void Guard(Event&& event) noexcept;
 
     static XmlTreeBuilder& Of(void* user) { return *static_cast<XmlTreeBuilder*>(user); }
 
@@ -59,8 +58,7 @@ private:
 };
 
 /// Runs one event; nothing may be thrown through expat.
-template <class Event>
-void XmlTreeBuilder::Guard(Event&& event) noexcept
+template <class Event> void XmlTreeBuilder::Guard(Event&& event) noexcept
 {
     if (m_szRefused)
         return; // expat hands out what it has at hand even after a stop
@@ -140,8 +138,7 @@ void XmlTreeBuilder::OnEnd()
     // White space between elements is layout, not contents; beside other characters it is kept.
     if (text.find_first_not_of(kBlanks) != std::string_view::npos && !SetContents(closed.element, text.data()))
         return Refuse("out of memory");
-    const XML_Index end =
-        XML_GetCurrentByteIndex(m_pobjParser.get()) + XML_GetCurrentByteCount(m_pobjParser.get());
+    const XML_Index end = XML_GetCurrentByteIndex(m_pobjParser.get()) + XML_GetCurrentByteCount(m_pobjParser.get());
     m_pobjTree->m_vecRanges[closed.range].end = static_cast<std::uint32_t>(end);
     m_strPending.resize(closed.textBegin);
     m_vecOpen.pop_back();
@@ -157,8 +154,8 @@ std::string XmlTreeBuilder::Reason() const
 std::unique_ptr<XmlTree> XmlTreeBuilder::Parse(std::string_view text, XmlEncoding encoding, std::string& why)
 {
     if (text.size() > kXmlMaxBytes) {
-        why = "the text has " + std::to_string(text.size()) + " bytes, more than the " +
-              std::to_string(kXmlMaxBytes) + " allowed";
+        why = "the text has " + std::to_string(text.size()) + " bytes, more than the " + std::to_string(kXmlMaxBytes) +
+              " allowed";
         return nullptr;
     }
     if (!PrepareParser(encoding)) {
@@ -173,8 +170,8 @@ std::unique_ptr<XmlTree> XmlTreeBuilder::Parse(std::string_view text, XmlEncodin
     m_iNodes = 0;
     m_szRefused = nullptr;
 
-    const bool whole = XML_Parse(m_pobjParser.get(), text.data(), static_cast<int>(text.size()), XML_TRUE) ==
-                       XML_STATUS_OK;
+    const bool whole =
+        XML_Parse(m_pobjParser.get(), text.data(), static_cast<int>(text.size()), XML_TRUE) == XML_STATUS_OK;
     if (!whole) {
         why = Reason();
         tree.reset();

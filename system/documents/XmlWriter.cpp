@@ -46,10 +46,7 @@ void AppendEncoded(std::string& out, std::string_view text)
 
 } // namespace
 
-bool XmlReaderWriter::isEncodedSequence(const char* text)
-{
-    return text && *text == '&' && BeginsEntity(text + 1);
-}
+bool XmlReaderWriter::isEncodedSequence(const char* text) { return text && *text == '&' && BeginsEntity(text + 1); }
 
 std::string XmlReaderWriter::encodeSpecialChar(std::string_view text)
 {

@@ -14,8 +14,8 @@
 #include <vector>
 
 /// \file
-/// Runs a fuzz target without libFuzzer: first each seed, whole and cut at every byte, then mutations of the seeds for a
-/// few seconds, always in the same order. The input that ends the process is left in "fuzz-failure" in the working
+/// Runs a fuzz target without libFuzzer: first each seed, whole and cut at every byte, then mutations of the seeds for
+/// a few seconds, always in the same order. The input that ends the process is left in "fuzz-failure" in the working
 /// directory; given as an argument it is run again.
 ///
 ///     vk_fuzz_NAME FILE-OR-FOLDER... [--seconds N]

@@ -44,14 +44,23 @@ struct Encoding
 TEST(XmlWriting, EntitiesStayAndLoneAmpersandsAreEncoded)
 {
     const Encoding table[] = {
-        {"", ""},           {"<>'\"", "&lt;&gt;&apos;&quot;"}, {"&amp;", "&amp;"},
-        {"a&b", "a&amp;b"}, {"&any1;", "&any1;"},              {"&#10;", "&#10;"},
-        {"&#;", "&#;"},     {"&#xA;", "&amp;#xA;"},            {"&;", "&amp;;"},
-        {"&", "&amp;"},     {"&amp", "&amp;amp"},              {"&#1a;", "&amp;#1a;"},
+        {"", ""},
+        {"<>'\"", "&lt;&gt;&apos;&quot;"},
+        {"&amp;", "&amp;"},
+        {"a&b", "a&amp;b"},
+        {"&any1;", "&any1;"},
+        {"&#10;", "&#10;"},
+        {"&#;", "&#;"},
+        {"&#xA;", "&amp;#xA;"},
+        {"&;", "&amp;;"},
+        {"&", "&amp;"},
+        {"&amp", "&amp;amp"},
+        {"&#1a;", "&amp;#1a;"},
         {"&&lt;", "&amp;&lt;"},
     };
     for (const Encoding& row : table)
         EXPECT_EQ(XmlReaderWriter::encodeSpecialChar(row.text), row.encoded) << row.text;
+    EXPECT_EQ(XmlReaderWriter::encodeSpecialChar(nullptr), "");
     EXPECT_TRUE(XmlReaderWriter::isEncodedSequence("&lt;<"));
     EXPECT_FALSE(XmlReaderWriter::isEncodedSequence("a&lt;"));
     EXPECT_FALSE(XmlReaderWriter::isEncodedSequence(nullptr));

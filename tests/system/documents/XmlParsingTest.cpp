@@ -81,8 +81,9 @@ TEST(XmlParsing, TakesWhatLiesJustWithinTheLimits)
 TEST(XmlParsing, ContentsKeepTheirBlanksAndMereWhiteSpaceIsNone)
 {
     XmlReaderWriter document;
-    ASSERT_TRUE(document.readFrom("<r>\n <a> x </a>\n <b> \t\r\n</b><c>1<d>in</d> 2<!-- no -->3</c><e><![CDATA[<&>]]></e>"
-                                  "<f>&lt;&#65;&gt;</f><g xmlns='u:v' g:h=' i '/></r>"));
+    ASSERT_TRUE(
+        document.readFrom("<r>\n <a> x </a>\n <b> \t\r\n</b><c>1<d>in</d> 2<!-- no -->3</c><e><![CDATA[<&>]]></e>"
+                          "<f>&lt;&#65;&gt;</f><g xmlns='u:v' g:h=' i '/></r>"));
     Node root = document.getRootNode();
     EXPECT_FALSE(root.hasValue());
     EXPECT_EQ(root["a"].contentsText(), " x ");
