@@ -11,7 +11,6 @@
 #include <cstring>
 #include <fcntl.h>
 #include <memory>
-#include <stdio_ext.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -235,7 +234,7 @@ void VKioFile::Lock(char mode, bool wait)
         return;
     Number(__LINE__);
     ThreadLock();
-    rewind(m_pStream);
+    rewind(m_pStream); // also forgets what was read ahead
     const short type = mode == 'r' ? F_RDLCK : mode == 'w' ? F_WRLCK : F_UNLCK;
     if (SetFileLock(type, wait) != 0) {
         const int reason = errno;
@@ -244,9 +243,6 @@ void VKioFile::Lock(char mode, bool wait)
         Fail(__LINE__, "File Lock Failed");
     }
     ++m_iLocked;
-    // What was read ahead before the lock may have been changed by the one who held it.
-    __fpurge(m_pStream);
-    rewind(m_pStream);
 }
 
 void VKioFile::Unlock()
