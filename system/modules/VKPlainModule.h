@@ -34,4 +34,7 @@ protected:
 
     VKLogInterface* m_pLogger = nullptr;
     bool m_bOwnsLogger = false; ///< the module made the logger, whose object belongs to the logger registry
+
+private:
+    void MakeLogger(const std::string& configDir);
 };

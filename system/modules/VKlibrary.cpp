@@ -1,0 +1,46 @@
+#include "VKlibrary.h"
+
+#include "VKconThread.h"
+
+#include <pthread.h>
+#include <time.h>
+
+namespace {
+
+pthread_once_t once = PTHREAD_ONCE_INIT;
+
+std::string& KeptPath()
+{
+    static std::string path;
+    return path;
+}
+
+/// What is set up once however often InitialLib is called: the local time zone, which the C library otherwise looks up
+/// when the first thread formats a time.
+void RealInitial() { tzset(); }
+
+} // namespace
+
+namespace vk {
+
+const std::string& LibraryPath() { return KeptPath(); }
+
+} // namespace vk
+
+bool InitialLib()
+{
+    VKconThread::InitializeLibrary();
+    return true;
+}
+
+bool CloseLib()
+{
+    VKconThread::CloseLibrary();
+    return true;
+}
+
+bool InitialLib(const std::string& path)
+{
+    KeptPath() = path;
+    return pthread_once(&once, &RealInitial) == 0 && InitialLib();
+}

@@ -1,0 +1,78 @@
+#include "RecordingLogger.h"
+#include "TempDir.h"
+#include "VKLog.h"
+#include "VKPlainModule.h"
+#include "VKioDirectory.h"
+#include "VKlibrary.h"
+#include "VKsysEventLogInterface.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class Module : public VKPlainModule
+{
+public:
+    Module(std::string name, bool required, bool starts = true)
+        : m_name(std::move(name)), m_required(required), m_starts(starts)
+    {
+    }
+    bool InitializeSpecial() override { return m_starts; }
+    std::string GetRunningModuleName() override { return m_name; }
+    bool IsLoggerRequired() override { return m_required; }
+    using VKPlainModule::GetLogger;
+
+private:
+    std::string m_name;
+    bool m_required;
+    bool m_starts;
+};
+
+TEST(VKPlainModule, TakesTheLoggerItIsGivenAndRefusesToStartWhenItsOwnSetUpFails)
+{
+    vktest::RecordingLogger logger;
+    for (const bool required : {true, false}) {
+        Module module("given", required);
+        EXPECT_TRUE(module.Initialize(&logger, ""));
+        EXPECT_EQ(module.GetLogger(), &logger);
+        EXPECT_TRUE(module.Finalize());
+        EXPECT_EQ(module.GetLogger(), &logger) << "a logger of someone else is left alone";
+        EXPECT_FALSE(Module("refuses", required, false).Initialize(&logger, ""));
+    }
+}
+
+TEST(VKPlainModule, MakesItsOwnLoggerOnlyWhenItNeedsOneAndCan)
+{
+    TempDir root;
+    VKioDirectory::CreateFullPath(root / "config");
+    VKioDirectory::CreateFullPath(root / "logs");
+
+    Module without("plain probe none", false);
+    without.Initialize(nullptr, root / "config");
+    EXPECT_EQ(without.GetLogger(), nullptr);
+    Module nowhere("plain probe nowhere", true);
+    EXPECT_TRUE(nowhere.Initialize(nullptr, ""));
+    EXPECT_EQ(nowhere.GetLogger(), nullptr);
+    EXPECT_TRUE(nowhere.Initialize(nullptr, root / "missing/config"));
+    EXPECT_EQ(nowhere.GetLogger(), nullptr);
+
+    Module own("plain probe", true);
+    ASSERT_TRUE(own.Initialize(nullptr, root / "config"));
+    ASSERT_NE(own.GetLogger(), nullptr);
+    VK_LOG_WARN(own.GetLogger(), "the module speaks");
+    EXPECT_NE(root.Read("logs/plain_probe.txt").find("the module speaks"), std::string::npos);
+    own.Finalize();
+    EXPECT_EQ(own.GetLogger(), nullptr);
+    delete VKsysEventLogInterface::getVKsysEventLogInterfaceObject(std::string("plain probe"));
+}
+
+TEST(VKlibrary, StartsAndEndsAnyNumberOfTimes)
+{
+    EXPECT_TRUE(InitialLib("/opt/site"));
+    EXPECT_EQ(vk::LibraryPath(), "/opt/site");
+    EXPECT_TRUE(CloseLib());
+    EXPECT_TRUE(InitialLib());
+    EXPECT_TRUE(CloseLib());
+}
+
+} // namespace
