@@ -131,8 +131,8 @@ bool SqlDepartment::IsUniqueName(const std::string& name, unsigned long excludeI
 bool SqlDepartment::GetNamesList(std::vector<VK_NAME_RECORD>& names)
 {
     names.clear();
-    const auto rows = m_store->Shared(
-        [&] { return m_store->Select("SELECT id, name FROM {} ORDER BY {}", kName, SqlRaw{kByName}); });
+    const auto rows =
+        m_store->Shared([&] { return m_store->Select("SELECT id, name FROM {} ORDER BY {}", kName, SqlRaw{kByName}); });
     for (int row = 0; row < rows->GetReturnedRowsCount(); ++row)
         names.push_back({(*rows)[row][0].GetValueULong(), (*rows)[row][1].GetValueString()});
     return true;
@@ -170,8 +170,7 @@ std::string SqlDepartment::FilterClause() const
 
 bool SqlDepartment::ConvertRecords(VK_DEPARTMENT_LIST* list)
 {
-    m_store->Exclusive(
-        [&] { m_store->InsertRowsWithIds(kDepartmentTable, list->list, list->count, "department"); });
+    m_store->Exclusive([&] { m_store->InsertRowsWithIds(kDepartmentTable, list->list, list->count, "department"); });
     return true;
 }
 

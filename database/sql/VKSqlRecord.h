@@ -2,6 +2,7 @@
 
 #include <string>
 #include <type_traits>
+#include <vector>
 
 #include "VKRecordText.h"
 #include "VKSqlText.h"
@@ -10,8 +11,7 @@ namespace vk {
 
 namespace detail {
 
-template <class Value>
-constexpr ColumnKind KindOf()
+template <class Value> constexpr ColumnKind KindOf()
 {
     if (std::is_same_v<Value, bool>)
         return ColumnKind::Boolean;
@@ -20,14 +20,12 @@ constexpr ColumnKind KindOf()
     return std::is_array_v<Value> || std::is_same_v<Value, std::string> ? ColumnKind::Varchar : ColumnKind::Integer;
 }
 
-template <class Row>
-constexpr ColumnKind KindOfField()
+template <class Row> constexpr ColumnKind KindOfField()
 {
     return Row::template has<PrimaryKey> ? ColumnKind::Id : KindOf<typename Row::Value>();
 }
 
-template <class Row>
-int WidthOf(const Row& field)
+template <class Row> int WidthOf(const Row& field)
 {
     if constexpr (Row::template has<Varchar>)
         return field.template mark<Varchar>().width;
@@ -47,13 +45,12 @@ inline void AddWithComma(std::string& list, const std::string& item)
 } // namespace detail
 
 /// One column of CREATE TABLE.
-template <class Row>
-std::string ColumnDefinition(const SqlDialect& dialect, const Row& field)
+template <class Row> std::string ColumnDefinition(const SqlDialect& dialect, const Row& field)
 {
     static_assert(!std::is_same_v<typename Row::Value, std::string> || Row::template has<Varchar>,
                   "a std::string needs the width of its column");
-    std::string text = std::string(field.name) + " " +
-                       dialect.ColumnType(detail::KindOfField<Row>(), detail::WidthOf(field));
+    std::string text =
+        std::string(field.name) + " " + dialect.ColumnType(detail::KindOfField<Row>(), detail::WidthOf(field));
     if (Row::template has<NotNull>)
         text += " NOT NULL";
     if (Row::template has<DefaultZero>)
@@ -62,8 +59,7 @@ std::string ColumnDefinition(const SqlDialect& dialect, const Row& field)
 }
 
 /// The column text of CREATE TABLE.
-template <class Fields>
-std::string ColumnsText(const SqlDialect& dialect, const Fields& fields)
+template <class Fields> std::string ColumnsText(const SqlDialect& dialect, const Fields& fields)
 {
     std::string text;
     ForEachField(fields, [&](const auto& field) { detail::AddWithComma(text, ColumnDefinition(dialect, field)); });
@@ -124,6 +120,18 @@ std::string UpdateText(const SqlDialect& dialect, const Table<Fields>& table, co
             detail::AddWithComma(changes, assigned);
     });
     return SqlText(dialect, "UPDATE {} SET {} WHERE {}", table.name, SqlRaw{changes}, SqlRaw{key});
+}
+
+/// The literals of a record that no error may show.
+template <class Fields, class Record>
+std::vector<std::string> SecretLiterals(const SqlDialect& dialect, const Fields& fields, const Record& record)
+{
+    std::vector<std::string> secrets;
+    ForEachField(fields, [&](const auto& field) {
+        if (std::decay_t<decltype(field)>::template has<Secret>)
+            secrets.push_back(FieldLiteral(dialect, field, record));
+    });
+    return secrets;
 }
 
 } // namespace vk

@@ -34,6 +34,15 @@ unsigned long SqlStore::RunInsert(const std::string& text)
     return m_connection->ExecuteInsertQuery(statement);
 }
 
+VKDBexception SqlStore::WithoutTexts(const VKDBexception& failure, const std::vector<std::string>& texts)
+{
+    std::string message = failure.GetMsg();
+    for (const std::string& text : texts)
+        for (std::size_t at = message.find(text); text != "''" && at != std::string::npos; at = message.find(text, at))
+            message.replace(at, text.size(), "***");
+    return VKDBexception(failure.GetErrorCode(), failure.GetFile(), failure.GetLine(), message, failure.GetSysMsg());
+}
+
 void SqlStore::SwitchKeepIdentity(const TableName& table, bool on)
 {
     const std::string statement = Dialect().KeepIdentity(table, on);

@@ -24,40 +24,34 @@ public:
     const SqlDialect& Dialect() const { return m_connection->Dialect(); }
 
     /// Run a body in a transaction; its statements are what Select, Update and Insert below run.
-    template <class Body>
-    auto Shared(Body&& body)
+    template <class Body> auto Shared(Body&& body)
     {
         return InTransaction(*m_connection, TransactionLock::Shared, std::forward<Body>(body));
     }
-    template <class Body>
-    auto Exclusive(Body&& body)
+    template <class Body> auto Exclusive(Body&& body)
     {
         return InTransaction(*m_connection, TransactionLock::Exclusive, std::forward<Body>(body));
     }
 
     /// A part of a statement, its values conditioned.
-    template <class... Values>
-    SqlRaw Part(std::string_view pattern, const Values&... values) const
+    template <class... Values> SqlRaw Part(std::string_view pattern, const Values&... values) const
     {
         return {SqlText(Dialect(), pattern, values...)};
     }
 
-    template <class... Values>
-    std::unique_ptr<VKDBiResultSet> Select(std::string_view pattern, const Values&... values)
+    template <class... Values> std::unique_ptr<VKDBiResultSet> Select(std::string_view pattern, const Values&... values)
     {
         return RunSelect(SqlText(Dialect(), pattern, values...));
     }
 
     /// The single number that a SELECT gives; 0 without a row.
-    template <class... Values>
-    long SelectNumber(std::string_view pattern, const Values&... values)
+    template <class... Values> long SelectNumber(std::string_view pattern, const Values&... values)
     {
         return (*Select(pattern, values...))[0][0].GetValueLong();
     }
 
     /// Gives back how many rows were touched.
-    template <class... Values>
-    long Update(std::string_view pattern, const Values&... values)
+    template <class... Values> long Update(std::string_view pattern, const Values&... values)
     {
         return RunUpdate(SqlText(Dialect(), pattern, values...));
     }
@@ -66,14 +60,13 @@ public:
     template <class Fields, class Record>
     unsigned long InsertRow(const Table<Fields>& table, const Record& record, RowId id = RowId::FromStore)
     {
-        return RunInsert(InsertText(Dialect(), table, record, id));
+        return HidingSecrets(table, record, [&] { return RunInsert(InsertText(Dialect(), table, record, id)); });
     }
 
     /// Stores a changed row by its id; gives back how many rows were touched.
-    template <class Fields, class Record>
-    long UpdateRow(const Table<Fields>& table, const Record& record)
+    template <class Fields, class Record> long UpdateRow(const Table<Fields>& table, const Record& record)
     {
-        return RunUpdate(UpdateText(Dialect(), table, record));
+        return HidingSecrets(table, record, [&] { return RunUpdate(UpdateText(Dialect(), table, record)); });
     }
 
     /// Stores records with the ids that they carry, as a move from another backend does; all or none. `what` names them
@@ -88,6 +81,18 @@ public:
     }
 
 private:
+    /// Runs a body; an error that quotes the record's statement is thrown on without its secrets.
+    template <class Fields, class Record, class Body>
+    auto HidingSecrets(const Table<Fields>& table, const Record& record, Body&& body)
+    {
+        try {
+            return body();
+        } catch (const VKDBexception& failure) {
+            throw WithoutTexts(failure, SecretLiterals(Dialect(), table.fields, record));
+        }
+    }
+
+    static VKDBexception WithoutTexts(const VKDBexception& failure, const std::vector<std::string>& texts);
     std::unique_ptr<VKDBiResultSet> RunSelect(const std::string& text);
     long RunUpdate(const std::string& text);
     unsigned long RunInsert(const std::string& text);

@@ -17,8 +17,7 @@ struct SqlRaw
 
 /// One argument of a statement, conditioned for it: a table by its name there, a text as a literal, a truth value, a
 /// number.
-template <class Value>
-std::string SqlArgument(const SqlDialect& dialect, const Value& value)
+template <class Value> std::string SqlArgument(const SqlDialect& dialect, const Value& value)
 {
     if constexpr (std::is_same_v<Value, SqlRaw>)
         return value.text;

@@ -313,6 +313,23 @@ TEST_F(VKReceiverTest, AStatementBeyondItsLimitIsRefusedAndTellsNoValues)
     EXPECT_EQ(receivers->GetTotalRecordCount(), 0);
 }
 
+TEST_F(VKReceiverTest, AnErrorThatQuotesTheStatementShowsNoSecrets)
+{
+    {
+        VKSQLite3Database file(dir / "receivers.sdb", true);
+        VKSQLite3ResultSet result;
+        file.ExecuteUpdateQuery("CREATE TRIGGER refuse BEFORE INSERT ON receiver BEGIN SELECT RAISE(ABORT, 'no'); END;",
+                                result);
+    }
+    Receiver receiver("shown", "1");
+    vk::SetText(receiver.acct_pwd, "pass'word", "acct_pwd");
+    receiver.misc_settings = strdup(R"({"MXP":{"MxpPassword":"hidden"}})");
+    const std::string error = ErrorOf([&] { receivers->Add(&receiver, false); });
+    EXPECT_THAT(error, testing::HasSubstr("Unable to execute UPDATE query [INSERT INTO receiver"));
+    EXPECT_THAT(error, testing::HasSubstr("'shown'"));
+    EXPECT_THAT(error, testing::Not(testing::AnyOf(testing::HasSubstr("word"), testing::HasSubstr("hidden"))));
+}
+
 TEST_F(VKReceiverTest, AFileThatCannotBeUsedIsNamed)
 {
     receivers.reset();

@@ -149,6 +149,30 @@ TEST_F(VKSQLite3DatabaseTest, AFailedStatementSaysWhichAndRollsBack)
     EXPECT_EQ(Count(*database), "0");
 }
 
+TEST_F(VKSQLite3DatabaseTest, AFullDiskLosesOnlyWhatDidNotFit)
+{
+    const auto database = Open();
+    VKSQLite3ResultSet result;
+    unsigned long id = 0;
+    const auto add = [&](std::size_t bytes) {
+        return database->InsertQueryTransaction("INSERT INTO note (text) VALUES ('" + std::string(bytes, 'x') + "');",
+                                                result, id);
+    };
+    ASSERT_TRUE(add(10));
+    database->ExecuteUpdateQuery("PRAGMA max_page_count=10;", result); // as if the disk ended there
+    try {
+        add(100000);
+        FAIL() << "more was stored than there is room for";
+    } catch (const VKDBexception& failure) {
+        EXPECT_EQ(failure.GetErrorCode(), SQLITE_FULL);
+        EXPECT_EQ(failure.GetSysMsg(), "database or disk is full");
+    }
+    EXPECT_FALSE(database->IsTransactionInProgress());
+    EXPECT_TRUE(database->IsReady());
+    EXPECT_TRUE(add(10));
+    EXPECT_EQ(Count(*database), "2");
+}
+
 TEST_F(VKSQLite3DatabaseTest, TransactionsAreNotNestedAndNotEndedTwice)
 {
     const auto database = Open();
