@@ -9,6 +9,6 @@ pkg_check_modules(JSONCPP REQUIRED IMPORTED_TARGET jsoncpp)
 pkg_check_modules(GLOOX REQUIRED IMPORTED_TARGET gloox)
 pkg_check_modules(PCRECPP REQUIRED IMPORTED_TARGET libpcrecpp)
 
-set(VK_SYSTEM_LIBS Threads::Threads OpenSSL::Crypto PkgConfig::EXPAT PkgConfig::PUGIXML PkgConfig::JSONCPP)
+set(VK_SYSTEM_LIBS Threads::Threads OpenSSL::SSL OpenSSL::Crypto PkgConfig::EXPAT PkgConfig::PUGIXML PkgConfig::JSONCPP)
 set(VK_DATABASE_LIBS SQLite::SQLite3 PkgConfig::PCRECPP)
 set(VK_GATEWAY_LIBS OpenSSL::SSL PkgConfig::GLOOX)
