@@ -1,6 +1,7 @@
 #include "VKlibrary.h"
 
 #include "VKconThread.h"
+#include "VKioSocket.h"
 
 #include <pthread.h>
 #include <time.h>
@@ -30,13 +31,13 @@ const std::string& LibraryPath() { return KeptPath(); }
 bool InitialLib()
 {
     VKconThread::InitializeLibrary();
-    return true;
+    return VKioSocket::InitialLibrary();
 }
 
 bool CloseLib()
 {
     VKconThread::CloseLibrary();
-    return true;
+    return VKioSocket::CloseLibrary();
 }
 
 bool InitialLib(const std::string& path)

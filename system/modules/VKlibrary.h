@@ -4,8 +4,7 @@
 
 /// \file
 /// A process that uses the library's threads begins with InitialLib, before it starts one, and ends with CloseLib.
-/// Both set up the threads (see VKconThread::InitializeLibrary, whose VKconException comes through); the sockets of this
-/// library have nothing to set up.
+/// Both see to the threads (see VKconThread::InitializeLibrary, whose VKconException comes through), then to the sockets.
 
 bool InitialLib();
 bool CloseLib();
