@@ -14,6 +14,15 @@ VKConfiguration* VKConfiguration::me = nullptr;
 namespace {
 
 constexpr const char* kInstallationPath = "/usr/local/vardock";
+constexpr const char* kRootVariable = "VKMXP_ROOT";
+
+/// The fixed path, unless the process says otherwise: a host that loads this library as its driver resolves two functions
+/// only, so this is its one way to name another root.
+std::string InstallationPath()
+{
+    const char* const root = secure_getenv(kRootVariable);
+    return root != nullptr && root[0] == '/' ? root : kInstallationPath;
+}
 
 constexpr vk::CodeText<unsigned int> kDeviceTypes[] = {
     {1, "Receiver"}, {2, "Group"},     {3, "On-duty"},     {4, "Escalation"},
@@ -53,7 +62,7 @@ const char* VKConfiguration::getConfDirectoryPtr(bool force)
 {
     if (m_strConfDir.empty() || force) {
         if (m_strRootDir.empty())
-            m_strRootDir = std::string(kInstallationPath) + "/";
+            m_strRootDir = createPath(InstallationPath(), "");
         m_strConfDir = createPath(m_strRootDir, "config") + "/";
         m_strTempDir = createPath(m_strRootDir, "temp") + "/";
         m_strBinDir = createPath(m_strRootDir, "bin") + "/";

@@ -22,7 +22,8 @@
 /// thread. Nothing is thrown or logged, for this class runs before any logger exists: what cannot be read is null, empty
 /// or the defaults. Files are locked, shared to read and exclusive to write.
 ///
-/// A process whose installation is not at the fixed path begins with
+/// The installation stands at the fixed path, or where the environment variable VKMXP_ROOT, an absolute path, says when
+/// the object is made. A process whose installation is at neither begins with
 ///
 ///     VKConfiguration* configuration = VKConfiguration::getVKConfiguration();
 ///     configuration->setConfDirectory(root + "/config");

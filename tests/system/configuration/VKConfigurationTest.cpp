@@ -54,6 +54,23 @@ TEST_F(ConfigurationTest, FindsTheDirectoriesOfAnInstallationElsewhere)
     EXPECT_EQ(configuration.GetCABundlePath(), conf + "/../config/ca-bundle.crt");
 }
 
+/// Each case is a process of its own, since the configuration is made once.
+TEST(ConfigurationRoot, IsNamedByTheEnvironmentWhenThatIsAbsolute)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const std::pair<const char*, const char*> cases[] = {{"/srv/paging", "/srv/paging/"},
+                                                         {"/srv/paging/", "/srv/paging/"},
+                                                         {"srv", "/usr/local/vardock/"},
+                                                         {"", "/usr/local/vardock/"}};
+    for (const auto& [value, root] : cases) {
+        const auto rootWith = [value = value] {
+            setenv("VKMXP_ROOT", value, 1);
+            return VKConfiguration::getVKConfiguration()->getRootDirectory(false);
+        };
+        EXPECT_EXIT(_exit(rootWith() == root ? 0 : 1), testing::ExitedWithCode(0), "") << value;
+    }
+}
+
 TEST_F(ConfigurationTest, KeepsTheFirstLineOfTheVersion)
 {
     EXPECT_EQ(configuration.getProductVersion(true), "Unknown");
