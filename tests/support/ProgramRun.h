@@ -14,13 +14,17 @@ struct ProgramRun
     std::string out;
     std::string err;
 
-    /// Runs a program of the build folder to its end. Arguments may hold anything but single quotes.
+    /// Runs a program of the build folder to its end.
     static ProgramRun Of(const std::string& program, const std::vector<std::string>& arguments)
     {
         const TempDir dir;
         std::string line = "'" VK_BUILD_DIR "/" + program + "'";
-        for (const std::string& argument : arguments)
-            line += " '" + argument + "'";
+        for (const std::string& argument : arguments) {
+            line += " '";
+            for (const char c : argument)
+                line += c == '\'' ? std::string("'\\''") : std::string(1, c);
+            line += "'";
+        }
         line += " 2>'" + (dir / "err") + "' </dev/null";
         ProgramRun run;
         std::FILE* const pipe = popen(line.c_str(), "r");
