@@ -11,7 +11,7 @@ bool VKDBsystem::OpenSdb(const std::string& configDir, const std::string& dataRo
     sys_Config_Dir = configDir;
     data_Root_Dir = dataRootDir;
     if (directories != nullptr)
-        std::memcpy(directory_Pathes.data(), directories, directory_Pathes.size());
+        directory_Pathes = *directories;
     queue_Directory = queueDirectories;
     num_Queues = numQueues;
     event_Log = eventLog;
@@ -33,7 +33,6 @@ std::string VKDBsystem::GetDataConfigDir() const
 
 std::string VKDBsystem::GetStatisticsDir() const
 {
-    constexpr std::size_t kStatistics = 2048;
-    const char* text = directory_Pathes.data() + kStatistics;
-    return std::string(text, strnlen(text, 256));
+    const auto& path = directory_Pathes.stat_dir;
+    return std::string(path, strnlen(path, sizeof path));
 }

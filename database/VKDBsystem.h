@@ -1,10 +1,9 @@
 #pragma once
 
-#include <array>
 #include <string>
 
-struct VK_DIRECTORY_PATH;
-struct VK_QUEUE_DIRECTORY_PATH;
+#include "VKDirectoryPath.h"
+
 class VKsysEventLogInterface;
 
 /// Which database stores the entities.
@@ -39,7 +38,7 @@ public:
     static inline bool is_Open = false;
     static inline DbType db_Type = DbTypeNone;
     static inline VKsysEventLogInterface* event_Log = nullptr;
-    static inline std::array<char, 4096> directory_Pathes{}; ///< a VK_DIRECTORY_PATH, byte for byte
+    static inline VK_DIRECTORY_PATH directory_Pathes{};
     static inline std::string sys_Config_Dir;
     static inline std::string data_Root_Dir;
     static inline VK_QUEUE_DIRECTORY_PATH* queue_Directory = nullptr;

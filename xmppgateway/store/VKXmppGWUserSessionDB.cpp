@@ -1,5 +1,6 @@
 #include "VKXmppGWUserSessionDB.h"
 
+#include "VKConfiguration.h"
 #include "VKDBexception.h"
 #include "VKSQLite3Database.h"
 #include "VKSQLite3Dialect.h"
@@ -33,6 +34,11 @@ template <class... Values> std::string Statement(std::string_view pattern, const
 
 const VKSQLite3TableDesc VKXmppGWUserSessionDB::m_tTableDesc[1] = {
     {vk::kUserSessionTable.name.file, vk::SQLite3Columns<vk::kUserSessionTable>()}};
+
+VKXmppGWUserSessionDB::VKXmppGWUserSessionDB()
+    : VKXmppGWUserSessionDB(VKConfiguration::getVKConfiguration()->getRootDirectory(false))
+{
+}
 
 VKXmppGWUserSessionDB::VKXmppGWUserSessionDB(const std::string& rootDirectory)
     : m_strPath(VKioFile::CreatePath(rootDirectory, "temp"))

@@ -33,7 +33,9 @@ public:
         SortJid = 8
     };
 
-    /// Opens the file below an installation's root directory; never throws. What was wrong tells GetOpenError.
+    /// Opens the file below the root directory of this installation, or of another one; never throws. What was wrong
+    /// tells GetOpenError.
+    VKXmppGWUserSessionDB();
     explicit VKXmppGWUserSessionDB(const std::string& rootDirectory);
     VKXmppGWUserSessionDB(const VKXmppGWUserSessionDB&) = delete;
     VKXmppGWUserSessionDB& operator=(const VKXmppGWUserSessionDB&) = delete;

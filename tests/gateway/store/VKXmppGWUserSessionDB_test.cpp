@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "TempDir.h"
+#include "VKConfiguration.h"
 #include "VKDBexception.h"
 #include "VKSQLite3Database.h"
 #include "VKXmppGWUserSessionDB.h"
@@ -229,6 +230,14 @@ TEST_F(VKXmppGWUserSessionDBTest, PagesAreCountedFromOne)
     Store().SetFilterActivationIDs("100,101,102,103,104,105,106,107,108,109,110,111,112,113,114,115,116,117,118,119");
     EXPECT_EQ(View(), "");
     EXPECT_EQ(Store().GetPageCount(), 2);
+}
+
+TEST_F(VKXmppGWUserSessionDBTest, StandsBelowTheRootOfTheInstallation)
+{
+    std::filesystem::create_directory(dir / "config");
+    VKConfiguration::getVKConfiguration()->setConfDirectory(dir / "config");
+    Add(5, "ann", "ann@h");
+    EXPECT_TRUE(VKXmppGWUserSessionDB().DoesUserExist(5));
 }
 
 TEST_F(VKXmppGWUserSessionDBTest, AFileThatCannotBeOpenedMakesEveryAnswerFalse)

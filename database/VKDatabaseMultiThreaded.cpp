@@ -1,0 +1,101 @@
+#include "VKDatabaseMultiThreaded.h"
+
+#include <vector>
+
+#include "VKconCriticalSection.h"
+#include "VKconThread.h"
+
+/// \file
+/// Objects are taken out of the map under the lock and deleted after it: closing a file may take its time, and other
+/// threads need not wait for it.
+
+VKDatabaseMultiThreaded::VKDatabaseMultiThreaded(VKsysEventLogInterface* eventLog, bool multiThreaded)
+    : VKDatabase(eventLog, multiThreaded)
+{
+}
+
+VKDatabaseMultiThreaded::~VKDatabaseMultiThreaded() { VKDatabaseMultiThreaded::resetCache(); }
+
+/// The calling thread's entry; makes it when there is none, and lets go then of what ended threads left.
+ThreadDbConn& VKDatabaseMultiThreaded::MyEntry()
+{
+    const unsigned long thread = VKconThread::GetMyThreadID();
+    const auto found = m_mapThreads.find(thread);
+    if (found != m_mapThreads.end())
+        return found->second;
+    PurgeAllCache(true);
+    ++m_iCount;
+    return m_mapThreads[thread];
+}
+
+bool VKDatabaseMultiThreaded::isKeyInCache(const std::string& key)
+{
+    const vk::ScopedSection held(m_lock);
+    const auto found = m_mapThreads.find(VKconThread::GetMyThreadID());
+    return found != m_mapThreads.end() && found->second.cache.count(key) != 0;
+}
+
+std::unique_ptr<VKDBbaseInterface>* VKDatabaseMultiThreaded::getCacheLine(const std::string& key)
+{
+    const vk::ScopedSection held(m_lock);
+    return &MyEntry().cache[key].object;
+}
+
+void VKDatabaseMultiThreaded::setCacheLine(const std::string& key, VKDBbaseInterface* object)
+{
+    const vk::ScopedSection held(m_lock);
+    Store(MyEntry().cache[key], object);
+}
+
+void VKDatabaseMultiThreaded::setCacheLineExpiry(const std::string& key)
+{
+    const vk::ScopedSection held(m_lock);
+    Renew(MyEntry().cache[key]);
+}
+
+void VKDatabaseMultiThreaded::adjustCache()
+{
+    std::vector<Cache> old;
+    const vk::ScopedSection held(m_lock);
+    for (auto& [thread, entry] : m_mapThreads)
+        old.push_back(TakeOld(entry.cache));
+}
+
+void VKDatabaseMultiThreaded::PurgeAllCache(bool onlyEndedThreads)
+{
+    Threads gone;
+    const vk::ScopedSection held(m_lock);
+    if (onlyEndedThreads)
+        gone = TakeEnded();
+    else
+        gone.swap(m_mapThreads);
+    m_iCount = static_cast<int>(m_mapThreads.size());
+}
+
+VKDatabaseMultiThreaded::Threads VKDatabaseMultiThreaded::TakeEnded()
+{
+    Threads ended;
+    for (auto entry = m_mapThreads.begin(); entry != m_mapThreads.end();) {
+        const auto next = std::next(entry);
+        if (!VKconThread::IsThreadAlive(entry->first))
+            ended.insert(m_mapThreads.extract(entry));
+        entry = next;
+    }
+    return ended;
+}
+
+void VKDatabaseMultiThreaded::PurgeMyCache()
+{
+    Threads::node_type gone;
+    const vk::ScopedSection held(m_lock);
+    gone = m_mapThreads.extract(VKconThread::GetMyThreadID());
+    m_iCount = static_cast<int>(m_mapThreads.size());
+}
+
+void VKDatabaseMultiThreaded::resetCache() { PurgeAllCache(false); }
+
+int VKDatabaseMultiThreaded::GetThreadCount()
+{
+    const vk::ScopedSection held(m_lock);
+    return m_iCount;
+}
