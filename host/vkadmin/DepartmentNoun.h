@@ -1,0 +1,36 @@
+#pragma once
+
+#include "EntityNoun.h"
+#include "VKDBiDepartment.h"
+#include "VKDepartment.h"
+
+namespace vk {
+
+struct DepartmentNoun
+{
+    using Record = VK_DEPARTMENT;
+
+    static constexpr const char* kName = "department";
+    static constexpr const auto& kFields = kDepartmentTable.fields;
+    static constexpr const char* kColumns[] = {"id", "name", "max_receivers", "num_receivers", "description"};
+    static constexpr Slice<ColumnWords> kWords{};
+    static constexpr Slice<const char*> kSecrets{};
+
+    static VKDBiDepartment* Store(VKDatabase& database) { return database.getVKDBiDepartmentObject(); }
+
+    static bool Add(VKDBiDepartment& store, Record& department) { return store.Add(&department); }
+
+    template <class Visit>
+    static void ForEach(VKDBiDepartment& store, Visit&& visit)
+    {
+        VK_DEPARTMENT_LIST list;
+        const ListGuard<VK_DEPARTMENT_LIST, EmptyDepartmentList> guard{list};
+        store.Get(&list);
+        for (int i = 0; i < list.count; ++i)
+            visit(list.list[i]);
+    }
+
+    static void Empty(Record&) {}
+};
+
+} // namespace vk

@@ -1,0 +1,118 @@
+#pragma once
+
+#include "Options.h"
+#include "VKField.h"
+
+#include <json/json.h>
+
+#include <charconv>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+/// \file
+/// A record as an administrator sees it: each column of its table is an option of "add" and a key of the output, both
+/// under the column's name ("department_id", "--department-id"). Everything here is a walk over the record's field table.
+
+namespace vk {
+
+/// Words that stand for the numbers of a column.
+struct ColumnWords
+{
+    const char* column;
+    Slice<CodeText<int>> words;
+};
+
+inline std::string OptionOfColumn(const char* column)
+{
+    std::string option = std::string("--") + column;
+    for (char& c : option)
+        if (c == '_')
+            c = '-';
+    return option;
+}
+
+inline Slice<CodeText<int>> WordsOfColumn(Slice<ColumnWords> all, const char* column)
+{
+    for (const ColumnWords& entry : all)
+        if (std::strcmp(entry.column, column) == 0)
+            return entry.words;
+    return {};
+}
+
+/// Puts a text from the command line into a member. Throws UsageError that names the option.
+template <class Value>
+void SetFromText(Value& member, const std::string& text, const std::string& option)
+{
+    if constexpr (std::is_array_v<Value>) {
+        if (text.size() >= sizeof member)
+            throw UsageError(option + ": is longer than " + std::to_string(sizeof member - 1) + " bytes");
+        std::memcpy(member, text.c_str(), text.size() + 1);
+    } else if constexpr (std::is_same_v<Value, bool>) {
+        if (text != "true" && text != "false")
+            throw UsageError(option + ": '" + text + "' is neither true nor false");
+        member = text == "true";
+    } else if constexpr (std::is_integral_v<Value>) {
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), member);
+        if (error != std::errc() || end != text.data() + text.size())
+            throw UsageError(option + ": '" + text + "' is no whole number" + (std::is_unsigned_v<Value> ? " from 0" : ""));
+    } else if constexpr (std::is_same_v<Value, std::string>) {
+        member = text;
+    } else {
+        throw UsageError(option + " cannot be set");
+    }
+}
+
+/// Fills a record from the options that were given.
+template <class Fields, class Record>
+void FillFromOptions(const Fields& fields, Slice<ColumnWords> words, const Arguments& arguments, Record& record)
+{
+    ForEachField(fields, [&](const auto& row) {
+        const std::string option = OptionOfColumn(row.name);
+        if (!arguments.Has(option))
+            return;
+        std::string text = arguments.Text(option);
+        for (const auto& word : WordsOfColumn(words, row.name))
+            if (text == word.text)
+                text = std::to_string(word.code);
+        SetFromText(row.of(record), text, option);
+    });
+}
+
+template <class Value>
+Json::Value ValueToJson(const Value& member, Slice<CodeText<int>> words)
+{
+    if constexpr (std::is_array_v<Value>) {
+        return Json::Value(std::string(member, strnlen(member, sizeof member)));
+    } else if constexpr (std::is_pointer_v<Value>) {
+        return Json::Value(member == nullptr ? "" : member);
+    } else if constexpr (std::is_same_v<Value, bool> || std::is_same_v<Value, std::string>) {
+        return Json::Value(member);
+    } else {
+        for (const auto& word : words)
+            if (static_cast<long long>(member) == word.code)
+                return Json::Value(word.text);
+        if constexpr (std::is_unsigned_v<Value>)
+            return Json::Value(static_cast<Json::UInt64>(member));
+        else
+            return Json::Value(static_cast<Json::Int64>(member));
+    }
+}
+
+/// The record as the keys and values that are shown, in table order. Secrets are left out.
+template <class Fields, class Record>
+std::vector<std::pair<std::string, Json::Value>> ShownValues(const Fields& fields, Slice<ColumnWords> words,
+                                                             Slice<const char*> secrets, const Record& record)
+{
+    std::vector<std::pair<std::string, Json::Value>> values;
+    ForEachField(fields, [&](const auto& row) {
+        for (const char* secret : secrets)
+            if (std::strcmp(secret, row.name) == 0)
+                return;
+        values.emplace_back(row.name, ValueToJson(row.of(record), WordsOfColumn(words, row.name)));
+    });
+    return values;
+}
+
+} // namespace vk

@@ -1,0 +1,87 @@
+#include "DepartmentNoun.h"
+#include "InitCommand.h"
+#include "ReceiverNoun.h"
+#include "SessionCommands.h"
+
+namespace {
+
+using vk::Need;
+
+constexpr vk::Option kProgramOptions[] = {
+    {"--root", "DIR", "The installation root.", Need::Required},
+    {"--json", nullptr, "JSON, one object a line."},
+};
+
+constexpr vk::Option kSessionAdd[] = {
+    {"--user-id", "N", "The receiver's id.", Need::Required},
+    {"--jid", "JID", "The full JID with which its device is logged in.", Need::Required},
+    {"--user-name", "NAME", "A name for the list; the JID's user when not given."},
+};
+constexpr vk::Option kSessionRemove[] = {{"--jid", "JID", "The JID of the session.", Need::Required}};
+
+constexpr vk::Option kReceiverAdd[] = {
+    {"--name", "NAME", "Its name, unique.", Need::Required},
+    {"--pin", "PIN", "Its address on the carrier; the bare JID of a mobile device.", Need::Required},
+    {"--type", "TYPE", "What kind of device it is; alpha when not given.", Need::Optional, "alpha|numeric|two-way|fax"},
+    {"--description", "TEXT", "Free text."},
+    {"--email", "ADDRESS", "Its mail address."},
+    {"--department-id", "N", "The department that it belongs to."},
+    {"--carrier-id", "N", "Its carrier."},
+};
+constexpr vk::Option kDepartmentAdd[] = {
+    {"--name", "NAME", "Its name, unique.", Need::Required},
+    {"--description", "TEXT", "Free text."},
+    {"--max-receivers", "N", "How many receivers it may have."},
+};
+constexpr vk::Option kShow[] = {
+    {"--id", "N", "The one with this id."},
+    {"--name", "NAME", "The one with this name, letters of either case."},
+};
+
+using Receivers = vk::EntityVerbs<vk::ReceiverNoun>;
+using Departments = vk::EntityVerbs<vk::DepartmentNoun>;
+
+constexpr vk::Command kCommands[] = {
+    {"init", "Makes a new root: its directories and the files \"dir\", \"datasource\" (embedded files), \"version\" and "
+             "\"vklogs.ini\". An existing one is not touched.", {}, &vk::RunInit},
+    {"session add", "Enters a device as logged in, as a gateway does.", kSessionAdd, &vk::AddSession},
+    {"session list", "Lists the devices that are logged in.", {}, &vk::ListSessions},
+    {"session remove", "Takes a device out.", kSessionRemove, &vk::RemoveSession},
+    {"receiver add", "Adds a receiver and prints its id.", kReceiverAdd, &Receivers::Add},
+    {"receiver show", "Shows all of one receiver but its secrets.", kShow, &Receivers::Show},
+    {"receiver list", "Lists all receivers by name.", {}, &Receivers::List},
+    {"department add", "Adds a department and prints its id.", kDepartmentAdd, &Departments::Add},
+    {"department show", "Shows all of one department.", kShow, &Departments::Show},
+    {"department list", "Lists all departments by name.", {}, &Departments::List},
+};
+
+constexpr vk::ManualSection kSections[] = {
+    {"EXIT STATUS",
+     "0  done\n"
+     "1  the record is refused or is not there\n"
+     "2  the call or the root is wrong; nothing was done\n"
+     "3  the database cannot be opened or used"},
+    {"FILES",
+     "DIR/config/dir         where the queues are\n"
+     "DIR/config/datasource  which database it is\n"
+     "DIR/config/vklogs.ini  what is logged, and where\n"
+     "DIR/config/*.sdb       the embedded database files\n"
+     "DIR/temp/xmpp_user_sessions.sdb  who is logged in"},
+    {"EXAMPLE",
+     "vkadmin --root /srv/paging init\n"
+     "vkadmin --root /srv/paging receiver add --name Alice --pin alice@example.org --type two-way\n"
+     "vkadmin --root /srv/paging session add --user-id 1 --jid alice@example.org/mxp"},
+};
+
+constexpr vk::Program kProgram = {
+    "vkadmin",
+    "the administrator's tool",
+    "Makes an installation root and looks after what is stored in it.",
+    kProgramOptions,
+    kCommands,
+    kSections,
+};
+
+} // namespace
+
+int main(int argc, char** argv) { return vk::RunProgram(kProgram, argc, argv); }
