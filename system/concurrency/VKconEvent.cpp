@@ -4,6 +4,7 @@
 #include "VKsystemError.h"
 #include "VKthread.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <sched.h>
 #include <sys/time.h>
@@ -26,6 +27,7 @@ timespec Deadline(int ms)
     constexpr long kBillion = 1000000000;
     timeval now{};
     gettimeofday(&now, nullptr);
+    ms = std::max(ms, 0);
     // Meant: the remainder in milliseconds is added to the microseconds as it is, unscaled.
     const long nanoseconds = (now.tv_usec + ms % 1000) * 1000L;
     timespec deadline{};

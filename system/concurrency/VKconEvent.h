@@ -43,8 +43,8 @@ private:
     bool m_bManualReset;
     pthread_cond_t m_condition;
     pthread_mutex_t m_mutex;
-    bool m_bAlwaysTrue = false; ///< set when the event is created or reset; nothing reads it
-    bool m_bSignalled = false;  ///< guarded by m_mutex
-    bool m_bClosing = false;    ///< guarded by m_mutex: the destructor runs, waiters leave
+    bool m_bAlwaysTrue = false;   ///< set when the event is created or reset; nothing reads it
+    bool m_bSignalled = false;    ///< guarded by m_mutex
+    bool m_bClosing = false;      ///< guarded by m_mutex: the destructor runs, waiters leave
     std::atomic<int> m_inside{0}; ///< threads inside Wait and Broadcast, for the destructor
 };

@@ -41,8 +41,7 @@ void Replace(VKioFile& file, std::string_view content)
 }
 
 /// Runs `read` on the opened and locked file; false when any of it fails.
-template <class Read>
-bool ReadLocked(const std::string& path, Read read)
+template <class Read> bool ReadLocked(const std::string& path, Read read)
 {
     try {
         VKioFile file(path);

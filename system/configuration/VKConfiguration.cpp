@@ -24,9 +24,9 @@ std::string InstallationPath()
     return root != nullptr && root[0] == '/' ? root : kInstallationPath;
 }
 
-constexpr vk::CodeText<unsigned int> kDeviceTypes[] = {
-    {1, "Receiver"}, {2, "Group"},     {3, "On-duty"},     {4, "Escalation"},
-    {6, "Rotate"},   {7, "Follow-me"}, {8, "Subscription"}};
+constexpr vk::CodeText<unsigned int> kDeviceTypes[] = {{1, "Receiver"},    {2, "Group"},  {3, "On-duty"},
+                                                       {4, "Escalation"},  {6, "Rotate"}, {7, "Follow-me"},
+                                                       {8, "Subscription"}};
 
 } // namespace
 

@@ -19,8 +19,8 @@
 /// pointer test. Records belong to this object, which is never deleted.
 ///
 /// Threads share the kept records, and a forced read rewrites them in place: force a read only at set-up, from one
-/// thread. Nothing is thrown or logged, for this class runs before any logger exists: what cannot be read is null, empty
-/// or the defaults. Files are locked, shared to read and exclusive to write.
+/// thread. Nothing is thrown or logged, for this class runs before any logger exists: what cannot be read is null,
+/// empty or the defaults. Files are locked, shared to read and exclusive to write.
 ///
 /// The installation stands at the fixed path, or where the environment variable VKMXP_ROOT, an absolute path, says when
 /// the object is made. A process whose installation is at neither begins with
@@ -85,8 +85,8 @@ public:
     VK_SYSTEM_ATTENDANT_SETTINGS* getSystemAttendantSettings(bool force);
     bool setSystemAttendantSettings();
 
-    /// Reads the file "device_status_config" into a list, whose old elements are freed. False, with the list empty, when
-    /// it cannot be read.
+    /// Reads the file "device_status_config" into a list, whose old elements are freed. False, with the list empty,
+    /// when it cannot be read.
     bool getDeviceStatusList(VK_DEVICE_STATUS_LIST* list);
 
     /// Reads the serial lines from the XML file at `path`, or from the file "ports" when that is a directory, into a
@@ -129,8 +129,7 @@ private:
     };
 
     /// A record that is read once and rewritten in place by forced reads. Its address stays.
-    template <class Record>
-    class Kept
+    template <class Record> class Kept
     {
     public:
         Kept() = default;

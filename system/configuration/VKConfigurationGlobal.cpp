@@ -9,8 +9,7 @@
 
 namespace {
 
-template <class Row, class Value>
-constexpr bool kHas = std::decay_t<Row>::template has<Value>;
+template <class Row, class Value> constexpr bool kHas = std::decay_t<Row>::template has<Value>;
 
 void SetDefaults(VK_GLOBAL_SETTINGS& settings)
 {
@@ -77,9 +76,9 @@ bool VKConfiguration::WriteGlobalSettings(const VK_GLOBAL_SETTINGS& settings)
     content.append(reinterpret_cast<const char*>(&settings), sizeof settings);
     bool written = vk::WriteConfigurationFile(ConfPath("global"), content);
     if (settings.cluster_enabled) // of the cluster's settings only the switch stands at a place that is known here
-        written = vk::WriteConfigurationFile(ConfPath("vdk_cluster.cfg"),
-                                             printfToString("%u\n", settings.cluster_enabled)) &&
-                  written;
+        written =
+            vk::WriteConfigurationFile(ConfPath("vdk_cluster.cfg"), printfToString("%u\n", settings.cluster_enabled)) &&
+            written;
     return written;
 }
 

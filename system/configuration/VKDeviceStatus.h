@@ -36,11 +36,11 @@ struct TrueWord
 };
 
 /// The keys of the file; the first one begins a group.
-inline constexpr auto kDeviceStatusFields = Fields(
-    Field<&VK_DEVICE_STATUS::status_code>("status_code:"), Field<&VK_DEVICE_STATUS::status_name>("status_name:"),
-    Field<&VK_DEVICE_STATUS::status_desp>("status_desp:"),
-    Field<&VK_DEVICE_STATUS::status_disabled>("status_disabled:", TrueWord{"ON"}),
-    Field<&VK_DEVICE_STATUS::allow_cover_by>("allow_cover_by:", TrueWord{"1"}),
-    Field<&VK_DEVICE_STATUS::force_cover_by>("force_cover_by:", TrueWord{"1"}));
+inline constexpr auto kDeviceStatusFields =
+    Fields(Field<&VK_DEVICE_STATUS::status_code>("status_code:"), Field<&VK_DEVICE_STATUS::status_name>("status_name:"),
+           Field<&VK_DEVICE_STATUS::status_desp>("status_desp:"),
+           Field<&VK_DEVICE_STATUS::status_disabled>("status_disabled:", TrueWord{"ON"}),
+           Field<&VK_DEVICE_STATUS::allow_cover_by>("allow_cover_by:", TrueWord{"1"}),
+           Field<&VK_DEVICE_STATUS::force_cover_by>("force_cover_by:", TrueWord{"1"}));
 
 } // namespace vk

@@ -34,7 +34,7 @@ struct VK_GLOBAL_SETTINGS
     std::uint8_t reserved_1916[396];
     std::int32_t value_2312;
     std::uint8_t reserved_2316[948];
-    std::int32_t max_members;    ///< how many receivers a department may have
+    std::int32_t max_members;     ///< how many receivers a department may have
     std::uint32_t receiver_limit; ///< whether that limit holds
     std::uint8_t reserved_3272[516];
     std::uint32_t count_groups; ///< whether groups count as members too
@@ -48,7 +48,8 @@ struct VK_GLOBAL_SETTINGS
 };
 static_assert(sizeof(VK_GLOBAL_SETTINGS) == 6360 && std::is_trivially_copyable_v<VK_GLOBAL_SETTINGS>);
 static_assert(offsetof(VK_GLOBAL_SETTINGS, value_28) == 28 && offsetof(VK_GLOBAL_SETTINGS, value_548) == 548 &&
-              offsetof(VK_GLOBAL_SETTINGS, cluster_enabled) == 568 && offsetof(VK_GLOBAL_SETTINGS, value_1884) == 1884 &&
+              offsetof(VK_GLOBAL_SETTINGS, cluster_enabled) == 568 &&
+              offsetof(VK_GLOBAL_SETTINGS, value_1884) == 1884 &&
               offsetof(VK_GLOBAL_SETTINGS, cover_by_allowed) == 1912 &&
               offsetof(VK_GLOBAL_SETTINGS, value_2312) == 2312 && offsetof(VK_GLOBAL_SETTINGS, max_members) == 3264 &&
               offsetof(VK_GLOBAL_SETTINGS, receiver_limit) == 3268 &&
@@ -64,8 +65,7 @@ struct VK_SYSTEM_ATTENDANT_SETTINGS
 namespace vk {
 
 /// Mark: what the field holds when there is no file.
-template <class Value>
-struct Default
+template <class Value> struct Default
 {
     Value value;
 };
@@ -78,8 +78,7 @@ struct Range
     std::int64_t otherwise;
 };
 
-template <auto Member, class... Marks>
-constexpr auto Setting(const char* offset, std::uint32_t value, Marks... marks)
+template <auto Member, class... Marks> constexpr auto Setting(const char* offset, std::uint32_t value, Marks... marks)
 {
     return Field<Member>(offset, Default<std::uint32_t>{value}, marks...);
 }
@@ -87,18 +86,18 @@ constexpr auto Setting(const char* offset, std::uint32_t value, Marks... marks)
 inline constexpr std::int64_t kNoLimit = std::numeric_limits<std::int64_t>::max();
 
 /// Defaults and range checks of the fields that have some; a row's name is its offset.
-inline constexpr auto kGlobalFields = Fields(
-    Setting<&VK_GLOBAL_SETTINGS::value_4>("4", 200), Setting<&VK_GLOBAL_SETTINGS::value_8>("8", 20),
-    Setting<&VK_GLOBAL_SETTINGS::value_12>("12", 10), Setting<&VK_GLOBAL_SETTINGS::value_24>("24", 50),
-    Setting<&VK_GLOBAL_SETTINGS::value_28>("28", 1000),
-    Setting<&VK_GLOBAL_SETTINGS::value_548>("548", 100, Range{0, 1000, 200}),
-    Setting<&VK_GLOBAL_SETTINGS::value_552>("552", 100, Range{0, 1000, 200}),
-    Setting<&VK_GLOBAL_SETTINGS::value_556>("556", 1, Range{1, kNoLimit, 1}),
-    Setting<&VK_GLOBAL_SETTINGS::value_560>("560", 1), Setting<&VK_GLOBAL_SETTINGS::value_564>("564", 30),
-    Setting<&VK_GLOBAL_SETTINGS::value_1880>("1880", 30), Setting<&VK_GLOBAL_SETTINGS::value_1884>("1884", 500),
-    Setting<&VK_GLOBAL_SETTINGS::value_2312>("2312", 3, Range{3, kNoLimit, 3}),
-    Setting<&VK_GLOBAL_SETTINGS::value_3996>("3996", 10), Setting<&VK_GLOBAL_SETTINGS::value_4000>("4000", 2),
-    Field<&VK_GLOBAL_SETTINGS::text_4004>("4004", Default<const char*>{"FFFFFF"}),
-    Setting<&VK_GLOBAL_SETTINGS::value_4104>("4104", 10, Range{1, 100, 10}));
+inline constexpr auto kGlobalFields =
+    Fields(Setting<&VK_GLOBAL_SETTINGS::value_4>("4", 200), Setting<&VK_GLOBAL_SETTINGS::value_8>("8", 20),
+           Setting<&VK_GLOBAL_SETTINGS::value_12>("12", 10), Setting<&VK_GLOBAL_SETTINGS::value_24>("24", 50),
+           Setting<&VK_GLOBAL_SETTINGS::value_28>("28", 1000),
+           Setting<&VK_GLOBAL_SETTINGS::value_548>("548", 100, Range{0, 1000, 200}),
+           Setting<&VK_GLOBAL_SETTINGS::value_552>("552", 100, Range{0, 1000, 200}),
+           Setting<&VK_GLOBAL_SETTINGS::value_556>("556", 1, Range{1, kNoLimit, 1}),
+           Setting<&VK_GLOBAL_SETTINGS::value_560>("560", 1), Setting<&VK_GLOBAL_SETTINGS::value_564>("564", 30),
+           Setting<&VK_GLOBAL_SETTINGS::value_1880>("1880", 30), Setting<&VK_GLOBAL_SETTINGS::value_1884>("1884", 500),
+           Setting<&VK_GLOBAL_SETTINGS::value_2312>("2312", 3, Range{3, kNoLimit, 3}),
+           Setting<&VK_GLOBAL_SETTINGS::value_3996>("3996", 10), Setting<&VK_GLOBAL_SETTINGS::value_4000>("4000", 2),
+           Field<&VK_GLOBAL_SETTINGS::text_4004>("4004", Default<const char*>{"FFFFFF"}),
+           Setting<&VK_GLOBAL_SETTINGS::value_4104>("4104", 10, Range{1, 100, 10}));
 
 } // namespace vk

@@ -20,8 +20,7 @@ int Fail(int code)
 }
 
 /// Repeats a system call that a signal interrupted.
-template <class Call>
-auto Uninterrupted(Call call)
+template <class Call> auto Uninterrupted(Call call)
 {
     auto result = call();
     while (result == -1 && errno == EINTR)
@@ -37,8 +36,7 @@ bool SameFile(int fd, const char* path)
 }
 
 /// Moves whole items, through short reads and writes.
-template <class Move>
-ssize_t MoveItems(std::size_t size, std::size_t count, Move move)
+template <class Move> ssize_t MoveItems(std::size_t size, std::size_t count, Move move)
 {
     const std::size_t whole = size * count;
     std::size_t done = 0;
@@ -61,10 +59,16 @@ int VKfileFOpen(const char* path, const char* mode)
         return Fail(EINVAL);
     int flags = std::strchr(mode, '+') ? O_RDWR : mode[0] == 'r' ? O_RDONLY : O_WRONLY;
     switch (mode[0]) {
-    case 'r': break;
-    case 'w': flags |= O_CREAT | O_TRUNC; break;
-    case 'a': flags |= O_CREAT | O_APPEND; break;
-    default: return Fail(EINVAL);
+    case 'r':
+        break;
+    case 'w':
+        flags |= O_CREAT | O_TRUNC;
+        break;
+    case 'a':
+        flags |= O_CREAT | O_APPEND;
+        break;
+    default:
+        return Fail(EINVAL);
     }
     return open(path, flags | O_CLOEXEC, 0666);
 }

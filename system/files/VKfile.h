@@ -23,8 +23,8 @@ off_t VKfileFSeek(int fd, off_t offset, int whence);
 ssize_t VKfileFRead(void* buffer, std::size_t size, std::size_t count, int fd);
 ssize_t VKfileFWrite(const void* buffer, std::size_t size, std::size_t count, int fd);
 
-/// Reads byte by byte, up to and with the line feed, at most size - 1 bytes, and ends the text with a 0. Null at the end
-/// of the file with nothing read, and on failure.
+/// Reads byte by byte, up to and with the line feed, at most size - 1 bytes, and ends the text with a 0. Null at the
+/// end of the file with nothing read, and on failure.
 char* VKfileFGets(char* buffer, int size, int fd);
 
 /// Write a text; the number of bytes.
@@ -77,16 +77,17 @@ bool VKfileCheckDir(const char* directory, const char* name);
 /// What a search found.
 struct finddata_t
 {
-    char name[256];    ///< without the directory
+    char name[256]; ///< without the directory
     bool directory;
-    off_t size;        ///< in bytes
+    off_t size; ///< in bytes
     time_t modified;
 };
 
 /// A search through a directory, owned by the caller and ended with VKfileFindClose. One thread at a time.
 struct file_find_t;
 
-/// The first entry of the directory that matches the pattern, in which "*" stands for any text. Null when there is none.
+/// The first entry of the directory that matches the pattern, in which "*" stands for any text. Null when there is
+/// none.
 file_find_t* VKfileFindFirst(const char* directory, const char* pattern, finddata_t* found);
 /// The next one: 0, or -1 when there are no more.
 int VKfileFindNext(file_find_t* search, finddata_t* found);

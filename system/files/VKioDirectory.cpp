@@ -33,7 +33,7 @@ std::vector<std::string> Names(const std::string& path, const std::string& patte
         errno = 0;
     }
     if (errno != 0)
-        throw VKioException(path, "../src/VKioDirectory.cpp", __LINE__, "Read Directory Failed", VKgetLastError());
+        throw VKioException(path, "../src/VKioDirectory", __LINE__, "Read Directory Failed", VKgetLastError());
     std::sort(names.begin(), names.end());
     return names;
 }
@@ -42,11 +42,12 @@ int List(const std::string& path, VKioFileList& list, const std::string& pattern
 {
     const std::vector<std::string> names = Names(path, pattern, kinds);
     const std::size_t begin = std::min(names.size(), static_cast<std::size_t>(std::max(skip, 0)));
-    const std::size_t count = limit > 0 ? std::min(names.size() - begin, static_cast<std::size_t>(limit))
-                                        : names.size() - begin;
+    const std::size_t count =
+        limit > 0 ? std::min(names.size() - begin, static_cast<std::size_t>(limit)) : names.size() - begin;
     list.reserve(list.size() + count);
     for (std::size_t i = begin; i < begin + count; ++i)
-        list.push_back(std::make_unique<VKioFile>(VKioFile::CreatePath(path, names[i])).release()); // the list's owner's
+        list.push_back(
+            std::make_unique<VKioFile>(VKioFile::CreatePath(path, names[i])).release()); // the list's owner's
     return static_cast<int>(count);
 }
 
@@ -176,7 +177,8 @@ int VKioDirectory::GetFiles(VKioFileList& list, const std::string& pattern, int 
     return GetFiles(m_strPath, list, pattern, skip, limit);
 }
 
-int VKioDirectory::GetFiles(const std::string& path, VKioFileList& list, const std::string& pattern, int skip, int limit)
+int VKioDirectory::GetFiles(const std::string& path, VKioFileList& list, const std::string& pattern, int skip,
+                            int limit)
 {
     return List(path, list, pattern, skip, limit, Kinds::FilesOnly);
 }

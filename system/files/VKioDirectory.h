@@ -30,8 +30,9 @@ public:
     /// Copies the tree below `from`, but its locks, into `to`, which is made when it is missing and may not lie inside.
     static bool Copy(const std::string& from, const std::string& to);
 
-    /// Takes the directory's lock against all who use it: mode 'r' shared, 'w' exclusive. Throws "File Lock Failed" when
-    /// it is not free and `wait` is false. One thread at a time holds it; it may take it again, one Unlock ends it.
+    /// Takes the directory's lock against all who use it: mode 'r' shared, 'w' exclusive. Throws "File Lock Failed"
+    /// when it is not free and `wait` is false. One thread at a time holds it; it may take it again, one Unlock ends
+    /// it.
     void Lock(char mode, bool wait);
     void Unlock();
 
@@ -44,7 +45,8 @@ public:
     int GetFiles(VKioFileList& list, const std::string& pattern, int skip, int limit) const;
     static int GetFiles(const std::string& path, VKioFileList& list, const std::string& pattern, int skip, int limit);
     int GetAllFiles(VKioFileList& list, const std::string& pattern, int skip, int limit) const;
-    static int GetAllFiles(const std::string& path, VKioFileList& list, const std::string& pattern, int skip, int limit);
+    static int GetAllFiles(const std::string& path, VKioFileList& list, const std::string& pattern, int skip,
+                           int limit);
 
 private:
     std::unique_ptr<VKioFile> OpenLockFile(char mode) const;

@@ -38,7 +38,7 @@ void VKioFile::ReleaseThread()
 /// Throws with the text of errno.
 void VKioFile::Fail(int line, const char* message) const
 {
-    throw VKioException(m_strPath, "../src/VKioFile.cpp", line, message, VKgetLastError());
+    throw VKioException(m_strPath, "../src/VKioFile", line, message, VKgetLastError());
 }
 
 void VKioFile::NeedStream(int line, const char* message) const

@@ -15,7 +15,7 @@ namespace {
 
 [[noreturn]] void FailOn(const std::string& path, int line, const char* message)
 {
-    throw VKioException(path, "../src/VKioFile.cpp", line, message, VKgetLastError());
+    throw VKioException(path, "../src/VKioFile", line, message, VKgetLastError());
 }
 
 struct stat FactsOf(const std::string& path)

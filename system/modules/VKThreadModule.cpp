@@ -11,8 +11,7 @@
 namespace {
 
 /// Runs a part of the thread's work; what it throws is logged and ends there.
-template <class Work>
-void RunGuarded(VKLogInterface* logger, Work work)
+template <class Work> void RunGuarded(VKLogInterface* logger, Work work)
 {
     try {
         work();
@@ -40,8 +39,7 @@ VKThreadModule::~VKThreadModule()
 }
 
 /// Makes an object that lives as long as the module.
-template <class T, class... Arguments>
-T* VKThreadModule::Hold(const char* failure, Arguments... arguments)
+template <class T, class... Arguments> T* VKThreadModule::Hold(const char* failure, Arguments... arguments)
 {
     auto object = std::unique_ptr<T>(new (std::nothrow) T(arguments...));
     if (!object)

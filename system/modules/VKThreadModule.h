@@ -58,8 +58,7 @@ protected:
     VKconEvent* m_pStoppedEvent = nullptr; ///< the thread has done its work
 
 private:
-    template <class T, class... Arguments>
-    T* Hold(const char* failure, Arguments... arguments);
+    template <class T, class... Arguments> T* Hold(const char* failure, Arguments... arguments);
 
     std::vector<std::unique_ptr<VKobject>> m_held; ///< owns the three above, those of an earlier start too
 };

@@ -83,7 +83,10 @@ TEST(VKconLock, IsRecursiveAndKeepsOtherThreadsOut)
     EXPECT_EQ(seen, 1);
     EXPECT_EQ(lock.Unlock(), 0);
     EXPECT_EQ(lock.Unlock(), 0);
-    std::thread([&] { seen = lock.TryLock(); lock.Unlock(); }).join();
+    std::thread([&] {
+        seen = lock.TryLock();
+        lock.Unlock();
+    }).join();
     EXPECT_EQ(seen, 0);
 }
 

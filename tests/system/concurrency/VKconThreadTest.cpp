@@ -53,7 +53,10 @@ TEST_F(VKconThreadTest, RunsTheDelegateWithItsUserDataAndForgetsTheThread)
 {
     std::atomic<unsigned long> seen{0};
     VKconThread thread;
-    Work work([&](void* data) { *static_cast<int*>(data) = 7; seen = thread.GetThreadID(); });
+    Work work([&](void* data) {
+        *static_cast<int*>(data) = 7;
+        seen = thread.GetThreadID();
+    });
     int value = 0;
     work.SetUserData(&value);
     EXPECT_EQ(thread.GetThreadID(), kNoThread);
@@ -212,8 +215,7 @@ TEST_F(VKconThreadTest, KnowsWhichThreadsAreAlive)
 TEST(VKconException, TellsWhereAndWhy)
 {
     const VKconException failure(4294967295UL, "a.cpp", 12, "Lock failed", "Busy");
-    EXPECT_EQ(failure.ToString(),
-              "Exception raised! ThreadID[-1] File[a.cpp] Line[12] Msg[Lock failed] SysMsg[Busy]");
+    EXPECT_EQ(failure.ToString(), "Exception raised! ThreadID[-1] File[a.cpp] Line[12] Msg[Lock failed] SysMsg[Busy]");
     EXPECT_STREQ(static_cast<const std::exception&>(failure).what(), std::exception().what());
     EXPECT_EQ(VKException("b.cpp", 3, "m").ToString(), "Exception raised! File[b.cpp] Line[3] Msg[m] SysMsg[]");
     errno = EACCES;

@@ -91,13 +91,17 @@ TEST_F(ConfigurationTest, ReadsDirectoriesAndQueues)
                  "snmp_spool_dir:\t/var/snmp \r\n"
                  "log_directory of old\t/var/log\n"
                  "fax_dir:/no/tab\n"
-                 "waiting_dir:\t\t" + std::string(300, 'w') + "\n"
-                 "  7\tbeta\t/queue/b  \n"
-                 "8\tAlpha\t/queue/a\n"
-                 "0\tnone\t/queue/0\n"
-                 "9\tno path\n"
-                 "-3\t" + std::string(60, 'z') + "\t/queue/z\n"
-                 "\n");
+                 "waiting_dir:\t\t" +
+                     std::string(300, 'w') +
+                     "\n"
+                     "  7\tbeta\t/queue/b  \n"
+                     "8\tAlpha\t/queue/a\n"
+                     "0\tnone\t/queue/0\n"
+                     "9\tno path\n"
+                     "-3\t" +
+                     std::string(60, 'z') +
+                     "\t/queue/z\n"
+                     "\n");
     const VK_DIRECTORY_PATH& directory = *configuration.getDirectory(true);
     EXPECT_STREQ(directory.spool_dir, "/var/snmp") << "the second key overrides the first";
     EXPECT_STREQ(directory.snmp_spool_dir, "");
@@ -179,9 +183,9 @@ TEST_F(ConfigurationTest, ChecksTheRangesOfTheGlobalSettings)
     {
         std::size_t offset;
         std::uint32_t stored, read;
-    } cases[] = {{548, 5000, 200},      {548, 1000, 1000}, {552, 1001, 200}, {556, 0, 1},     {556, 7, 7},
-                 {2312, 2, 3},          {2312, 4, 4},      {2312, 0xffffffff, 3}, {4104, 0, 10}, {4104, 101, 10},
-                 {4104, 100, 100},      {4, 0, 0}};
+    } cases[] = {{548, 5000, 200}, {548, 1000, 1000}, {552, 1001, 200}, {556, 0, 1},
+                 {556, 7, 7},      {2312, 2, 3},      {2312, 4, 4},     {2312, 0xffffffff, 3},
+                 {4104, 0, 10},    {4104, 101, 10},   {4104, 100, 100}, {4, 0, 0}};
     for (const auto& one : cases) {
         Write("global", GlobalFile({{one.offset, one.stored}}));
         const auto* bytes = reinterpret_cast<const char*>(configuration.getGlobalSettings(true));
@@ -197,8 +201,8 @@ TEST_F(ConfigurationTest, WritesTheDefaultsOfANewInstallation)
     const std::string content = Read("global");
     ASSERT_EQ(content.size(), 32U + 6360U);
     const std::pair<std::size_t, std::uint32_t> defaults[] = {
-        {4, 200},  {8, 20},   {12, 10},   {24, 50},    {28, 1000}, {548, 100}, {552, 100}, {556, 1},  {560, 1},
-        {564, 30}, {568, 0},  {1880, 30}, {1884, 500}, {2312, 3},  {3996, 10}, {4000, 2},  {4104, 10}};
+        {4, 200},  {8, 20},  {12, 10},   {24, 50},    {28, 1000}, {548, 100}, {552, 100}, {556, 1},  {560, 1},
+        {564, 30}, {568, 0}, {1880, 30}, {1884, 500}, {2312, 3},  {3996, 10}, {4000, 2},  {4104, 10}};
     for (const auto& [offset, expected] : defaults) {
         std::uint32_t value = 0;
         std::memcpy(&value, content.data() + 32 + offset, sizeof value);
@@ -277,8 +281,10 @@ TEST_F(ConfigurationTest, ReadsDeviceStatuses)
     EXPECT_FALSE(configuration.getDeviceStatusList(&list));
     Write("device_status_config", "status_name: lost\nstatus_code:\t1\nstatus_name:\tOn duty\nstatus_desp: reachable\n"
                                   "status_disabled: OFF\nallow_cover_by: 1\n\n"
-                                  "status_code: 2\nstatus_name: " + std::string(80, 'n') + "\nstatus_disabled: ON\n"
-                                  "allow_cover_by: 0\nforce_cover_by:1\n");
+                                  "status_code: 2\nstatus_name: " +
+                                      std::string(80, 'n') +
+                                      "\nstatus_disabled: ON\n"
+                                      "allow_cover_by: 0\nforce_cover_by:1\n");
     ASSERT_TRUE(configuration.getDeviceStatusList(&list));
     VK_DEVICE_STATUS_LIST copy;
     DuplicateDeviceStatusList(&copy, &list);

@@ -23,8 +23,9 @@ TEST(VKfileFOpen, ModesSelectFlags)
                  {"rb+", false, true, true, true}, {"w", true, false, true, false},  {"w+", true, true, true, false},
                  {"a", true, false, true, true},   {"a+", true, true, true, true}};
     for (const auto& one : cases) {
-        EXPECT_EQ(static_cast<bool>(vk::FileHandle(VKfileFOpen((dir / (std::string("new") + one.mode)).c_str(), one.mode))),
-                  one.opensMissing)
+        EXPECT_EQ(
+            static_cast<bool>(vk::FileHandle(VKfileFOpen((dir / (std::string("new") + one.mode)).c_str(), one.mode))),
+            one.opensMissing)
             << one.mode;
         const std::string path = dir.Write("old", "content");
         const vk::FileHandle file(VKfileFOpen(path.c_str(), one.mode));

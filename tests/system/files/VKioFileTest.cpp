@@ -184,12 +184,24 @@ TEST(VKioFile, NamesMatchPatterns)
         const char* pattern;
         bool matches;
     } cases[] = {
-        {"job.msg", "*", true},         {"job.msg", "job.msg", true},  {"job.msg", "job", false},
-        {"job.msg", "*.msg", true},     {"job.msg", "job*", true},     {"job.msg", "msg*", false},
-        {"job.msg", "*ob*ms*", true},   {"job.msg", "*ms*ob*", false}, {"job.msg", "j**g", true},
-        {"a", "a*a", false},            {"aa", "a*a", true},           {"ababc", "*abc", true},
-        {"axbxc", "a*b*c", true},       {"axbx", "a*b*c", false},      {"JOB", "job", false},
-        {"", "*", false},               {"a", "", false},              {nullptr, "*", false},
+        {"job.msg", "*", true},
+        {"job.msg", "job.msg", true},
+        {"job.msg", "job", false},
+        {"job.msg", "*.msg", true},
+        {"job.msg", "job*", true},
+        {"job.msg", "msg*", false},
+        {"job.msg", "*ob*ms*", true},
+        {"job.msg", "*ms*ob*", false},
+        {"job.msg", "j**g", true},
+        {"a", "a*a", false},
+        {"aa", "a*a", true},
+        {"ababc", "*abc", true},
+        {"axbxc", "a*b*c", true},
+        {"axbx", "a*b*c", false},
+        {"JOB", "job", false},
+        {"", "*", false},
+        {"a", "", false},
+        {nullptr, "*", false},
         {"a", nullptr, false},
     };
     for (const auto& one : cases)

@@ -87,7 +87,8 @@ TEST(VKThreadModule, WhatTheBodyThrowsIsLoggedAndTheThreadStillFinishes)
          "Concurrency exception occurred: Exception raised! ThreadID[1] File[a.cpp] Line[2] Msg[Lock failed] "
          "SysMsg[Busy]"},
         {[](Module&) { throw VKioException("/p", "a.cpp", 2, "File Open Failed", "Gone"); },
-         "I/O exception occurred: Exception raised! IO path[/p] File[a.cpp] Line[2] Msg[File Open Failed] SysMsg[Gone]"},
+         "I/O exception occurred: Exception raised! IO path[/p] File[a.cpp] Line[2] Msg[File Open Failed] "
+         "SysMsg[Gone]"},
         {[](Module&) { throw std::runtime_error("odd"); }, "General exception occurred: odd"},
         {[](Module&) { throw VKException("hidden"); }, "General exception occurred: std::exception"},
         {[](Module&) { throw 7; }, "Unknown exception occurred."},
