@@ -6,30 +6,34 @@ bool LogWrite(VKLogInterface& logger, VKLogInterface::LogLevel level, LogPlace p
 {
     char* file = const_cast<char*>(place.file); // the interface's slots take it so, and do not write to it
     switch (level) {
-    case VKLogInterface::NONE: return false;
-    case VKLogInterface::TRACE: return logger.WriteTrace(message, place.line, file);
-    case VKLogInterface::DEBUG: return logger.WriteDebug(message, place.line, file);
-    case VKLogInterface::INFO: return logger.WriteInfo(message, place.line, file);
-    case VKLogInterface::WARN: return logger.WriteWarn(message, place.line, file);
-    case VKLogInterface::ERROR: return logger.WriteError(message, place.line, file);
-    case VKLogInterface::CRITICAL: return logger.WriteCritical(message, place.line, file);
-    case VKLogInterface::FATAL: return logger.WriteFatal(message, place.line, file);
+    case VKLogInterface::NONE:
+        return false;
+    case VKLogInterface::TRACE:
+        return logger.WriteTrace(message, place.line, file);
+    case VKLogInterface::DEBUG:
+        return logger.WriteDebug(message, place.line, file);
+    case VKLogInterface::INFO:
+        return logger.WriteInfo(message, place.line, file);
+    case VKLogInterface::WARN:
+        return logger.WriteWarn(message, place.line, file);
+    case VKLogInterface::ERROR:
+        return logger.WriteError(message, place.line, file);
+    case VKLogInterface::CRITICAL:
+        return logger.WriteCritical(message, place.line, file);
+    case VKLogInterface::FATAL:
+        return logger.WriteFatal(message, place.line, file);
     }
     return false;
 }
 
-LogScope::LogScope(VKLogInterface* logger, LogPlace place, const char* name, std::string prefix, const char* opening)
-    : m_logger(LogWanted(logger, VKLogInterface::TRACE) ? logger : nullptr), m_place(place), m_name(name),
-      m_prefix(std::move(prefix)), m_exceptionsAtEntry(std::uncaught_exceptions())
+void LogScope::Enter(const char* opening)
 {
-    if (m_logger)
-        Write(opening ? std::string(opening) : std::string("Entering ") + m_name);
+    m_exceptionsAtEntry = std::uncaught_exceptions();
+    Write(opening ? std::string(opening) : std::string("Entering ") + m_name);
 }
 
-LogScope::~LogScope()
+void LogScope::Leave() noexcept
 {
-    if (!m_logger)
-        return;
     try {
         std::string text = std::string("Leaving ") + m_name;
         if (std::uncaught_exceptions() > m_exceptionsAtEntry)
@@ -42,12 +46,6 @@ LogScope::~LogScope()
     }
 }
 
-bool LogScope::Result(bool result)
-{
-    SetResult(result ? "TRUE" : "FALSE");
-    return result;
-}
-
 int LogScope::Result(int result)
 {
     if (m_logger)
@@ -55,15 +53,6 @@ int LogScope::Result(int result)
     return result;
 }
 
-void LogScope::SetResult(const char* text)
-{
-    if (m_logger)
-        m_result = text;
-}
-
-void LogScope::Write(const std::string& text)
-{
-    LogWrite(*m_logger, VKLogInterface::TRACE, m_place, m_prefix + text);
-}
+void LogScope::Write(const std::string& text) { LogWrite(*m_logger, VKLogInterface::TRACE, m_place, m_prefix + text); }
 
 } // namespace vk

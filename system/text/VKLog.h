@@ -5,6 +5,7 @@
 
 #include <exception>
 #include <string>
+#include <utility>
 
 /// \file
 /// How this system logs. The macros test for a null logger and for the level before an argument is evaluated, so a
@@ -38,8 +39,8 @@
 /// Declares `scope`, which writes "Entering NAME" now and "Leaving NAME ..." at the end of the block.
 #define VK_LOG_SCOPE(scope, logger, name) vk::LogScope scope((logger), VK_LOG_PLACE, (name))
 
-/// The same with a formatted text in front of both lines: VK_LOG_SCOPE_PREFIX(scope, logger, "VKMxpDriver::Configure()",
-/// "Job ID: [%s] >> ", id).
+/// The same with a formatted text in front of both lines: VK_LOG_SCOPE_PREFIX(scope, logger,
+/// "VKMxpDriver::Configure()", "Job ID: [%s] >> ", id).
 #define VK_LOG_SCOPE_PREFIX(scope, logger, name, ...)                                                                  \
     vk::LogScope scope((logger), VK_LOG_PLACE, (name),                                                                 \
                        vk::LogWanted((logger), VKLogInterface::TRACE) ? printfToString(__VA_ARGS__) : std::string())
@@ -70,29 +71,48 @@ public:
     /// `prefix` stands in front of both lines. `opening` replaces "Entering NAME" where an operation's text departs
     /// from it.
     LogScope(VKLogInterface* logger, LogPlace place, const char* name, std::string prefix = {},
-             const char* opening = nullptr);
+             const char* opening = nullptr)
+        : m_logger(LogWanted(logger, VKLogInterface::TRACE) ? logger : nullptr), m_place(place), m_name(name),
+          m_prefix(std::move(prefix))
+    {
+        if (m_logger)
+            Enter(opening);
+    }
     LogScope(const LogScope&) = delete;
     LogScope& operator=(const LogScope&) = delete;
 
     /// Writes "Leaving NAME with RESULT.", "Leaving NAME" when no result was given, or "Leaving NAME with an
     /// exception." when the block is left by one.
-    ~LogScope();
+    ~LogScope()
+    {
+        if (m_logger)
+            Leave();
+    }
 
     /// Each of these notes the result for the leave line and hands it through: "TRUE" or "FALSE", "OBJECT" or "NULL",
     /// or a number.
-    bool Result(bool result);
+    bool Result(bool result)
+    {
+        SetResult(result ? "TRUE" : "FALSE");
+        return result;
+    }
     int Result(int result);
-    template <class T>
-    T* Result(T* result)
+    template <class T> T* Result(T* result)
     {
         SetResult(result ? "OBJECT" : "NULL");
         return result;
     }
 
     /// Any other result text.
-    void SetResult(const char* text);
+    void SetResult(const char* text)
+    {
+        if (m_logger)
+            m_result = text;
+    }
 
 private:
+    void Enter(const char* opening);
+    void Leave() noexcept;
     void Write(const std::string& text);
 
     VKLogInterface* m_logger; ///< null when nothing is to be written
@@ -100,7 +120,7 @@ private:
     const char* m_name;
     std::string m_prefix;
     std::string m_result;
-    int m_exceptionsAtEntry;
+    int m_exceptionsAtEntry = 0;
 };
 
 } // namespace vk
