@@ -1,5 +1,6 @@
 #include "VKMXPConnGlooxImpl.h"
 
+#include "VKConfiguration.h"
 #include "VKLog.h"
 #include "VKMXPHub.h"
 #include "VKMXPSessionGlooxImpl.h"
@@ -8,6 +9,7 @@
 #include "VKXMPPGlooxdTypes.h"
 #include "VKconCriticalSection.h"
 #include "VKconLock.h"
+#include "VKioFile.h"
 #include "VKstring.h"
 #include "VKstringXmlText.h"
 #include "VKthread.h"
@@ -24,7 +26,18 @@
 namespace {
 
 constexpr const char* kEmergencyUser = "_vk_emerg_user_";
+constexpr const char* kVerifyMarker = "mxp_verify_tls";
 constexpr int kLookEvery = 100; // milliseconds
+
+/// The bundle that the server's certificate is verified with, when the administrator asked for that with a file of the
+/// marker's name; empty when any certificate is accepted.
+std::string CaBundleForVerification()
+{
+    VKConfiguration* configuration = VKConfiguration::getVKConfiguration();
+    if (!configuration || !VKioFile::Check(configuration->getConfDirectory(false), kVerifyMarker))
+        return {};
+    return configuration->GetCABundlePath();
+}
 
 /// Looks once for a timeout below 100 ms, else every 100 ms, without limit when it is negative.
 template <class Look>
@@ -106,7 +119,7 @@ bool VKMXPConnGlooxImpl::StartConnection()
         const auto deadline = VKMXPTcpSocket::Clock::now() + std::chrono::seconds(s_iLoginLimitSeconds);
         auto made = std::make_unique<VKMXPTcpSocket>(m_pobjClient.get(), m_strServer, m_iPort,
                                                      m_pobjHub ? &m_pobjHub->Traffic() : nullptr, deadline);
-        auto tls = std::make_unique<VKMXPTlsOpenSsl>(m_pobjClient.get(), jid.server(), std::string());
+        auto tls = std::make_unique<VKMXPTlsOpenSsl>(m_pobjClient.get(), jid.server(), CaBundleForVerification());
         socket = made.get();
         PrepareClient(*socket);
         m_pobjClient->setConnectionImpl(made.release());

@@ -1,0 +1,446 @@
+// The driver from end to end: a host's file to a device through a real XMPP server, and what the device says back.
+
+#include "FakeMessageFile.h"
+#include "InstallationRoot.h"
+#include "ProsodyServer.h"
+#include "RecordingLogger.h"
+#include "VKconCriticalSection.h"
+#include "VKMXPmConfirmMsg.h"
+#include "VKMXPmEnvelope.h"
+#include "VKMXPmMessage.h"
+#include "VKMXPmRejectMsg.h"
+#include "VKMXPmSendMsgResponse.h"
+#include "VKMXPmSetMsgStatus.h"
+#include "VKmxpDriverExports.h"
+#include "XmppPeer.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
+using Reports = VKMessengerReportsMngrInterface;
+
+template <class Packet>
+std::string Envelope(std::unique_ptr<Packet> packet)
+{
+    packet->m_bValid = true;
+    VKMXPmEnvelope envelope;
+    envelope.Add(packet.release());
+    return envelope.GenerateXML();
+}
+
+std::string Confirm(const std::string& jobId)
+{
+    auto packet = std::make_unique<VKMXPmConfirmMsg>();
+    packet->m_strJobID = jobId;
+    packet->m_strResponse = "CONFIRM";
+    packet->m_iSequence = 41;
+    return Envelope(std::move(packet));
+}
+
+std::string Reject(const std::string& jobId)
+{
+    auto packet = std::make_unique<VKMXPmRejectMsg>();
+    packet->m_strJobID = jobId;
+    packet->m_strResponse = "REFUSE";
+    return Envelope(std::move(packet));
+}
+
+std::string StatusIs(const std::string& jobId, const std::string& word)
+{
+    auto packet = std::make_unique<VKMXPmSetMsgStatus>();
+    packet->m_strJobID = jobId;
+    packet->m_strStatus = word;
+    return Envelope(std::move(packet));
+}
+
+std::string Reply(const std::string& jobId, const std::string& text)
+{
+    auto packet = std::make_unique<VKMXPmSendMsgResponse>();
+    packet->m_strJobID = jobId;
+    packet->m_strResponseCode = "1";
+    packet->m_strResponseText = text;
+    return Envelope(std::move(packet));
+}
+
+class Driver : public ::testing::Test
+{
+protected:
+    static void SetUpTestSuite()
+    {
+        s_server = std::make_unique<ProsodyServer>();
+        s_server->AddAccounts({{"server", "pw"}, {"alice", "pw"}, {"bob", "pw"}, {"_vk_emerg_user_", "pw"}});
+        s_server->Start();
+        s_root = std::make_unique<InstallationRoot>();
+        s_alice = s_root->AddReceiver("Alice", s_server->Jid("alice"), 2);
+        s_oneWay = s_root->AddReceiver("Bob", s_server->Jid("bob"), 0);
+        s_root->LogIn(s_alice, s_server->Jid("alice"));
+        s_root->LogIn(s_oneWay, s_server->Jid("bob"));
+    }
+    static void TearDownTestSuite()
+    {
+        s_server.reset();
+        s_root.reset();
+    }
+
+    void SetUp() override
+    {
+        driver = GetDriverInstance();
+        driver->m_pobjLogger = &s_logger;
+        driver->m_pobjMsgFileQueue = &queue;
+        std::map<std::string, std::string> ignored{{"anything", "at all"}};
+        ASSERT_TRUE(driver->Configure(ignored));
+        VKMessengerInstConfBasic settings;
+        ASSERT_TRUE(driver->Setup(&settings));
+    }
+    void TearDown() override
+    {
+        EXPECT_TRUE(driver->Cleanup());
+        ReleaseDriverInstance(driver);
+    }
+
+    static FakeMessageFile FileFor(const std::string& user, unsigned long receiverId, const std::string& jobId)
+    {
+        FakeMessageFile file;
+        file.strJobID = jobId;
+        file.strSender = "control room";
+        file.strSubject = "pump 3";
+        file.strBody = "pump 3 has stopped";
+        file.strReceiverPin = s_server->Jid(user);
+        file.ulReceiverID = receiverId;
+        file.strCarrierName = "mobile";
+        file.strServer = "127.0.0.1";
+        file.iPort = s_server->Port();
+        file.strDomain = s_server->Domain();
+        file.strUserID = "server"; // the driver adds the domain
+        file.strPassword = "pw";
+        file.strResource = "vk";
+        file.bTwoWay = 1;
+        return file;
+    }
+
+    bool Send(FakeMessageFile& file)
+    {
+        status = Reports::RS_UNCHANGED;
+        return driver->SendAMessage(&file, status);
+    }
+
+    static VKMXPmMessage MessageIn(const std::string& body)
+    {
+        VKMXPmEnvelope envelope;
+        EXPECT_TRUE(envelope.ParseXML(body)) << envelope.m_strErrorText;
+        return envelope.GetCount() ? dynamic_cast<VKMXPmMessage&>(*envelope.Get(0)) : VKMXPmMessage();
+    }
+
+    /// Queries the file until it was pushed back this often, or ten seconds are over.
+    void QueryUntilPushed(FakeMessageFile& file, std::size_t count)
+    {
+        const auto limit = Clock::now() + 10s;
+        while (queue.queFiles.size() < count && Clock::now() < limit) {
+            ASSERT_TRUE(driver->Send2WayRespQuery(&file, status));
+            std::this_thread::sleep_for(1ms);
+        }
+        EXPECT_EQ(queue.queFiles.size(), count);
+    }
+
+    static std::unique_ptr<ProsodyServer> s_server;
+    static std::unique_ptr<InstallationRoot> s_root;
+    static unsigned long s_alice;
+    static unsigned long s_oneWay;
+    static vktest::RecordingLogger s_logger;
+
+    VKMsgFileQueue queue;
+    VKProtocolDriverInterface* driver = nullptr;
+    Reports::ReportsStatus status = Reports::RS_UNCHANGED;
+};
+
+std::unique_ptr<ProsodyServer> Driver::s_server;
+std::unique_ptr<InstallationRoot> Driver::s_root;
+unsigned long Driver::s_alice;
+unsigned long Driver::s_oneWay;
+vktest::RecordingLogger Driver::s_logger;
+
+TEST_F(Driver, SaysWhatItIs)
+{
+    EXPECT_STREQ(driver->GetName(), "MXP");
+    EXPECT_STREQ(driver->GetVersion(), "1.0");
+    EXPECT_STREQ(driver->GetProtocolName(), "MXP");
+    EXPECT_STREQ(driver->GetCarrierName(), "*") << "any carrier of the protocol";
+    EXPECT_EQ(GetDriverInstance(), driver);
+    FakeMessageFile file;
+    ReleaseDriverInstance(reinterpret_cast<VKProtocolDriverInterface*>(&file));
+    EXPECT_EQ(GetDriverInstance(), driver) << "another pointer is passed over";
+    EXPECT_TRUE(driver->PeriodicEvent() && driver->ProcessSignal() && driver->ResetDevice());
+}
+
+TEST_F(Driver, DeliversAMessageWithAllItsFields)
+{
+    XmppPeer alice(s_server->Jid("alice") + "/mxp", "pw", s_server->Port());
+    ASSERT_TRUE(alice.WaitUntilOnline());
+    FakeMessageFile file = FileFor("alice", s_alice, "J-1");
+    file.strSender.clear();
+    file.strFallbackSender = "fallback";
+    file.strSubject = "a <b> & 'c' \"d\"\t\r\n";
+    file.iSeverity = 4;
+    file.iExpiration = 600;
+    file.bConfidential = true;
+    file.tDispatchAt = 1700000000;
+    file.strCustomParameters = "<custom-parameters><a x='1'>text</a></custom-parameters>";
+    file.vecResponseChoices = {{"Come: at once", 0}, {"Later", 1}};
+    ASSERT_TRUE(Send(file)) << file.failureReasons.back();
+    EXPECT_EQ(status, Reports::RS_SENT);
+    EXPECT_EQ(file.carrierReferences, std::vector<std::string>{"J-1"});
+
+    const auto bodies = alice.WaitForBodies(1);
+    ASSERT_EQ(bodies.size(), 1U);
+    const VKMXPmMessage message = MessageIn(bodies[0]);
+    EXPECT_EQ(message.m_strJobID, "J-1");
+    EXPECT_EQ(message.m_strSender, "fallback");
+    EXPECT_EQ(message.m_strSubject, file.strSubject);
+    EXPECT_EQ(message.m_strBody, file.strBody);
+    EXPECT_EQ(message.m_iSeverity, 4);
+    EXPECT_EQ(message.m_iExpiration, 600);
+    EXPECT_TRUE(message.m_bConfidential);
+    EXPECT_EQ(message.m_tDispatchTime, 1700000000);
+    EXPECT_EQ(message.m_strCustomParameters, file.strCustomParameters);
+    EXPECT_EQ(message.m_vecResponseChoices, (std::vector<std::string>{"Come- at once", "Later"}));
+    EXPECT_TRUE(message.m_bTwoWay) << "asked for, and a two-way receiver";
+}
+
+TEST_F(Driver, AsksForTwoWayOnlyWhereTheReceiverCan)
+{
+    XmppPeer bob(s_server->Jid("bob") + "/mxp", "pw", s_server->Port());
+    ASSERT_TRUE(bob.WaitUntilOnline());
+    FakeMessageFile file = FileFor("bob", s_oneWay, "J-2");
+    ASSERT_TRUE(Send(file));
+    const auto bodies = bob.WaitForBodies(1);
+    ASSERT_EQ(bodies.size(), 1U);
+    EXPECT_FALSE(MessageIn(bodies[0]).m_bTwoWay);
+}
+
+TEST_F(Driver, LetsAnOfflineReceiverWaitOnlyWhenItMay)
+{
+    FakeMessageFile file = FileFor("alice", 4242, "J-3");
+    EXPECT_FALSE(Send(file));
+    EXPECT_EQ(status, Reports::RS_UNCHANGED);
+    EXPECT_EQ(file.failureReasons, std::vector<std::string>{"Receiver is offline."});
+
+    FakeMessageFile patient = FileFor("alice", 4242, "J-4");
+    patient.bQueueWhenOffline = true;
+    EXPECT_TRUE(Send(patient));
+    EXPECT_EQ(status, Reports::RS_DEVICE_OFFLINE);
+    EXPECT_EQ(patient.statusTexts, std::vector<std::string>{"DEV OFFLINE"});
+    EXPECT_TRUE(patient.failureReasons.empty());
+}
+
+TEST_F(Driver, ReachesTheEmergencyUserWithoutASession)
+{
+    XmppPeer emergency(s_server->Jid("_vk_emerg_user_") + "/anywhere", "pw", s_server->Port(),
+                       [](XmppPeer& peer, const std::string& from, const std::string&) {
+                           peer.Send(from, Confirm("J-5"));
+                           peer.Send(from, StatusIs("J-5", "READ"));
+                       });
+    ASSERT_TRUE(emergency.WaitUntilOnline());
+    FakeMessageFile file = FileFor("", 0, "J-5");
+    file.strReceiverPin = "_VK_emerg_USER_";
+    file.vecAttachments = {"/no/such/file"};
+    ASSERT_TRUE(Send(file)) << file.failureReasons.back();
+    EXPECT_EQ(status, Reports::RS_SENT) << "no attachments for the emergency user";
+    ASSERT_EQ(emergency.WaitForBodies(1).size(), 1U);
+    const VKMXPmMessage message = MessageIn(emergency.WaitForBodies(1)[0]);
+    EXPECT_FALSE(message.m_bTwoWay);
+    EXPECT_TRUE(message.m_vecAttachments.empty());
+    // Its answers change nothing and get none.
+    const auto limit = Clock::now() + 10s;
+    while (s_logger.CountContaining("Response from emerency user. It will be ignored.") < 2 && Clock::now() < limit)
+        std::this_thread::sleep_for(1ms);
+    EXPECT_TRUE(driver->Send2WayRespQuery(&file, status));
+    EXPECT_EQ(status, Reports::RS_FAILED);
+    EXPECT_TRUE(queue.queFiles.empty());
+}
+
+TEST_F(Driver, BringsBackWhatTheDeviceSaysInOrder)
+{
+    XmppPeer alice(s_server->Jid("alice") + "/mxp", "pw", s_server->Port(),
+                   [](XmppPeer& peer, const std::string& from, const std::string& body) {
+                       if (body.find("type='request'") == std::string::npos)
+                           return;
+                       peer.Send(from, StatusIs("J-6", "Received"));
+                       peer.Send(from, StatusIs("J-6", "banana"));
+                       peer.Send(from, StatusIs("J-6", "READ"));
+                       peer.Send(from, Confirm("J-6"));
+                   });
+    ASSERT_TRUE(alice.WaitUntilOnline());
+    FakeMessageFile file = FileFor("alice", s_alice, "J-6");
+    ASSERT_TRUE(driver->Send2WayRespQuery(&file, status));
+    EXPECT_EQ(status, Reports::RS_FAILED) << "nothing is known yet";
+    ASSERT_TRUE(Send(file)) << file.failureReasons.back();
+    QueryUntilPushed(file, 3);
+    EXPECT_EQ(file.deliveryStatuses, (std::vector<std::string>{"DELIVERED-Received", "DELIVERED-READ"}));
+    EXPECT_EQ(file.statusTexts, (std::vector<std::string>{": Received", ": READ", ""}));
+    EXPECT_TRUE(file.bDelivered);
+    EXPECT_EQ(file.vecReceivedResponses.size(), 1U);
+    EXPECT_EQ(file.vecReceivedResponses[0].strText, "CONFIRM");
+    EXPECT_EQ(file.eReportStatus, Reports::RS_CONFIRMED);
+    EXPECT_FALSE(file.bKeepOpen);
+    ASSERT_TRUE(driver->Send2WayRespQuery(&file, status));
+    EXPECT_EQ(status, Reports::RS_FAILED) << "all of it was applied";
+
+    // The confirmation was answered with its own parameters and sequence.
+    const auto bodies = alice.WaitForBodies(2);
+    ASSERT_EQ(bodies.size(), 2U);
+    EXPECT_NE(bodies[1].find("<confirm-msg xmlns='vardock:mxp:response' type='response' seq='41'>"), std::string::npos);
+    EXPECT_NE(bodies[1].find("The status of Job ID &apos;J-6&apos; is successfully updated to &apos;CONFIRMED&apos;."),
+              std::string::npos)
+        << bodies[1];
+}
+
+TEST_F(Driver, TellsARejectionAndEndsTheFile)
+{
+    XmppPeer bob(s_server->Jid("bob") + "/mxp", "pw", s_server->Port(),
+                 [](XmppPeer& peer, const std::string& from, const std::string& body) {
+                     if (body.find("type='request'") != std::string::npos)
+                         peer.Send(from, Reject("J-7"));
+                 });
+    ASSERT_TRUE(bob.WaitUntilOnline());
+    FakeMessageFile file = FileFor("bob", s_oneWay, "J-7");
+    ASSERT_TRUE(Send(file));
+    QueryUntilPushed(file, 1);
+    EXPECT_EQ(file.eReportStatus, Reports::RS_REJECTED);
+    EXPECT_EQ(file.vecReceivedResponses[0].strText, "REFUSE");
+    EXPECT_FALSE(file.bKeepOpen);
+}
+
+TEST_F(Driver, KeepsAFileOpenForNonTerminalAnswersOnly)
+{
+    struct Case
+    {
+        int type;
+        bool taken;
+        Reports::ReportsStatus pushed;
+        bool open;
+    };
+    const Case cases[] = {{1, true, Reports::RS_REPLIED_WITH, true},
+                          {0, true, Reports::RS_REPLIED_WITH, false},
+                          {1, false, Reports::RS_DELIVERED, false}};
+    for (std::size_t i = 0; i < 3; ++i) {
+        SCOPED_TRACE(i);
+        const std::string job = "J-8" + std::to_string(i);
+        XmppPeer alice(s_server->Jid("alice") + "/mxp", "pw", s_server->Port(),
+                       [job](XmppPeer& peer, const std::string& from, const std::string&) {
+                           peer.Send(from, Reply(job, "on my way"));
+                       });
+        ASSERT_TRUE(alice.WaitUntilOnline());
+        FakeMessageFile file = FileFor("alice", s_alice, job);
+        file.actionType = cases[i].type;
+        file.takesResponses = cases[i].taken;
+        ASSERT_TRUE(Send(file));
+        QueryUntilPushed(file, i + 1);
+        EXPECT_EQ(status, Reports::RS_REPLIED_WITH);
+        EXPECT_EQ(file.eReportStatus, cases[i].pushed);
+        EXPECT_EQ(file.bKeepOpen, cases[i].open);
+        if (cases[i].taken) {
+            ASSERT_EQ(file.vecReceivedResponses.size(), 1U);
+            EXPECT_EQ(file.vecReceivedResponses[0].strText, "on my way");
+            EXPECT_EQ(file.askedIndexes, std::vector<int>{0});
+        }
+    }
+}
+
+TEST_F(Driver, FailsAJobWhoseAttachmentsCannotFollow)
+{
+    XmppPeer alice(s_server->Jid("alice") + "/mxp", "pw", s_server->Port());
+    ASSERT_TRUE(alice.WaitUntilOnline());
+    FakeMessageFile file = FileFor("alice", s_alice, "J-9");
+    file.vecAttachments = {"/var/plans/ground floor.pdf", "C:\\plans\\roof.pdf", "bare"};
+    ASSERT_TRUE(Send(file));
+    EXPECT_EQ(status, Reports::RS_PENDING);
+    const auto limit = Clock::now() + 10s;
+    const auto pushed = [&] {
+        const vk::ScopedSection lock(queue.objLock);
+        return queue.queFiles.size();
+    };
+    while (pushed() == 0 && Clock::now() < limit)
+        std::this_thread::sleep_for(1ms);
+    ASSERT_EQ(pushed(), 1U);
+    EXPECT_EQ(file.eReportStatus, Reports::RS_FAILED);
+    EXPECT_EQ(file.failureReasons, std::vector<std::string>{"File Transfer Error."});
+    const VKMXPmMessage message = MessageIn(alice.WaitForBodies(1)[0]);
+    ASSERT_EQ(message.m_vecAttachments.size(), 3U);
+    EXPECT_EQ(message.m_vecAttachments[0].m_strID, "ground floor.pdf");
+    EXPECT_EQ(message.m_vecAttachments[1].m_strID, "roof.pdf");
+    EXPECT_EQ(message.m_vecAttachments[2].m_strID, "are") << "a path without a slash loses its first character";
+    EXPECT_EQ(message.m_vecAttachments[0].m_strSecureKey, s_server->Jid("alice") + "-ground floor.pdf-0");
+    EXPECT_FALSE(s_logger.Has(s_server->Jid("alice") + "-ground floor.pdf-0")) << "keys never reach a log";
+
+    s_root->WriteConfig("mxp_no_attach", "");
+    FakeMessageFile plain = FileFor("alice", s_alice, "J-10");
+    plain.vecAttachments = {"/var/plans/ground floor.pdf"};
+    EXPECT_TRUE(Send(plain));
+    EXPECT_EQ(status, Reports::RS_SENT) << "the marker switches attachments off";
+    s_root->RemoveConfig("mxp_no_attach");
+}
+
+TEST_F(Driver, TellsWhyAMessageCouldNotBeSent)
+{
+    FakeMessageFile wrongPassword = FileFor("alice", s_alice, "J-11");
+    wrongPassword.strCarrierName = "other";
+    wrongPassword.strPassword = "wrong secret";
+    EXPECT_FALSE(Send(wrongPassword));
+    EXPECT_EQ(status, Reports::RS_UNCHANGED);
+    EXPECT_EQ(wrongPassword.failureReasons, std::vector<std::string>{"Disconnection Error."});
+    EXPECT_FALSE(s_logger.Has("wrong secret"));
+
+    FakeMessageFile nobodyThere = FileFor("alice", s_alice, "J-12");
+    nobodyThere.strCarrierName = "other";
+    nobodyThere.iPort = 1;
+    EXPECT_FALSE(Send(nobodyThere));
+    EXPECT_EQ(nobodyThere.failureReasons, std::vector<std::string>{"Error in establishing connection."});
+
+    FakeMessageFile broken = FileFor("alice", s_alice, "J-13");
+    broken.strCustomParameters = "<custom-parameters>";
+    EXPECT_FALSE(Send(broken));
+    EXPECT_EQ(broken.failureReasons, std::vector<std::string>{"The custom parameters are not well-formed XML."});
+
+    FakeMessageFile noJid = FileFor("alice", s_alice, "J-14");
+    noJid.strReceiverPin = "@";
+    EXPECT_FALSE(Send(noJid));
+    EXPECT_EQ(noJid.failureReasons, std::vector<std::string>{"Unable to create session."});
+}
+
+TEST_F(Driver, VerifiesTheServerWhenTheMarkerStands)
+{
+    const auto send = [&](const char* job) {
+        FakeMessageFile file = FileFor("alice", s_alice, job);
+        file.strCarrierName = std::string("verified ") + job; // a connection of its own
+        return Send(file);
+    };
+    s_root->WriteConfig("mxp_verify_tls", "");
+    EXPECT_FALSE(send("J-15")) << "no bundle: nobody can be verified";
+    s_root->CopyConfig("ca-bundle.crt", s_server->CertificateFile());
+    EXPECT_TRUE(send("J-16")) << "the server's own certificate is the bundle";
+    ProsodyServer other;
+    other.Start();
+    s_root->CopyConfig("ca-bundle.crt", other.CertificateFile());
+    driver->Cleanup(); // the sessions on the old bundle end
+    std::map<std::string, std::string> none;
+    ASSERT_TRUE(driver->Configure(none));
+    EXPECT_FALSE(send("J-17")) << "signed by somebody else";
+    s_root->RemoveConfig("mxp_verify_tls");
+    EXPECT_TRUE(send("J-18"));
+}
+
+TEST_F(Driver, RefusesToSendBeforeItIsConfigured)
+{
+    EXPECT_TRUE(driver->Cleanup());
+    FakeMessageFile file = FileFor("alice", s_alice, "J-19");
+    EXPECT_FALSE(Send(file));
+    EXPECT_EQ(file.failureReasons, std::vector<std::string>{"Some error occurred."});
+    std::map<std::string, std::string> none;
+    EXPECT_TRUE(driver->Configure(none)) << "and can be configured again";
+    EXPECT_TRUE(Send(file));
+}
+
+} // namespace
