@@ -1,7 +1,7 @@
 #include "VKfile.h"
 
 #include "VKfileHandle.h"
-#include "VKfilePattern.h"
+#include "VKioFile.h"
 
 #include <cerrno>
 #include <cstring>
@@ -50,7 +50,7 @@ int VKfileFindNext(file_find_t* search, finddata_t* found)
     if (!search)
         return -1;
     while (const dirent* entry = readdir(search->directory.get())) {
-        if (IsDots(entry->d_name) || !vk::FileNameMatches(entry->d_name, search->pattern))
+        if (IsDots(entry->d_name) || !VKioFile::DoesFileNameContainPattern(entry->d_name, search->pattern.c_str()))
             continue;
         if (found)
             Describe(search->directory.get(), entry->d_name, *found);

@@ -2,7 +2,6 @@
 
 #include "VKconCriticalSection.h"
 #include "VKfileHandle.h"
-#include "VKfilePattern.h"
 #include "VKioException.h"
 #include "VKsystemError.h"
 
@@ -26,7 +25,8 @@ std::vector<std::string> Names(const std::string& path, const std::string& patte
     errno = directory ? 0 : errno;
     while (const dirent* entry = directory ? readdir(directory.get()) : nullptr) {
         const std::string name = entry->d_name;
-        if (name == "." || name == ".." || name == kLockName || !vk::FileNameMatches(name, pattern))
+        if (name == "." || name == ".." || name == kLockName ||
+            !VKioFile::DoesFileNameContainPattern(name.c_str(), pattern.c_str()))
             continue;
         if (kinds == Kinds::WithDirectories || !VKioFile::IsDirectory(VKioFile::CreatePath(path, name)))
             names.push_back(name);

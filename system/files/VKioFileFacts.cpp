@@ -1,9 +1,9 @@
 // What is asked and done about files by their path.
 #include "VKioFile.h"
 
-#include "VKfilePattern.h"
 #include "VKioException.h"
 #include "VKstringPath.h"
+#include "VKstringPattern.h"
 #include "VKsystemError.h"
 
 #include <cerrno>
@@ -124,5 +124,5 @@ void VKioFile::CleanFileList(VKioFileList& list)
 
 bool VKioFile::DoesFileNameContainPattern(const char* name, const char* pattern)
 {
-    return name && pattern && vk::FileNameMatches(name, pattern);
+    return name && *name && pattern && *pattern && VKstrContainPattern(name, pattern, false);
 }
