@@ -80,6 +80,8 @@ bool VKDatabase::EnsureOpen()
 bool VKDatabase::OpenLocked()
 {
     SetLastError("");
+    if (m_bReady && !m_dbSystem.Close())
+        return false;
     m_bReady = false;
     try {
         VKConfiguration* const configuration = VKConfiguration::getVKConfiguration();

@@ -92,8 +92,8 @@ private:
 
     VKDBsystem m_dbSystem;
     std::atomic<bool> m_bReady{false};
-    const bool m_bMultiThreaded;
-    std::string m_strLastError; ///< guarded by m_errorLock
+    const bool m_bMultiThreaded; ///< a relational store would open a connection for each thread
+    std::string m_strLastError;  ///< guarded by m_errorLock
     VKsysEventLogInterface* m_pEventLog;
     Cache m_cache;
     std::mutex m_openLock; ///< one thread opens or closes

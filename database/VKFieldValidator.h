@@ -11,9 +11,9 @@ public:
     VKFieldValidator();
     explicit VKFieldValidator(const std::string& expression) : m_strExpression(expression) {}
 
-    virtual ~VKFieldValidator() = default;
     virtual bool validate(const std::string& text) const;
     virtual bool operator()(const std::string& text) const { return validate(text); }
+    virtual ~VKFieldValidator() = default;
 
     /// The text with \ [ ^ $ . | ? + ( ) { } escaped, for use inside an expression; "*" and "]" pass as they are.
     static std::string escapeRESpecialChars(const std::string& text);
