@@ -1,0 +1,292 @@
+#include "HttpServer.h"
+#include "TempDir.h"
+#include "VKcurlHttp.h"
+#include "VKcurlService.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <curl/curl.h>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+
+using vktest::HttpServer;
+using vktest::LoopbackServer;
+using vktest::TestAuthority;
+using Request = HttpServer::Request;
+using Response = HttpServer::Response;
+
+namespace {
+
+Response Fine(const Request&) { return {200, "page", {"X-Answer: yes"}}; }
+
+/// A buffer that frees itself.
+struct Buffer : VDK_BUFFER
+{
+    Buffer() : VDK_BUFFER{} {}
+    ~Buffer() { EmptyVdkBuffer(this); }
+    std::string Text() const { return data ? data : ""; }
+};
+
+/// Runs a test in a directory beside which "../config" and "../temp" are.
+class InInstallation : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        for (const char* name : {"bin", "config", "temp"})
+            std::filesystem::create_directory(m_root.Path() / name);
+        std::filesystem::current_path(m_root.Path() / "bin");
+    }
+    void TearDown() override { std::filesystem::current_path(m_before); }
+
+    TempDir m_root;
+    std::filesystem::path m_before = std::filesystem::current_path();
+};
+
+using StandAloneHttp = InInstallation;
+using VKcurlServiceTest = InInstallation;
+
+TEST_F(StandAloneHttp, PostsWhatItIsGivenOverHttp10)
+{
+    HttpServer server(Fine);
+    Buffer page, headers;
+    char fields[] = "a=1&b=%20";
+    EXPECT_EQ(Curl_HttpPostUrlEncodedFields(server.Url("/p").c_str(), fields, &page, &headers, nullptr), CURLE_OK);
+    Request last = server.Last();
+    EXPECT_EQ(last.method + last.target + last.version, "POST/pHTTP/1.0");
+    EXPECT_EQ(last.body, "a=1&b=%20");
+    EXPECT_EQ(last.Header("user-agent"), "VardockClient");
+    EXPECT_EQ(page.Text(), "page");
+    EXPECT_NE(headers.Text().find("X-Answer: yes"), std::string::npos);
+
+    EXPECT_EQ(Curl_HttpPostUrlEncodedFields(server.Url().c_str(), nullptr, nullptr, nullptr, nullptr), CURLE_OK);
+    EXPECT_EQ(server.Last().method, "POST");
+    EXPECT_EQ(server.Last().Header("content-length"), "0");
+
+    char one[] = "na me=v&v=2", two[] = "flag";
+    char* pairs[] = {one, two};
+    EXPECT_EQ(Curl_HttpPostUrl(server.Url().c_str(), pairs, 2, nullptr, nullptr, nullptr, "X-Extra: 7"), CURLE_OK);
+    EXPECT_EQ(server.Last().body, "na%20me=v%26v%3d2&flag=");
+    EXPECT_EQ(server.Last().Header("x-extra"), "7");
+}
+
+TEST_F(StandAloneHttp, PostsAFormWithAFile)
+{
+    HttpServer server(Fine);
+    char field[] = "subject=Fire, floor 3";
+    char* fields[] = {field};
+    std::string file = m_root.Write("plan.txt", "the plan");
+    char header[] = "X-Form: 1";
+    EXPECT_EQ(Curl_HttpPostMultiPart(server.Url().c_str(), fields, 1, file.data(), header, nullptr, nullptr), CURLE_OK);
+    const Request last = server.Last();
+    EXPECT_EQ(last.Header("content-type").rfind("multipart/form-data", 0), 0U);
+    EXPECT_EQ(last.Header("x-form"), "1");
+    for (const char* part : {"name=\"subject\"", "Fire, floor 3", "filename=\"plan.txt\"", "the plan"})
+        EXPECT_NE(last.body.find(part), std::string::npos) << part;
+}
+
+TEST_F(StandAloneHttp, ChecksThePeerWhereTheSessionDoesNot)
+{
+    TestAuthority mine("Mine"), other("Other");
+    const std::string unreadable = m_root / "no-such-bundle";
+    const struct
+    {
+        const char* what;
+        std::string bundle;
+        const char* names;
+        bool good;
+    } cases[] = {
+        {"private authority", mine.Bundle(), "IP:127.0.0.1", true},
+        {"another authority", other.Bundle(), "IP:127.0.0.1", false},
+        {"another name", mine.Bundle(), "DNS:elsewhere", false},
+        {"no bundle", unreadable, "IP:127.0.0.1", false},
+    };
+    for (const auto& c : cases) {
+        HttpServer server(Fine, LoopbackServer::Tls{mine.Issue("server", "", c.names)});
+        const int code =
+            Curl_HttpPostUrlEncodedFields(server.Url().c_str(), nullptr, nullptr, nullptr, c.bundle.c_str());
+        EXPECT_EQ(code == CURLE_OK, c.good) << c.what << ": " << Curl_GetErrStr(code);
+        VKcurlService session;
+        EXPECT_EQ(session.SendRequest(VKcurlService::GET, server.Url(), ""), CURLE_OK) << c.what;
+        EXPECT_EQ(session.GetPage(), "page");
+    }
+}
+
+TEST_F(StandAloneHttp, SendsARecordAndKeepsTheAnswerInIt)
+{
+    HttpServer server(Fine);
+    http_service service{};
+    service.url = strdup(server.Url().c_str());
+    service.params = static_cast<char**>(calloc(1, sizeof(char*)));
+    service.params[0] = strdup("to=42");
+    service.param_count = 1;
+    char error[64] = "old";
+    EXPECT_EQ(VKMsgCurlHttpSendMessage(error, sizeof error, &service, nullptr, nullptr), CURLE_OK);
+    EXPECT_STREQ(error, "");
+    EXPECT_STREQ(service.result, "page");
+    EXPECT_EQ(server.Last().body, "to=42");
+    vk::SetHttpText(service.url, "http://127.0.0.1:1/");
+    EXPECT_EQ(VKMsgCurlHttpSendMessage(error, 12, &service, nullptr, nullptr), CURLE_COULDNT_CONNECT);
+    EXPECT_EQ(std::string(error), std::string(Curl_GetErrStr(CURLE_COULDNT_CONNECT)).substr(0, 11));
+    VKhttpClean(&service);
+    EXPECT_EQ(service.url, nullptr);
+}
+
+TEST(HttpStrEncode, KeepsFewCharacters)
+{
+    EXPECT_EQ(HttpStrEncode(std::string("aZ0/_.-~ \xC3\xA9+")), "aZ0/_.%2d%7e%20%c3%a9%2b");
+    char in[] = "ab c", out[6];
+    EXPECT_EQ(HttpStrEncode(out, sizeof out, in), 5);
+    EXPECT_STREQ(out, "ab%20");
+    Buffer buffer;
+    char name[] = "a b", value[] = "=", second[] = "c";
+    AddHttpParam(&buffer, name, value);
+    AddHttpParam(&buffer, second, second);
+    EXPECT_EQ(buffer.Text(), "a%20b=%3d&c=c");
+}
+
+TEST_F(VKcurlServiceTest, SendsEachMethodWithItsOwnShape)
+{
+    HttpServer server(Fine);
+    VKcurlService session(false);
+    std::vector<std::string> parameters = {"q=a b", "n=1"};
+    const struct
+    {
+        VKcurlService::HttpMethType method;
+        const char *name, *target, *body;
+    } cases[] = {
+        {VKcurlService::GET, "GET", "/x?q=a%20b&n=1", ""},
+        {VKcurlService::POST, "POST", "/x", "q=a%20b&n=1"},
+        {VKcurlService::PUT, "PUT", "/x", "q=a%20b&n=1"},
+        {VKcurlService::DELETE, "DELETE", "/x?q=a%20b&n=1", ""},
+        {VKcurlService::GET, "GET", "/x?q=a%20b&n=1", ""},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(session.SendRequests(c.method, server.Url("/x"), parameters), CURLE_OK);
+        const Request last = server.Last();
+        EXPECT_EQ(last.method, c.name);
+        EXPECT_EQ(last.target, c.target);
+        EXPECT_EQ(last.body, c.body);
+        EXPECT_EQ(last.Header("user-agent"), "Mozilla/4.0 (compatible; MSIE 5.01; Windows NT 5.0)");
+    }
+    EXPECT_EQ(session.SendRequest(VKcurlService::POST, server.Url(), ""), CURLE_OK);
+    EXPECT_EQ(server.Last().method + server.Last().Header("content-length"), "POST0");
+    EXPECT_EQ(session.SendRequest(VKcurlService::PUT, server.Url(), ""), CURLE_OK);
+    EXPECT_EQ(server.Last().method + server.Last().Header("content-length"), "PUT0");
+}
+
+TEST_F(VKcurlServiceTest, SendsARecordWithItsHeadersAndTurnsBackslashes)
+{
+    HttpServer server(Fine);
+    VKcurlService session;
+    session.SetHeaders("X-Always: 1\r\nX-Smuggled: 1");
+    http_service service{};
+    service.url = strdup((server.Url() + "a\\b").c_str());
+    service.method = VKcurlService::PUT;
+    service.headers = strdup("X-One: a\r\nX-Two: b");
+    service.cookie = strdup("k=v");
+    service.referer = strdup("http://from/");
+    service.params = static_cast<char**>(calloc(1, sizeof(char*)));
+    service.params[0] = strdup("p=1");
+    service.param_count = 1;
+    EXPECT_TRUE(session.SendMessage(&service));
+    Request last = server.Last();
+    EXPECT_EQ(last.method + " " + last.target + " " + last.body, "PUT /a/b p=1");
+    EXPECT_EQ(last.Header("x-always") + last.Header("x-one") + last.Header("x-two") + last.Header("cookie") +
+                  last.Header("referer"),
+              "1abk=vhttp://from/");
+    EXPECT_EQ(last.Header("x-smuggled"), "");
+    EXPECT_STREQ(service.result, "page");
+    EXPECT_TRUE(std::filesystem::is_empty(m_root.Path() / "temp"));
+    VKhttpClean(&service);
+
+    session.SendRequest(VKcurlService::GET, server.Url(), "");
+    EXPECT_EQ(server.Last().Header("x-always") + server.Last().Header("x-one"), "1");
+    session.ResetHeaders();
+    session.SendRequest(VKcurlService::GET, server.Url(), "");
+    EXPECT_EQ(server.Last().Header("x-always"), "");
+}
+
+TEST_F(VKcurlServiceTest, FollowsARedirectWithoutCarryingTheKeyToAnotherHost)
+{
+    HttpServer target(Fine);
+    const std::string elsewhere = "http://localhost:" + std::to_string(target.Port()) + "/there";
+    HttpServer first([&](const Request&) { return Response{302, "", {"Location: " + elsewhere}}; });
+    VKcurlService session;
+    session.SetHeaders("Authorization:key=secret");
+    EXPECT_EQ(session.SendRequest(VKcurlService::GET, first.Url(), ""), CURLE_OK);
+    EXPECT_EQ(session.GetReturnCode(), 200);
+    EXPECT_EQ(first.Last().Header("authorization"), "key=secret");
+    EXPECT_EQ(target.Last().target, "/there");
+    EXPECT_EQ(target.Last().Header("authorization"), "");
+}
+
+TEST_F(VKcurlServiceTest, ShowsItsPasswordToTheProxy)
+{
+    HttpServer proxy([](const Request& request) {
+        return request.Header("proxy-authorization") == "Basic bWU6cHc=" ? Response{200, "through"}
+                                                                         : Response{407, "who are you"};
+    });
+    const std::string address = "127.0.0.1:" + std::to_string(proxy.Port());
+    VKcurlService session;
+    VKcurlService::Route route;
+    route.proxy = address.c_str();
+    EXPECT_EQ(session.SendRequest(VKcurlService::GET, "http://far.invalid/x", "", route), CURLE_OK);
+    EXPECT_EQ(session.GetReturnCode(), 407);
+    route.proxyUser = "me";
+    route.proxyPassword = "pw";
+    EXPECT_EQ(session.SendRequest(VKcurlService::GET, "http://far.invalid/x", "", route), CURLE_OK);
+    EXPECT_EQ(session.GetPage(), "through");
+    EXPECT_EQ(proxy.Last().target, "http://far.invalid/x");
+}
+
+TEST_F(VKcurlServiceTest, KeepsCookiesForTheSessionAndWritesThemOut)
+{
+    HttpServer server([](const Request&) { return Response{200, "", {"Set-Cookie: id=7; Max-Age=600"}}; });
+    {
+        VKcurlService session;
+        session.EnableCookies();
+        for (int i = 0; i < 2; ++i)
+            EXPECT_EQ(session.SendRequest(VKcurlService::GET, server.Url(), ""), CURLE_OK);
+        EXPECT_EQ(server.Last().Header("cookie"), "id=7");
+        session.FlushCookies();
+    }
+    VKcurlService later;
+    later.EnableCookies();
+    EXPECT_EQ(later.SendRequest(VKcurlService::GET, server.Url(), ""), CURLE_OK);
+    EXPECT_EQ(server.Last().Header("cookie"), "id=7");
+}
+
+TEST_F(VKcurlServiceTest, DownloadsIntoAFileByteForByte)
+{
+    const std::string content("binary\0content", 14);
+    HttpServer server([&](const Request&) { return Response{200, content}; });
+    VKcurlService session;
+    const std::string path = m_root / "got";
+    EXPECT_EQ(session.DownloadFile(server.Url().c_str(), path.c_str()), CURLE_OK);
+    EXPECT_EQ(m_root.Read("got"), content);
+    EXPECT_EQ(server.Last().Header("user-agent"), "Mozilla/4.0");
+    EXPECT_EQ(session.DownloadFile(server.Url().c_str(), "/no/such/dir/file"), CURLE_WRITE_ERROR);
+    EXPECT_EQ(session.DownloadFile(server.Url().c_str(), "/dev/full"), CURLE_WRITE_ERROR);
+}
+
+TEST_F(VKcurlServiceTest, GivesAHangingRequestUpAndTellsTheStatusOfAnyOther)
+{
+    HttpServer silent([](const Request&) { return Response{0}; });
+    VKcurlService session;
+    session.SetTimeout(1);
+    EXPECT_EQ(session.SendRequest(VKcurlService::GET, silent.Url(), ""), CURLE_OPERATION_TIMEDOUT);
+    for (const int status : {400, 401, 503}) {
+        HttpServer server([status](const Request&) { return Response{status, "why"}; });
+        EXPECT_EQ(session.SendRequest(VKcurlService::POST, server.Url(), "body"), CURLE_OK);
+        EXPECT_EQ(session.GetReturnCode(), status);
+        EXPECT_EQ(session.GetPage(), "why");
+    }
+    EXPECT_EQ(session.GetErrorStr(CURLE_COULDNT_CONNECT), curl_easy_strerror(CURLE_COULDNT_CONNECT));
+    EXPECT_TRUE(session.CloseSession());
+    EXPECT_FALSE(session.IsSessionOpen());
+    EXPECT_FALSE(session.SendMessage(nullptr));
+}
+
+} // namespace
