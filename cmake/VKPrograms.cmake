@@ -10,6 +10,7 @@ function(vk_program NAME)
     target_link_libraries(${NAME}_parts PUBLIC vk_host_common ${ARGN})
     add_executable(${NAME} main.cpp)
     target_link_libraries(${NAME} PRIVATE ${NAME}_parts)
+    set_target_properties(${NAME} PROPERTIES INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
     install(TARGETS ${NAME} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endfunction()
 
