@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <string_view>
 #include <fcntl.h>
 
 struct file_find_t
@@ -20,7 +21,7 @@ bool IsDots(const char* name) { return !std::strcmp(name, ".") || !std::strcmp(n
 void Describe(DIR* directory, const char* name, finddata_t& found)
 {
     found = {};
-    std::strncpy(found.name, name, sizeof found.name - 1);
+    std::string_view(name).copy(found.name, sizeof found.name - 1); // the end is there: found was cleared
     struct stat facts = {};
     if (fstatat(dirfd(directory), name, &facts, 0) != 0)
         return; // gone meanwhile: the name is what is known
