@@ -62,17 +62,32 @@ std::string VKMXPmBase::GenerateXML() const
 
 void VKMXPmBase::AppendXML(std::string& out) const
 {
-    const bool response = m_iPacketType == kResponse;
+    if (m_iPacketType != kResponse || m_strParameters.empty())
+        return AppendXML(out, GenerateParamXML());
+    AppendStart(out);
+    out += m_strParameters;
+    AppendEnd(out);
+}
+
+void VKMXPmBase::AppendXML(std::string& out, std::string_view parameters) const
+{
+    AppendStart(out);
+    out.append("<parameters>\n").append(parameters).append("</parameters>\n");
+    AppendEnd(out);
+}
+
+void VKMXPmBase::AppendStart(std::string& out) const
+{
     const Kind& kind = m_iPacketType == kRequest ? kKinds[0] : kKinds[1];
     out.append("<").append(GetName()).append(" xmlns='").append(kind.space);
     out.append("' type='").append(kind.word).append("' seq='");
     vk::AppendValue(out, m_iSequence);
     out += "'>\n";
-    if (response && !m_strParameters.empty())
-        out += m_strParameters;
-    else
-        out.append("<parameters>\n").append(GenerateParamXML()).append("</parameters>\n");
-    if (response)
+}
+
+void VKMXPmBase::AppendEnd(std::string& out) const
+{
+    if (m_iPacketType == kResponse)
         AppendResponse(out);
     out.append("</").append(GetName()).append(">");
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -50,6 +51,9 @@ public:
     std::string GenerateXML() const;
     void AppendXML(std::string& out) const; ///< the same, appended
 
+    /// The same with a given inside of `parameters` in place of the packet's own.
+    void AppendXML(std::string& out, std::string_view parameters) const;
+
     /// Reads the packet's element and answers the valid flag. Throws XmlReaderWriter::NodeException for a missing
     /// child or attribute.
     bool ParseXML(XmlReaderWriter::Node& element);
@@ -81,6 +85,8 @@ public:
     std::string m_strParameters; ///< the element `parameters` of a request that was read, as received
 
 private:
+    void AppendStart(std::string& out) const;
+    void AppendEnd(std::string& out) const;
     void AppendResponse(std::string& out) const;
     bool ReadKind(const XmlReaderWriter::Node& element);
     bool ReadResponse(XmlReaderWriter::Node response);

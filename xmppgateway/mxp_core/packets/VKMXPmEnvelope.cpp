@@ -4,11 +4,7 @@
 #include <iterator>
 #include <memory>
 
-#include "VKMXPmConfirmMsg.h"
-#include "VKMXPmMessage.h"
-#include "VKMXPmRejectMsg.h"
-#include "VKMXPmSendMsgResponse.h"
-#include "VKMXPmSetMsgStatus.h"
+#include "VKMXPmPackets.h"
 #include "VKMXPmValue.h"
 
 namespace {
@@ -32,17 +28,14 @@ enum Error {
 
 template <class Packet> VKMXPmBase* GetModelObjectInstance() { return std::make_unique<Packet>().release(); }
 
-template <class Packet> constexpr VKMXPmEnvelope::ModelRow RowOf()
+template <class... Packets> constexpr VKMXPmEnvelope::ModelMap MapOf(const std::tuple<vk::Kind<Packets>...>&)
 {
-    return {Packet::kElement, &GetModelObjectInstance<Packet>};
+    return {{{Packets::kElement, &GetModelObjectInstance<Packets>}..., {nullptr, nullptr}}};
 }
 
 } // namespace
 
-const VKMXPmEnvelope::ModelRow VKMXPmEnvelope::arrModelMap[] = {
-    RowOf<VKMXPmMessage>(),    RowOf<VKMXPmSetMsgStatus>(), RowOf<VKMXPmSendMsgResponse>(),
-    RowOf<VKMXPmConfirmMsg>(), RowOf<VKMXPmRejectMsg>(),    {nullptr, nullptr},
-};
+const VKMXPmEnvelope::ModelMap VKMXPmEnvelope::arrModelMap = MapOf(vk::kPackets);
 
 VKMXPmEnvelope::~VKMXPmEnvelope() { ClearModels(); }
 
@@ -108,10 +101,10 @@ std::string VKMXPmEnvelope::GenerateXML() const
 VKMXPmBase* VKMXPmEnvelope::GetModelObject(XmlReaderWriter::Node& element)
 {
     const std::string_view name = element.nameText();
-    for (const ModelRow* row = arrModelMap; row->first; ++row) {
-        if (name != row->first)
+    for (const auto& [word, make] : arrModelMap) {
+        if (!word || name != word)
             continue;
-        std::unique_ptr<VKMXPmBase> model(row->second());
+        std::unique_ptr<VKMXPmBase> model(make());
         return model && model->ParseXML(element) ? model.release() : nullptr;
     }
     return nullptr;

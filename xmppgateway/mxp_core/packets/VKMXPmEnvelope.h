@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -16,8 +17,12 @@ public:
     using Models = std::vector<VKMXPmBase*>;
     using ModelRow = std::pair<const char*, VKMXPmBase* (*)()>;
 
+    /// How many kinds of packets there are.
+    static constexpr std::size_t kModelCount = 18;
+    using ModelMap = std::array<ModelRow, kModelCount + 1>;
+
     /// Element names and what makes their packets; ends with a null row.
-    static const ModelRow arrModelMap[];
+    static const ModelMap arrModelMap;
 
     VKMXPmEnvelope() = default;
     ~VKMXPmEnvelope();

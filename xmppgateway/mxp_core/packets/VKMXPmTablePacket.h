@@ -1,16 +1,19 @@
 #pragma once
 
 #include <string>
+#include <tuple>
 
 #include "VKField.h"
 #include "VKMXPmBase.h"
 #include "VKMXPmMarks.h"
+#include "VKMXPmRows.h"
 
 namespace vk {
 
-/// A packet whose `parameters` are one field table and whose `result` is empty. The packet gives its element's name,
-/// `kElement`, and its table, `ParamFields()`, in the order of the wire; writer, reader and required-field test are
-/// walks over the table, which VKMXPmFields.h defines. A packet instantiates its walks in its own source.
+/// A packet whose `parameters` and `result` are one field table each. The packet gives its element's name, `kElement`,
+/// and its tables, `ParamFields()` and, unless it answers with nothing, `ResultFields()`, in the order of the wire;
+/// writer, reader and required-field test are walks over them, which VKMXPmFields.h defines. A packet instantiates its
+/// walks in its own source.
 template <class Packet> class TablePacket : public VKMXPmBase
 {
 public:
@@ -19,7 +22,16 @@ public:
     bool ParseParamXML(XmlReaderWriter::Node& parameters) override;
     bool ValidateParams() const override;
     std::string GenerateResponseXML() const override;
+
+    /// False when the packet reads its result and there is none of type XML.
     bool ParseResponseXML(XmlReaderWriter::Node& result) override;
+
+    static constexpr std::tuple<> ResultFields() { return {}; }
+
+    /// A packet that only the other side sends has parameters that are read but never written, and a result that is
+    /// written but never read. It says so with constants of its own.
+    static constexpr bool kWritesParams = true;
+    static constexpr bool kReadsResult = true;
 };
 
 } // namespace vk

@@ -1,14 +1,10 @@
 #pragma once
 
-#include <algorithm>
-#include <charconv>
-#include <cstdint>
-#include <limits>
 #include <string>
 #include <string_view>
 #include <strings.h>
-#include <system_error>
 
+#include "VKMXPmNumber.h"
 #include "VKsysCodec.h"
 
 /// \file
@@ -19,33 +15,9 @@ namespace vk {
 
 inline void AppendValue(std::string& out, std::string_view text) { VKsysCodec::AppendXmlData(out, text); }
 
-inline void AppendValue(std::string& out, std::int32_t number)
-{
-    char digits[12];
-    out.append(digits, std::to_chars(digits, digits + sizeof digits, number).ptr);
-}
-
 inline void AppendValue(std::string& out, bool flag) { out += flag ? '1' : '0'; }
 
 inline void ReadValue(std::string_view text, std::string& value) { value.assign(text); }
-
-/// The leading digits, base 10, behind blanks and a sign, as strtol reads them; 0 without any. A number beyond 32 bits
-/// is cut to them.
-inline std::int32_t NumberOf(std::string_view text)
-{
-    text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
-    const bool negative = !text.empty() && text.front() == '-';
-    if (negative || (!text.empty() && text.front() == '+'))
-        text.remove_prefix(1);
-    unsigned long digits = 0;
-    const bool tooLong =
-        std::from_chars(text.data(), text.data() + text.size(), digits).ec == std::errc::result_out_of_range;
-    constexpr unsigned long most = std::numeric_limits<long>::max();
-    const unsigned long magnitude = tooLong || digits > most ? most + negative : digits;
-    return static_cast<std::int32_t>(negative ? 0 - magnitude : magnitude);
-}
-
-inline void ReadValue(std::string_view text, std::int32_t& value) { value = NumberOf(text); }
 
 /// False for an empty text and for "false", "0" and "no" in any case.
 inline void ReadValue(std::string_view text, bool& value)

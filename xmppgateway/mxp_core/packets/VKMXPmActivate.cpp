@@ -1,0 +1,5 @@
+#include "VKMXPmActivate.h"
+
+#include "VKMXPmFields.h"
+
+template class vk::TablePacket<VKMXPmActivate>;

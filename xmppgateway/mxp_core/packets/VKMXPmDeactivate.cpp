@@ -1,0 +1,5 @@
+#include "VKMXPmDeactivate.h"
+
+#include "VKMXPmFields.h"
+
+template class vk::TablePacket<VKMXPmDeactivate>;

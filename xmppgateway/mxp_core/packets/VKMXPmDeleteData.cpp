@@ -1,0 +1,5 @@
+#include "VKMXPmDeleteData.h"
+
+#include "VKMXPmFields.h"
+
+template class vk::TablePacket<VKMXPmDeleteData>;

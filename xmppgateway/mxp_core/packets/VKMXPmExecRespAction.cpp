@@ -1,0 +1,5 @@
+#include "VKMXPmExecRespAction.h"
+
+#include "VKMXPmFields.h"
+
+template class vk::TablePacket<VKMXPmExecRespAction>;

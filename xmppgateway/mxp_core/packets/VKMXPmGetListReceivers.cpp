@@ -1,0 +1,5 @@
+#include "VKMXPmGetListReceivers.h"
+
+#include "VKMXPmFields.h"
+
+template class vk::TablePacket<VKMXPmGetListReceivers>;

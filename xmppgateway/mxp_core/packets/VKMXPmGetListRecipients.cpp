@@ -1,0 +1,5 @@
+#include "VKMXPmGetListRecipients.h"
+
+#include "VKMXPmFields.h"
+
+template class vk::TablePacket<VKMXPmGetListRecipients>;

@@ -1,0 +1,5 @@
+#include "VKMXPmGetListRespAction.h"
+
+#include "VKMXPmFields.h"
+
+template class vk::TablePacket<VKMXPmGetListRespAction>;

@@ -1,0 +1,5 @@
+#include "VKMXPmGetMsgStatus.h"
+
+#include "VKMXPmFields.h"
+
+template class vk::TablePacket<VKMXPmGetMsgStatus>;

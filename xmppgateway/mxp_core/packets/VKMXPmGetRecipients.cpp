@@ -1,0 +1,5 @@
+#include "VKMXPmGetRecipients.h"
+
+#include "VKMXPmFields.h"
+
+template class vk::TablePacket<VKMXPmGetRecipients>;

@@ -1,0 +1,5 @@
+#include "VKMXPmSendMsg.h"
+
+#include "VKMXPmFields.h"
+
+template class vk::TablePacket<VKMXPmSendMsg>;

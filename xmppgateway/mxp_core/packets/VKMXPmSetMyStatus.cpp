@@ -1,0 +1,5 @@
+#include "VKMXPmSetMyStatus.h"
+
+#include "VKMXPmFields.h"
+
+template class vk::TablePacket<VKMXPmSetMyStatus>;

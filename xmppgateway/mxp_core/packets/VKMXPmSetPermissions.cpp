@@ -1,0 +1,5 @@
+#include "VKMXPmSetPermissions.h"
+
+#include "VKMXPmFields.h"
+
+template class vk::TablePacket<VKMXPmSetPermissions>;

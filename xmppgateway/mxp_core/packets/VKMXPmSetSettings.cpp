@@ -1,0 +1,5 @@
+#include "VKMXPmSetSettings.h"
+
+#include "VKMXPmFields.h"
+
+template class vk::TablePacket<VKMXPmSetSettings>;
