@@ -4,73 +4,6 @@
 
 namespace {
 
-template <class Packet> class DeliveryPacket : public testing::Test
-{
-};
-
-using Packets =
-    testing::Types<VKMXPmMessage, VKMXPmConfirmMsg, VKMXPmRejectMsg, VKMXPmSetMsgStatus, VKMXPmSendMsgResponse>;
-TYPED_TEST_SUITE(DeliveryPacket, Packets);
-
-TYPED_TEST(DeliveryPacket, EveryFieldComesBackAsWritten)
-{
-    const auto sent = kit::Full<TypeParam>();
-    TypeParam fresh;
-    vk::ForEachField(TypeParam::ParamFields(), [&](const auto& row) {
-        EXPECT_FALSE(vk::SameValue(row.of(*sent), row.of(fresh))) << row.name << " was not filled";
-    });
-    TypeParam received;
-    ASSERT_TRUE(received.ParseXML(sent->GenerateXML()));
-    vk::ForEachField(TypeParam::ParamFields(),
-                     [&](const auto& row) { EXPECT_TRUE(vk::SameValue(row.of(*sent), row.of(received))) << row.name; });
-    EXPECT_EQ(received.m_iSequence, 7);
-    EXPECT_EQ(received.GenerateXML(), sent->GenerateXML());
-}
-
-TYPED_TEST(DeliveryPacket, MissingElementIsNamed)
-{
-    const std::string whole = kit::Full<TypeParam>()->GenerateXML();
-    vk::ForEachField(TypeParam::ParamFields(), [&](const auto& row) {
-        std::string text = whole;
-        const std::string name = row.name;
-        const std::size_t begin = text.find("<" + name);
-        ASSERT_NE(begin, std::string::npos) << name;
-        const std::size_t end = text.find("</" + name + ">", begin) + name.size() + 3;
-        text.erase(begin, end - begin);
-
-        VKMXPmEnvelope envelope;
-        const bool optional = std::decay_t<decltype(row)>::template has<vk::Optional>;
-        EXPECT_EQ(envelope.ParseXML(kit::Envelope(text)), optional) << name;
-        EXPECT_EQ(envelope.m_strErrorText,
-                  optional ? "" : "XML parsing error. Unable to find child node '" + name + "'.");
-    });
-}
-
-TYPED_TEST(DeliveryPacket, EmptyTextIsRefusedWhereItMustNotBe)
-{
-    vk::ForEachField(TypeParam::ParamFields(), [](const auto& row) {
-        auto packet = kit::Full<TypeParam>();
-        row.of(*packet) = {};
-        VKMXPmEnvelope envelope;
-        const bool refused = std::decay_t<decltype(row)>::template has<vk::NotEmpty>;
-        EXPECT_EQ(envelope.ParseXML(kit::Envelope(packet->GenerateXML())), !refused) << row.name;
-        EXPECT_EQ(envelope.m_iErrorCode, refused ? 1008 : 0) << row.name;
-    });
-}
-
-TYPED_TEST(DeliveryPacket, ResponseIsNotValidatedButMustBeComplete)
-{
-    TypeParam packet;
-    packet.m_iPacketType = VKMXPmBase::kResponse;
-    TypeParam received;
-    EXPECT_TRUE(received.ParseXML(packet.GenerateXML())) << "empty parameters, but all there";
-    EXPECT_TRUE(received.m_strParameters.empty());
-    std::string text = packet.GenerateXML();
-    text.replace(text.find("job-id"), 6, "nob-id").replace(text.find("/job-id"), 7, "/nob-id");
-    EXPECT_THROW(received.ParseXML(text), XmlReaderWriter::NodeException);
-    EXPECT_FALSE(received.m_bValid);
-}
-
 TEST(MessagePacket, IsWrittenToTheByte)
 {
     VKMXPmMessage message;
@@ -144,26 +77,6 @@ TEST(MessagePacket, ToleratesWhatItsReaderTolerates)
     EXPECT_FALSE(noMime.ParseXML(kit::Envelope(text.erase(text.find(" mime='m'"), 9))));
     EXPECT_EQ(noMime.m_iErrorCode, 1007);
     EXPECT_EQ(noMime.m_strErrorText, "XML parsing error. No attribute by given name.");
-}
-
-TEST(Numbers, AreReadByTheirLeadingDigits)
-{
-    const std::pair<const char*, std::int32_t> table[] = {
-        {"", 0},
-        {"abc", 0},
-        {" \n12", 12},
-        {"-7x", -7},
-        {"+-5", 0},
-        {"+5", 5},
-        {"2147483648", INT32_MIN},
-        {"4294967297", 1},
-        {"- 1", 0},
-        {"0x10", 0},
-        {"99999999999999999999", -1},
-        {"-99999999999999999999", 0},
-    };
-    for (const auto& [text, number] : table)
-        EXPECT_EQ(vk::NumberOf(text), number) << text;
 }
 
 } // namespace

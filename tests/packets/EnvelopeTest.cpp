@@ -180,12 +180,15 @@ TEST(Envelope, GathersErrorTextsTheNewestFirst)
 TEST(Envelope, KnowsItsPacketsByTheirOwnNames)
 {
     std::vector<std::string> names;
-    for (const auto* row = VKMXPmEnvelope::arrModelMap; row->first; ++row) {
+    for (const auto* row = VKMXPmEnvelope::arrModelMap.data(); row->first; ++row) {
         names.emplace_back(row->first);
         EXPECT_STREQ(std::unique_ptr<VKMXPmBase>(row->second())->GetName(), row->first);
     }
-    EXPECT_EQ(names, (std::vector<std::string>{"message", "set-msg-status", "send-msg-response", "confirm-msg",
-                                               "reject-msg"}));
+    EXPECT_EQ(names, (std::vector<std::string>{"set-my-status", "message", "set-msg-status", "send-msg-response",
+                                               "confirm-msg", "reject-msg", "send-msg", "get-msg-status",
+                                               "exec-resp-action", "getlist-resp-action", "activate", "deactivate",
+                                               "set-permissions", "set-settings", "wipe", "getlist-receivers",
+                                               "getlist-recipients", "get-recipients"}));
 }
 
 } // namespace

@@ -1,17 +1,16 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <memory>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
-#include "VKMXPmConfirmMsg.h"
 #include "VKMXPmEnvelope.h"
 #include "VKMXPmFields.h"
-#include "VKMXPmMessage.h"
-#include "VKMXPmRejectMsg.h"
-#include "VKMXPmSendMsgResponse.h"
-#include "VKMXPmSetMsgStatus.h"
+#include "VKMXPmPackets.h"
 
 /// Fills and wraps packets of any kind by walking their tables.
 namespace kit {
@@ -24,14 +23,20 @@ template <class Record, class Table> void Fill(Record& record, const Table& tabl
 template <class Value> void FillValue(Value& value, int& seed)
 {
     ++seed;
-    if constexpr (std::is_same_v<Value, std::string>)
+    if constexpr (std::is_same_v<Value, std::string>) {
         value = kHostile + std::to_string(seed);
-    else if constexpr (std::is_same_v<Value, bool>)
+    } else if constexpr (std::is_same_v<Value, bool>) {
         value = true;
-    else if constexpr (vk::detail::IsRecord<Value>::value)
-        Fill(value, Value::Fields(), seed);
-    else
-        value = -1000 * seed;
+    } else if constexpr (vk::kIsSetting<Value>) {
+        FillValue(value.value, seed);
+        value.present = true;
+    } else if constexpr (vk::kIsRecord<Value>) {
+        Fill(value, vk::TableOf<Value>::Fields(), seed);
+    } else if constexpr (std::is_same_v<Value, double>) {
+        value = -0.125 * seed;
+    } else {
+        value = static_cast<Value>(std::is_signed_v<Value> ? -1000 * seed : 1000 * seed);
+    }
 }
 
 template <class Item> void FillValue(std::vector<Item>& items, int& seed)
@@ -43,24 +48,34 @@ template <class Item> void FillValue(std::vector<Item>& items, int& seed)
 
 template <class Record, class Table> void Fill(Record& record, const Table& table, int& seed)
 {
-    vk::ForEachField(table, [&](const auto& row) {
-        if constexpr (std::decay_t<decltype(row)>::template has<vk::Verbatim>)
+    vk::ForEachFlatField(table, [&](const auto& row) {
+        using Row = std::decay_t<decltype(row)>;
+        if constexpr (Row::template has<vk::Verbatim>)
             row.of(record) = std::string("<") + row.name + " a='1'>\n<b>&amp;</b ></" + row.name + ">";
         else
             FillValue(row.of(record), seed);
     });
 }
 
-/// A valid packet with a value of its own in every field.
+/// A valid packet with a value of its own in every field that a request or a response carries.
 template <class Packet> std::unique_ptr<Packet> Full()
 {
     auto packet = std::make_unique<Packet>();
     int seed = 0;
     Fill(*packet, Packet::ParamFields(), seed);
+    Fill(*packet, Packet::ResultFields(), seed);
     packet->m_iSequence = 7;
+    packet->m_eResponseResultType = eRespResultXml;
     packet->m_bValid = true;
     return packet;
 }
+
+template <class Kinds> struct TypesOf;
+template <class... Packets> struct TypesOf<const std::tuple<vk::Kind<Packets>...>>
+{
+    using Type = testing::Types<Packets...>;
+};
+using AllKinds = TypesOf<decltype(vk::kPackets)>::Type;
 
 inline std::string Envelope(const std::string& packets, const std::string& space = "vardock:mxp")
 {
@@ -71,6 +86,31 @@ inline std::string Request(const std::string& name, const std::string& parameter
 {
     return "<" + name + " xmlns='vardock:mxp:request' type='request' seq='7'>\n<parameters>\n" + parameters +
            "</parameters>\n</" + name + ">\n";
+}
+
+inline std::string Response(const std::string& name, const std::string& parameters, const std::string& result)
+{
+    return "<" + name + " xmlns='vardock:mxp:response' type='response' seq='7'>\n<parameters>\n" + parameters +
+           "</parameters>\n<response><code>1</code><err-code>0</err-code><message/>" + result + "</response></" + name +
+           ">\n";
+}
+
+/// The packet as the other side has to send it.
+template <class Packet> std::string Sent(const Packet& packet)
+{
+    std::string text;
+    packet.AppendXML(text, vk::ParamsForReader(packet));
+    return text;
+}
+
+/// The one packet of an envelope in which it is read; null with the envelope's error when it is refused.
+template <class Packet> std::unique_ptr<Packet> Received(const std::string& text, std::string* error = nullptr)
+{
+    VKMXPmEnvelope envelope;
+    envelope.ParseXML(Envelope(text));
+    if (error)
+        *error = envelope.m_iErrorCode ? std::to_string(envelope.m_iErrorCode) + " " + envelope.m_strErrorText : "";
+    return std::unique_ptr<Packet>(dynamic_cast<Packet*>(envelope.Detach(0)));
 }
 
 } // namespace kit

@@ -1,0 +1,299 @@
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "PacketKit.h"
+
+/// What holds for every kind of packet, by walks over its tables.
+
+namespace {
+
+/// Where a value stands on the wire: a road of elements and the value's own name.
+struct Place
+{
+    std::vector<std::string> path;
+    std::string attribute; ///< empty when the value is the last element's contents
+    bool mayMiss = false;
+    bool notEmpty = false;
+    bool number = false;
+};
+
+using Places = std::vector<Place>;
+
+template <class Table, class Record>
+void Collect(const Table& table, const std::vector<std::string>& path, Places& places);
+
+/// The attribute of an element, or its contents.
+template <class Record, class Row>
+Place PlaceOf(const Row&, std::vector<std::string> path, const char* attribute, bool mayMiss)
+{
+    Place place{std::move(path), attribute, mayMiss, false, false};
+    if constexpr (!vk::kIsGroup<Row>) {
+        using Value = typename Row::Value;
+        place.notEmpty = Row::template has<vk::NotEmpty>;
+        place.number = std::is_same_v<Value, std::int32_t> || std::is_same_v<Value, vk::Setting<std::int32_t>> ||
+                       std::is_same_v<Value, unsigned long> || std::is_same_v<Value, double>;
+    }
+    return place;
+}
+
+template <class Item> void CollectItem(std::vector<std::string> path, const char* name, Places& places)
+{
+    path.emplace_back(name);
+    if constexpr (vk::kIsRecord<Item>)
+        Collect<decltype(vk::TableOf<Item>::Fields()), Item>(vk::TableOf<Item>::Fields(), path, places);
+}
+
+template <class Record, class Row> void CollectElement(const Row& row, std::vector<std::string> path, Places& places)
+{
+    path.emplace_back(row.name);
+    places.push_back(PlaceOf<Record>(row, path, "", vk::MayMiss<Record, Row>()));
+    if constexpr (vk::kIsGroup<Row>) {
+        Collect<decltype(row.rows), Record>(row.rows, path, places);
+    } else {
+        using Value = typename Row::Value;
+        if constexpr (Row::template has<vk::ItemsNamed>)
+            CollectItem<typename Value::value_type>(path, row.template mark<vk::ItemsNamed>().name, places);
+        else if constexpr (vk::kIsRecord<Value>)
+            Collect<decltype(vk::TableOf<Value>::Fields()), Value>(vk::TableOf<Value>::Fields(), path, places);
+        else if constexpr (vk::kValueInAttribute<vk::Form::Read, Row>)
+            places.push_back(PlaceOf<Record>(row, path, vk::ValueAttribute<vk::Form::Read>(row), false));
+    }
+}
+
+/// Every place of a table that its reader looks at.
+template <class Table, class Record>
+void Collect(const Table& table, const std::vector<std::string>& path, Places& places)
+{
+    vk::ForEachField(table, [&](const auto& row) {
+        using Row = std::decay_t<decltype(row)>;
+        if constexpr (vk::kIsFixed<Row> || Row::template has<vk::CountOf> || vk::kIsContents<Row>)
+            return;
+        else if constexpr (Row::template has<vk::Attribute>)
+            places.push_back(PlaceOf<Record>(row, path, row.name, vk::MayMiss<Record, Row>()));
+        else if constexpr (Row::template has<vk::Items>)
+            CollectItem<typename Row::Value::value_type>(path, row.name, places);
+        else
+            CollectElement<Record>(row, path, places);
+    });
+}
+
+template <class Packet> Places ParamPlaces()
+{
+    Places places;
+    const auto table = Packet::ParamFields();
+    Collect<decltype(table), Packet>(table, {"parameters"}, places);
+    return places;
+}
+
+template <class Packet> Places ResultPlaces()
+{
+    Places places;
+    const auto table = Packet::ResultFields();
+    if (Packet::kReadsResult)
+        Collect<decltype(table), Packet>(table, {"response", "result"}, places);
+    return places;
+}
+
+/// A packet's text after a change at one place.
+std::string Changed(const std::string& text, const Place& place,
+                    const std::function<void(XmlReaderWriter::Node& parent, XmlReaderWriter::Node& node)>& change)
+{
+    XmlReaderWriter document;
+    EXPECT_TRUE(document.readFrom(text));
+    XmlReaderWriter::Node parent;
+    XmlReaderWriter::Node node = document.getRootNode();
+    for (const std::string& name : place.path) {
+        parent = node;
+        node = parent[name];
+    }
+    change(parent, node);
+    return document.getRootNode().toString();
+}
+
+std::string Without(const std::string& text, const Place& place)
+{
+    return Changed(text, place, [&](auto& parent, auto& node) {
+        EXPECT_TRUE(place.attribute.empty() ? parent.delChild(place.path.back()) : node.delAttribute(place.attribute));
+    });
+}
+
+std::string With(const std::string& text, const Place& place, const std::string& value)
+{
+    return Changed(text, place, [&](auto&, auto& node) {
+        if (place.attribute.empty())
+            node.value() = value;
+        else
+            node.attributeValue(place.attribute) = value;
+    });
+}
+
+std::string At(const std::string& text, const Place& place)
+{
+    std::string value;
+    Changed(text, place, [&](auto&, auto& node) {
+        value = place.attribute.empty() ? node.contentsText() : node.attributeText(place.attribute);
+    });
+    return value;
+}
+
+/// Every text of a record, those of its lists and records included.
+template <class Record, class Table>
+void CollectTexts(Record& record, const Table& table, std::vector<std::string*>& texts)
+{
+    const auto collect = [&](auto& value, auto& self) {
+        using Value = std::decay_t<decltype(value)>;
+        if constexpr (std::is_same_v<Value, std::string>)
+            texts.push_back(&value);
+        else if constexpr (std::is_same_v<Value, vk::Setting<std::string>>)
+            texts.push_back(&value.value);
+        else if constexpr (vk::kIsRecord<Value>)
+            CollectTexts(value, vk::TableOf<Value>::Fields(), texts);
+        else if constexpr (!std::is_arithmetic_v<Value> && !vk::kIsSetting<Value>)
+            self(value.front(), self);
+    };
+    vk::ForEachFlatField(table, [&](const auto& row) {
+        if constexpr (!std::decay_t<decltype(row)>::template has<vk::Verbatim>)
+            collect(row.of(record), collect);
+    });
+}
+
+template <class Packet> std::string FullText(std::int32_t type)
+{
+    auto packet = kit::Full<Packet>();
+    packet->m_iPacketType = type;
+    return kit::Sent(*packet);
+}
+
+template <class Packet> class PacketKind : public testing::Test
+{
+protected:
+    /// Each place in turn is taken out of a text that is whole.
+    static void TakeEachOut(const std::string& whole, const Places& places)
+    {
+        ASSERT_TRUE(kit::Received<Packet>(whole));
+        for (const Place& place : places) {
+            std::string error;
+            const auto packet = kit::Received<Packet>(Without(whole, place), &error);
+            const std::string name = place.path.back() + " " + place.attribute;
+            if (place.mayMiss)
+                EXPECT_EQ(error, "") << name;
+            else if (place.attribute.empty())
+                EXPECT_EQ(error, "1007 XML parsing error. Unable to find child node '" + place.path.back() + "'.");
+            else
+                EXPECT_EQ(error, "1007 XML parsing error. No attribute by given name.") << name;
+            EXPECT_EQ(packet != nullptr, place.mayMiss) << name;
+        }
+    }
+};
+
+TYPED_TEST_SUITE(PacketKind, kit::AllKinds);
+
+TYPED_TEST(PacketKind, EveryFieldComesBackFromARequest)
+{
+    const auto sent = kit::Full<TypeParam>();
+    TypeParam fresh;
+    vk::ForEachFlatField(TypeParam::ParamFields(), [&](const auto& row) {
+        EXPECT_FALSE(vk::SameValue(row.of(*sent), row.of(fresh))) << row.name << " was not filled";
+    });
+    std::string error;
+    const auto received = kit::Received<TypeParam>(kit::Sent(*sent), &error);
+    ASSERT_TRUE(received) << error;
+    vk::ForEachFlatField(TypeParam::ParamFields(), [&](const auto& row) {
+        EXPECT_TRUE(vk::SameValue(row.of(*sent), row.of(*received))) << row.name;
+    });
+    EXPECT_EQ(received->m_iSequence, 7);
+}
+
+TYPED_TEST(PacketKind, EveryFieldComesBackFromAResponse)
+{
+    auto sent = kit::Full<TypeParam>();
+    sent->m_iPacketType = VKMXPmBase::kResponse;
+    std::string error;
+    const auto received = kit::Received<TypeParam>(kit::Sent(*sent), &error);
+    ASSERT_TRUE(received) << error;
+    EXPECT_TRUE(vk::SameParameters(*sent, *received));
+    TypeParam fresh;
+    vk::ForEachFlatField(TypeParam::ResultFields(), [&](const auto& row) {
+        EXPECT_FALSE(vk::SameValue(row.of(*sent), row.of(fresh))) << row.name << " was not filled";
+        EXPECT_TRUE(vk::SameValue(TypeParam::kReadsResult ? row.of(*sent) : row.of(fresh), row.of(*received)))
+            << row.name;
+    });
+}
+
+TYPED_TEST(PacketKind, MissingElementOrAttributeIsNamed)
+{
+    this->TakeEachOut(FullText<TypeParam>(VKMXPmBase::kRequest), ParamPlaces<TypeParam>());
+    this->TakeEachOut(FullText<TypeParam>(VKMXPmBase::kResponse), ResultPlaces<TypeParam>());
+}
+
+TYPED_TEST(PacketKind, EmptyTextIsRefusedWhereItMustNotBeButNotInAResponse)
+{
+    const Places places = ParamPlaces<TypeParam>();
+    for (const Place& place : places) {
+        if (!place.notEmpty)
+            continue;
+        for (const char* empty : {"", " \n"}) {
+            std::string error;
+            EXPECT_FALSE(kit::Received<TypeParam>(With(FullText<TypeParam>(1), place, empty), &error));
+            EXPECT_EQ(error, "1008 NULL modal object.") << place.path.back();
+            EXPECT_TRUE(kit::Received<TypeParam>(With(FullText<TypeParam>(2), place, empty))) << place.path.back();
+        }
+    }
+}
+
+TYPED_TEST(PacketKind, ResultThatIsNoXmlIsRefusedByAReaderThatNeedsIt)
+{
+    auto packet = kit::Full<TypeParam>();
+    packet->m_iPacketType = VKMXPmBase::kResponse;
+    packet->m_eResponseResultType = eRespResultText;
+    std::string error;
+    const bool refused = !kit::Received<TypeParam>(kit::Sent(*packet), &error);
+    EXPECT_EQ(refused, TypeParam::kReadsResult && vk::FieldCount(TypeParam::ResultFields()) > 0);
+    EXPECT_EQ(error, refused ? "1008 NULL modal object." : "");
+}
+
+TYPED_TEST(PacketKind, TextOfAMegabyteIsCarriedInAnyField)
+{
+    auto sent = kit::Full<TypeParam>();
+    sent->m_iPacketType = VKMXPmBase::kResponse;
+    std::vector<std::string*> texts;
+    CollectTexts(*sent, TypeParam::ParamFields(), texts);
+    CollectTexts(*sent, TypeParam::ResultFields(), texts);
+    for (std::string* text : texts) {
+        const std::string kept = std::exchange(*text, std::string(1 << 20, 'x') + "&");
+        std::string error;
+        const auto received = kit::Received<TypeParam>(kit::Sent(*sent), &error);
+        ASSERT_TRUE(received) << error;
+        EXPECT_TRUE(vk::SameParameters(*sent, *received));
+        EXPECT_TRUE(!TypeParam::kReadsResult || vk::SameFields(*sent, *received, TypeParam::ResultFields()));
+        *text = kept;
+    }
+}
+
+TYPED_TEST(PacketKind, OddNumbersAreReadByTheirLeadingDigits)
+{
+    struct Odd
+    {
+        const char* text;
+        const char* read;
+    };
+    const Odd table[] = {{"", "0"},    {"abc", "0"},  {" \t12", "12"}, {"+5", "5"}, {"+-5", "0"},
+                         {"- 1", "0"}, {"0x10", "0"}, {"7 8", "7"},    {"9z", "9"}, {"007", "7"}};
+    const auto check = [&](const std::string& whole, const Places& places, auto write) {
+        for (const Place& place : places) {
+            if (!place.number)
+                continue;
+            for (const Odd& odd : table) {
+                const auto packet = kit::Received<TypeParam>(With(whole, place, odd.text));
+                ASSERT_TRUE(packet) << place.path.back() << " " << odd.text;
+                EXPECT_EQ(At(write(*packet), place), odd.read) << place.path.back() << " '" << odd.text << "'";
+            }
+        }
+    };
+    const auto write = [](const TypeParam& packet) { return kit::Sent(packet); };
+    check(FullText<TypeParam>(VKMXPmBase::kRequest), ParamPlaces<TypeParam>(), write);
+    check(FullText<TypeParam>(VKMXPmBase::kResponse), ResultPlaces<TypeParam>(), write);
+}
+
+} // namespace
