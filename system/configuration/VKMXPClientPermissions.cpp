@@ -2,7 +2,7 @@
 
 namespace {
 
-using Permission = vk::Setting<bool> VKMXPClientPermissions::*;
+using Permission = vk::Flagged<bool> VKMXPClientPermissions::*;
 
 constexpr Permission kPermissions[] = {
     &VKMXPClientPermissions::m_objAccessInbox,    &VKMXPClientPermissions::m_objReceiveMessage,

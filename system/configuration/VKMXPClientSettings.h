@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "VKSetting.h"
+#include "VKFlagged.h"
 
 /// How a mobile client is configured. Goes to the client in a packet, and into the general policy and a receiver's
 /// settings as JSON. Only what is present counts.
@@ -12,26 +12,26 @@ struct VKMXPClientSettings
     /// The alarm for messages of one severity.
     struct Alert
     {
-        vk::Setting<std::int32_t> m_objTone;
-        vk::Setting<std::int32_t> m_objCounter;
+        vk::Flagged<std::int32_t> m_objTone;
+        vk::Flagged<std::int32_t> m_objCounter;
     };
 
-    vk::Setting<bool> m_objAutoLoginAtStart;
-    vk::Setting<bool> m_objMasterPasswordEnabled;
-    vk::Setting<bool> m_objForcePasswordChange;
-    vk::Setting<std::string> m_objPassword;
-    vk::Setting<bool> m_objPromptOnForeground;
-    vk::Setting<bool> m_objPromptOnNewMessage;
-    vk::Setting<bool> m_objOpenMessagesAtLaunch;
-    vk::Setting<bool> m_objShowMessageTime;
-    vk::Setting<bool> m_objShowMessageJobID;
-    vk::Setting<bool> m_objShowMessageProperties;
-    vk::Setting<bool> m_objShowMessageOneLine;
-    vk::Setting<bool> m_objAutoDelete;
-    vk::Setting<bool> m_objSaveSentMessage;
-    vk::Setting<std::int32_t> m_objCleanReceivedAfter;
-    vk::Setting<std::int32_t> m_objCleanSentAfter;
-    vk::Setting<std::int32_t> m_objCleanDraftsAfter;
+    vk::Flagged<bool> m_objAutoLoginAtStart;
+    vk::Flagged<bool> m_objMasterPasswordEnabled;
+    vk::Flagged<bool> m_objForcePasswordChange;
+    vk::Flagged<std::string> m_objPassword;
+    vk::Flagged<bool> m_objPromptOnForeground;
+    vk::Flagged<bool> m_objPromptOnNewMessage;
+    vk::Flagged<bool> m_objOpenMessagesAtLaunch;
+    vk::Flagged<bool> m_objShowMessageTime;
+    vk::Flagged<bool> m_objShowMessageJobID;
+    vk::Flagged<bool> m_objShowMessageProperties;
+    vk::Flagged<bool> m_objShowMessageOneLine;
+    vk::Flagged<bool> m_objAutoDelete;
+    vk::Flagged<bool> m_objSaveSentMessage;
+    vk::Flagged<std::int32_t> m_objCleanReceivedAfter;
+    vk::Flagged<std::int32_t> m_objCleanSentAfter;
+    vk::Flagged<std::int32_t> m_objCleanDraftsAfter;
     Alert m_objNormal;
     Alert m_objImportant;
     Alert m_objWarning;

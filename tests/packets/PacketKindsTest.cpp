@@ -31,7 +31,7 @@ Place PlaceOf(const Row&, std::vector<std::string> path, const char* attribute, 
     if constexpr (!vk::kIsGroup<Row>) {
         using Value = typename Row::Value;
         place.notEmpty = Row::template has<vk::NotEmpty>;
-        place.number = std::is_same_v<Value, std::int32_t> || std::is_same_v<Value, vk::Setting<std::int32_t>> ||
+        place.number = std::is_same_v<Value, std::int32_t> || std::is_same_v<Value, vk::Flagged<std::int32_t>> ||
                        std::is_same_v<Value, unsigned long> || std::is_same_v<Value, double>;
     }
     return place;
@@ -145,11 +145,11 @@ void CollectTexts(Record& record, const Table& table, std::vector<std::string*>&
         using Value = std::decay_t<decltype(value)>;
         if constexpr (std::is_same_v<Value, std::string>)
             texts.push_back(&value);
-        else if constexpr (std::is_same_v<Value, vk::Setting<std::string>>)
+        else if constexpr (std::is_same_v<Value, vk::Flagged<std::string>>)
             texts.push_back(&value.value);
         else if constexpr (vk::kIsRecord<Value>)
             CollectTexts(value, vk::TableOf<Value>::Fields(), texts);
-        else if constexpr (!std::is_arithmetic_v<Value> && !vk::kIsSetting<Value>)
+        else if constexpr (!std::is_arithmetic_v<Value> && !vk::kIsFlagged<Value>)
             self(value.front(), self);
     };
     vk::ForEachFlatField(table, [&](const auto& row) {

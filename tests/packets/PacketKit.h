@@ -27,7 +27,7 @@ template <class Value> void FillValue(Value& value, int& seed)
         value = kHostile + std::to_string(seed);
     } else if constexpr (std::is_same_v<Value, bool>) {
         value = true;
-    } else if constexpr (vk::kIsSetting<Value>) {
+    } else if constexpr (vk::kIsFlagged<Value>) {
         FillValue(value.value, seed);
         value.present = true;
     } else if constexpr (vk::kIsRecord<Value>) {

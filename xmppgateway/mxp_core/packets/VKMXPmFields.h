@@ -20,7 +20,7 @@ template <class Record, class Table> bool FieldsFilled(const Record& record, con
     bool filled = true;
     ForEachFlatField(table, [&](const auto& row) {
         using Row = std::decay_t<decltype(row)>;
-        if constexpr (Row::template has<NotEmpty> && kIsSetting<typename Row::Value>)
+        if constexpr (Row::template has<NotEmpty> && kIsFlagged<typename Row::Value>)
             filled = filled && !(row.of(record).present && row.of(record).value.empty());
         else if constexpr (Row::template has<NotEmpty>)
             filled = filled && !row.of(record).empty();

@@ -15,7 +15,7 @@ struct Optional
 {
 };
 
-/// A request is refused when this text is empty; a setting only when it is present.
+/// A request is refused when this text is empty; a flagged value only when it is present.
 struct NotEmpty
 {
 };
@@ -25,7 +25,7 @@ struct OmitEmpty
 {
 };
 
-/// A group or record of settings: not written when none of them is present, and may be missing when read.
+/// A group or record of flagged values: not written when none of them is present, and may be missing when read.
 struct OmitUnset
 {
 };

@@ -14,7 +14,7 @@ namespace vk {
 
 template <class Row, class Value> void ReadFieldValue(std::string_view text, const Row& row, Value& value)
 {
-    if constexpr (kIsSetting<Value>) {
+    if constexpr (kIsFlagged<Value>) {
         ReadFieldValue(text, row, value.value);
         value.present = true;
     } else if constexpr (Row::template has<SetByOne>) {
@@ -53,13 +53,13 @@ template <class Item> void ReadItems(const XmlReaderWriter::Node& element, std::
     }
 }
 
-/// The contents of the table's element. A setting is there when there are any.
+/// The contents of the table's element. A flagged value is there when there are any.
 template <class Row, class Value> void ReadContents(const XmlReaderWriter::Node& element, const Row& row, Value& value)
 {
     std::string_view text = element.contentsText();
     if constexpr (Row::template has<OnOwnLine>)
         text = OffItsLine(text);
-    if (!kIsSetting<Value> || !text.empty())
+    if (!kIsFlagged<Value> || !text.empty())
         ReadFieldValue(text, row, value);
 }
 

@@ -6,7 +6,7 @@
 
 #include "VKField.h"
 #include "VKMXPmMarks.h"
-#include "VKSetting.h"
+#include "VKFlagged.h"
 
 /// \file
 /// What a packet's table may hold besides fields, and what can be told about a row at compile time.
@@ -88,13 +88,14 @@ template <class Row> inline constexpr bool kIsContents = Row::template has<Conte
 /// Whether a row depends on a flag of its record.
 template <class Record, class Row> inline constexpr bool kIsConditional = Row::template has<Unless<Record>>;
 
-/// Whether the element or attribute of a row may be missing when read. Settings and what is not always written may.
+/// Whether the element or attribute of a row may be missing when read. Flagged values and what is not always written
+/// may.
 template <class Record, class Row> constexpr bool MayMiss()
 {
     bool may = Row::template has<Optional> || Row::template has<OmitEmpty> || Row::template has<OmitUnset> ||
                kIsConditional<Record, Row>;
     if constexpr (!kIsGroup<Row>)
-        may = may || kIsSetting<typename Row::Value>;
+        may = may || kIsFlagged<typename Row::Value>;
     return may;
 }
 

@@ -34,7 +34,7 @@ template <Form form, class Row> constexpr const char* ValueAttribute(const Row& 
 
 template <Form form, class Row, class Value> void AppendFieldValue(std::string& out, const Row& row, const Value& value)
 {
-    if constexpr (kIsSetting<Value>)
+    if constexpr (kIsFlagged<Value>)
         AppendFieldValue<form>(out, row, value.value);
     else if constexpr (Row::template has<InWords>)
         out += value ? "true" : "false";
@@ -71,7 +71,7 @@ void AppendRowAttribute(std::string& out, const Record& record, const Row& row)
     } else if constexpr (Row::template has<Attribute>) {
         if constexpr (Row::template has<NeverWritten> && form == Form::Written)
             return;
-        else if constexpr (kIsSetting<typename Row::Value>)
+        else if constexpr (kIsFlagged<typename Row::Value>)
             if (!row.of(record).present)
                 return;
         AppendAttribute<form>(out, row.name, row, row.of(record));
@@ -173,7 +173,7 @@ template <Form form, class Record, class Row> void AppendRow(std::string& out, c
             AppendElement<form, Row>(out, row.name, record, row.rows);
         } else {
             const auto& value = row.of(record);
-            if constexpr (kIsSetting<typename Row::Value>)
+            if constexpr (kIsFlagged<typename Row::Value>)
                 if (!value.present)
                     return;
             if constexpr (Row::template has<OmitEmpty>)

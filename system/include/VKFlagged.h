@@ -6,7 +6,7 @@ namespace vk {
 
 /// A value that may be left alone: who sends or stores a set of settings says only what it means to change. The value
 /// keeps its own default; whether it counts is told by the flag alone.
-template <class T> struct Setting
+template <class T> struct Flagged
 {
     T value{};
     bool present = false;
@@ -16,14 +16,14 @@ template <class T> struct Setting
         value = std::move(given);
         present = true;
     }
-    friend bool operator==(const Setting& left, const Setting& right)
+    friend bool operator==(const Flagged& left, const Flagged& right)
     {
         return left.value == right.value && left.present == right.present;
     }
-    friend bool operator!=(const Setting& left, const Setting& right) { return !(left == right); }
+    friend bool operator!=(const Flagged& left, const Flagged& right) { return !(left == right); }
 };
 
-template <class T> inline constexpr bool kIsSetting = false;
-template <class T> inline constexpr bool kIsSetting<Setting<T>> = true;
+template <class T> inline constexpr bool kIsFlagged = false;
+template <class T> inline constexpr bool kIsFlagged<Flagged<T>> = true;
 
 } // namespace vk
