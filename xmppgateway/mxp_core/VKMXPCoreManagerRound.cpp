@@ -8,6 +8,8 @@
 #include "VKconLock.h"
 #include "VKthread.h"
 
+#include <openssl/crypto.h>
+
 #include <algorithm>
 
 namespace {
@@ -27,6 +29,9 @@ void VKMXPCoreManager::DoThreadWork()
         RunGuardedRound();
         WaitForWork();
     }
+    // What TLS keeps for this thread goes before anybody learns of its end: the process may be over before the thread's
+    // own clean-up has run.
+    OPENSSL_thread_stop();
     m_idWorkThread = std::thread::id();
     m_bRunning = false;
 }
