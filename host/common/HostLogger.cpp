@@ -7,11 +7,13 @@
 #include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace vk {
 
 namespace {
 
+constexpr std::size_t kLongestErrors = 1000; ///< a terminal's share; the file has them all
 constexpr off_t kSetAsideAt = 10 * 1024 * 1024;
 
 constexpr CodeText<VKLogInterface::LogLevel> kLabels[] = {
@@ -44,17 +46,17 @@ void HostLogger::EnableThreadIdPrefix(bool enable)
     m_threadPrefix = enable;
 }
 
-std::string HostLogger::LastError() const
+std::string HostLogger::TakeErrors()
 {
     const std::lock_guard guard(m_mutex);
-    return m_lastError;
+    return std::exchange(m_errors, {});
 }
 
 bool HostLogger::Write(LogLevel level, const std::string& message)
 {
     const std::lock_guard guard(m_mutex);
-    if (level >= ERROR)
-        m_lastError = message;
+    if (level >= ERROR && m_errors.size() < kLongestErrors)
+        m_errors += (m_errors.empty() ? "" : "; ") + message;
     if (level < m_level)
         return false;
     std::string line = IsoTime(std::chrono::system_clock::now()) + " " + TextOfCode(kLabels, level) + " ";

@@ -40,18 +40,18 @@ public:
     LogLevel GetLogLevel() override { return m_level; }
     std::string GetLoggerName() override { return m_name; }
 
-    /// The last message of level ERROR or above; empty when there was none.
-    std::string LastError() const;
+    /// The messages of level ERROR and above since the last call, with "; " between them, for the terminal.
+    std::string TakeErrors();
 
 private:
     bool Write(LogLevel level, const std::string& message);
 
     const std::string m_name;
     const LogLevel m_level;
-    mutable std::mutex m_mutex;
+    std::mutex m_mutex;
     // Guarded by m_mutex.
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> m_file;
-    std::string m_lastError;
+    std::string m_errors;
     bool m_threadPrefix = false;
 };
 

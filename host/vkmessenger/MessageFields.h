@@ -22,7 +22,7 @@ struct Range
     std::int64_t most;
 };
 
-/// A number in the record, true or false in the file.
+/// A number in the record, true or false (or 1 or 0) in the file.
 struct Flag
 {
 };

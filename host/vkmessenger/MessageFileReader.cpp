@@ -96,15 +96,21 @@ void ReadActionType(const Json::Value& json, std::int32_t& value, const std::str
         Refuse(place, R"(must be "terminal" or "non-terminal")");
 }
 
+void ReadFlag(const Json::Value& json, std::int32_t& value, const std::string& place)
+{
+    const bool number = json.type() == Json::intValue && (json == 0 || json == 1);
+    if (!json.isBool() && !number)
+        Refuse(place, "must be true or false");
+    value = json.asBool() ? 1 : 0;
+}
+
 template <class Row, class Value>
 void ReadField(const Row& row, const Json::Value& json, Value& value, const std::string& place)
 {
     if constexpr (Row::template has<ActionType>) {
         ReadActionType(json, value, place);
     } else if constexpr (Row::template has<Flag>) {
-        bool flag = false;
-        ReadValue(json, flag, place);
-        value = flag ? 1 : 0;
+        ReadFlag(json, value, place);
     } else if constexpr (Row::template has<Range>) {
         const Range limits = row.template mark<Range>();
         ReadNumber(json, value, place, static_cast<Value>(limits.least), static_cast<Value>(limits.most));

@@ -4,6 +4,7 @@
 #include "HostLogger.h"
 #include "MessageFileReader.h"
 #include "MessageRun.h"
+#include "TextLine.h"
 
 #include <csignal>
 #include <cstdlib>
@@ -70,7 +71,7 @@ public:
         if (m_driver.Configure(settings) && m_driver.Setup(&messenger))
             return;
         m_driver.Cleanup();
-        const std::string why = logger.LastError();
+        const std::string why = logger.TakeErrors();
         throw std::runtime_error("the driver could not be configured: " + (why.empty() ? "see " + logFile : why));
     }
     ~RunningDriver() { m_driver.Cleanup(); }
@@ -80,6 +81,15 @@ public:
 private:
     VKProtocolDriverInterface& m_driver;
 };
+
+/// What the driver has logged as errors meanwhile, in one line on standard error: the timeline tells what came of a
+/// message, this tells an operator why.
+void TellErrors(HostLogger& logger, const std::string& about)
+{
+    const std::string errors = OneLine(logger.TakeErrors());
+    if (!errors.empty())
+        std::fprintf(stderr, "vkmessenger: %s: %s\n", Printable(about).c_str(), errors.c_str());
+}
 
 } // namespace
 
@@ -106,10 +116,15 @@ int RunSend(const Arguments& arguments)
     MessageRun run(driver, queue, timeline, g_stop);
     {
         const RunningDriver running(driver, logger, logFile);
-        for (auto& file : files)
-            if (!g_stop)
-                run.Send(std::move(file));
+        for (auto& file : files) {
+            if (g_stop)
+                break;
+            const std::string jobId = file->strJobID;
+            run.Send(std::move(file));
+            TellErrors(logger, jobId);
+        }
         run.WaitForAnswers(wait);
+        TellErrors(logger, "while waiting");
     }
     // The driver has let go of all files; what it pushed back at the end still counts.
     run.ShowReports();

@@ -28,7 +28,8 @@ constexpr vk::ManualSection kSections[] = {
      "objects {\"text\": ..., \"type\": \"terminal\" or \"non-terminal\"}. job_id and receiver_pin must be there. "
      "Any other key is an error."},
     {"OUTPUT",
-     "Event \"send\" is what the driver answered at once, \"report\" what came back later. The keys of a JSON line: time, "
+     "Event \"send\" is what the driver answered at once, \"report\" what came back later. What the driver logs "
+     "as an error while it takes a message also goes to standard error, one line a message. The keys of a JSON line: time, "
      "job_id, event, status, status_name, keep_open, text, delivery_status, response, failure_reason."},
     {"EXIT STATUS",
      "0  no message failed\n"

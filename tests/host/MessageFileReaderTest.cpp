@@ -99,7 +99,7 @@ TEST(MessageFileReader, AMistakeIsNamed)
         {With(R"("body": "\u0000")"), "body contains a zero byte"},
         {With(R"("body": "\udc00")"), "body contains characters that are not Unicode"},
         {With(R"("confidential": "true")"), "confidential must be true or false"},
-        {With(R"("two_way": 1)"), "two_way must be true or false"},
+        {With(R"("two_way": 2)"), "two_way must be true or false"},
         {With(R"("port": 0)"), "port must be a whole number from 1 to 65535"},
         {With(R"("port": 65536)"), "port must be a whole number from 1 to 65535"},
         {With(R"("port": "5222")"), "port must be a whole number"},
