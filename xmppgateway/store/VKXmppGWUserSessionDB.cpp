@@ -4,6 +4,7 @@
 #include "VKDBexception.h"
 #include "VKSQLite3Database.h"
 #include "VKSQLite3Dialect.h"
+#include "VKSessionHandles.h"
 #include "VKSqlRecord.h"
 #include "VKSqlTransaction.h"
 #include "VKTableRow.h"
@@ -43,9 +44,12 @@ VKXmppGWUserSessionDB::VKXmppGWUserSessionDB()
 VKXmppGWUserSessionDB::VKXmppGWUserSessionDB(const std::string& rootDirectory)
     : m_strPath(VKioFile::CreatePath(rootDirectory, "temp"))
 {
+    const std::string file = VKioFile::CreatePath(m_strPath, kFile);
+    m_pDatabase = vk::SessionHandles::Take(file);
+    if (m_pDatabase)
+        return;
     try {
-        m_pDatabase =
-            std::make_unique<VKSQLite3Database>(VKioFile::CreatePath(m_strPath, kFile), m_tTableDesc, 1, false);
+        m_pDatabase = std::make_unique<VKSQLite3Database>(file, m_tTableDesc, 1, false);
         if (!m_pDatabase->IsReady()) {
             m_strOpenError = "The database [" + m_pDatabase->GetPath() + "] is not ready: it is in use.";
             m_pDatabase.reset();
@@ -55,7 +59,7 @@ VKXmppGWUserSessionDB::VKXmppGWUserSessionDB(const std::string& rootDirectory)
     }
 }
 
-VKXmppGWUserSessionDB::~VKXmppGWUserSessionDB() = default;
+VKXmppGWUserSessionDB::~VKXmppGWUserSessionDB() { vk::SessionHandles::Give(std::move(m_pDatabase)); }
 
 template <class Body> bool VKXmppGWUserSessionDB::InTransaction(bool writes, Body&& body)
 {

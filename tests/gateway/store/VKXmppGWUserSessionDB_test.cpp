@@ -262,6 +262,24 @@ TEST_F(VKXmppGWUserSessionDBTest, AFileThatCannotBeOpenedMakesEveryAnswerFalse)
     expectDead("temp/ does not exist");
 }
 
+TEST_F(VKXmppGWUserSessionDBTest, ANewStoreFindsTheFileThatStandsThereNow)
+{
+    Add(7, "old", "old@x");
+    store.reset(); // its open handle waits for the next user
+    const std::filesystem::path file = dir.Path() / "temp/xmpp_user_sessions.sdb";
+    EXPECT_TRUE(Store().DoesUserExist(7));
+    store.reset();
+
+    std::filesystem::remove(file);
+    EXPECT_FALSE(Store().DoesUserExist(7)) << "the gateway started anew with an empty file";
+    Add(8, "new", "new@x");
+    store.reset();
+
+    std::filesystem::resize_file(file, 100);
+    EXPECT_FALSE(Store().DoesUserExist(8));
+    EXPECT_NE(Store().GetOpenError(), "") << "a file that was cut short is found out";
+}
+
 TEST(VKXmppGWUserSessionType, WordsInAnyCase)
 {
     EXPECT_EQ(VKXmppGWUserSessionDB::GetUserType("mxp"), VKXmppGWSessionMXP);
