@@ -4,7 +4,9 @@
 #include "VKDeviceStatus.h"
 #include "VKDirectoryPath.h"
 #include "VKGlobalSettings.h"
+#include "VKMXPManagerSettings.h"
 #include "VKSerialPorts.h"
+#include "VKXMPPGatewaySettings.h"
 
 #include <array>
 #include <atomic>
@@ -93,6 +95,26 @@ public:
     /// list, whose old elements are freed. False, with the list empty, when it cannot be read.
     static bool GetPorts(const std::string& path, VK_TGATE_PORTINFO_HEADER* ports);
 
+    // --- The files "xmppgateway_config.xml" and "mxp_config.xml".
+
+    /// Null when the file cannot be read or lacks a required element: getGatewaySettingsError tells which. The record
+    /// that was kept before is gone then; a later call tries again.
+    VKXMPPGatewaySettings* getXMPPGatewaySettings(bool reload);
+    VKMXPManagerSettings* getMXPManagerSettings(bool reload);
+    /// The kept record; null when there is none.
+    VKMXPManagerSettings* getMXPSettingsObject() const { return m_mxpManager.Get(); }
+    /// Writes the record into the file and keeps it. What the file holds besides stays, so a file that cannot be
+    /// understood is left alone. False, with nothing changed, on failure.
+    bool setXMPPGatewaySettings(VKXMPPGatewaySettings* settings);
+    bool setMXPManagerSettings(VKMXPManagerSettings* settings);
+    /// Why the last of these operations failed, naming the file; empty when it did not.
+    std::string getGatewaySettingsError();
+
+    /// The general policy's JSON text into the record's policy and back. False, with no value present, for a text that
+    /// is no JSON object. A member of another kind than its value is left out; unknown members stay in the text.
+    static bool ConvertJSONToGeneralPolicyData(const std::string& text, VKMXPManagerSettings* settings);
+    static std::string ConvertGeneralPolicyToJSON(VKMXPManagerSettings* settings);
+
     // --- Facts.
 
     /// The first line of the file "version", with its line end; "Unknown" when there is none.
@@ -160,6 +182,8 @@ private:
     VK_DATA_SOURCE* ReadDataSource(bool force);
     VK_GLOBAL_SETTINGS* ReadGlobalSettings(bool force);
     VK_SYSTEM_ATTENDANT_SETTINGS* ReadSystemAttendant(bool force);
+    VKXMPPGatewaySettings* ReadXMPPGateway(bool reload);
+    VKMXPManagerSettings* ReadMXPManager(bool reload);
 
     std::string ConfPath(const char* name) { return createPath(getConfDirectory(false), name); }
     std::string RootPath(const char* name) { return createPath(getRootDirectory(false), name); }
@@ -177,6 +201,9 @@ private:
     Kept<VK_GLOBAL_SETTINGS> m_global;
     Kept<VK_DATA_SOURCE> m_dataSource;
     Kept<VK_SYSTEM_ATTENDANT_SETTINGS> m_systemAttendant;
+    Kept<VKXMPPGatewaySettings> m_xmppGateway;
+    Kept<VKMXPManagerSettings> m_mxpManager;
+    std::string m_strGatewayError; ///< guarded by m_readLock
 
     std::array<unsigned char, 32> m_globalHeader{}; ///< of the file "global"; kept, not interpreted
     std::vector<GlobalSettingsObserver> m_observers;

@@ -44,7 +44,10 @@ struct VK_GLOBAL_SETTINGS
     char text_4004[7]; ///< a colour
     std::uint8_t reserved_4011[93];
     std::int32_t value_4104;
-    std::uint8_t reserved_4108[2252];
+    char proxy_host[256];    ///< "host:port" of the forward proxy, of which the push services make use
+    char proxy_user[128];
+    char proxy_password[128]; ///< never logged
+    std::uint8_t reserved_4620[1740];
 };
 static_assert(sizeof(VK_GLOBAL_SETTINGS) == 6360 && std::is_trivially_copyable_v<VK_GLOBAL_SETTINGS>);
 static_assert(offsetof(VK_GLOBAL_SETTINGS, value_28) == 28 && offsetof(VK_GLOBAL_SETTINGS, value_548) == 548 &&
@@ -54,7 +57,8 @@ static_assert(offsetof(VK_GLOBAL_SETTINGS, value_28) == 28 && offsetof(VK_GLOBAL
               offsetof(VK_GLOBAL_SETTINGS, value_2312) == 2312 && offsetof(VK_GLOBAL_SETTINGS, max_members) == 3264 &&
               offsetof(VK_GLOBAL_SETTINGS, receiver_limit) == 3268 &&
               offsetof(VK_GLOBAL_SETTINGS, count_groups) == 3788 && offsetof(VK_GLOBAL_SETTINGS, value_4000) == 4000 &&
-              offsetof(VK_GLOBAL_SETTINGS, text_4004) == 4004 && offsetof(VK_GLOBAL_SETTINGS, value_4104) == 4104);
+              offsetof(VK_GLOBAL_SETTINGS, text_4004) == 4004 && offsetof(VK_GLOBAL_SETTINGS, value_4104) == 4104 &&
+              offsetof(VK_GLOBAL_SETTINGS, proxy_host) == 4108);
 
 /// The file "sysinfo": the system attendant's record, of which only the attendant knows the meaning.
 struct VK_SYSTEM_ATTENDANT_SETTINGS

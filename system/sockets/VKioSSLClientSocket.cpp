@@ -133,6 +133,8 @@ void VKioSSLClientSocket::MakeContext()
     SSL_CTX_set_verify(m_pContext.get(), SSL_VERIFY_PEER, m_pVerify);
     // A write that could only be made in part is gone on with from wherever its bytes are then.
     SSL_CTX_set_mode(m_pContext.get(), SSL_MODE_ACCEPT_MOVING_WRITE_BUFFER);
+    // A peer that goes without a word of TLS has closed the connection all the same.
+    SSL_CTX_set_options(m_pContext.get(), SSL_OP_IGNORE_UNEXPECTED_EOF);
     if (!m_strCaPath.empty() &&
         SSL_CTX_load_verify_locations(m_pContext.get(), m_strCaPath.c_str(), nullptr) != 1)
         Fail(kSource, __LINE__, "SSL: Verify Location Failed", GetSSLErrorString(0).c_str());
