@@ -227,6 +227,13 @@ NodeString Node::attributeValue(std::string_view name) const
     return AttributeString(attribute.internal_object(), NodeString::Value, failure);
 }
 
+Node Node::shareWith(XmlReaderWriter& holder) const
+{
+    NeedTree();
+    holder.m_pobjTree = m_pobjDocument->m_pobjTree;
+    return Node(&holder, m_pobjElement);
+}
+
 bool Node::isChild(std::string_view name) const { return !findChild(name).isNull(); }
 bool Node::hasChild() const { return !firstChild().isNull(); }
 

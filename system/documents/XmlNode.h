@@ -83,6 +83,11 @@ public:
     /// when the document was not parsed from memory, or was changed since.
     std::string sourceText() const;
 
+    /// Gives another object a part in the document, in place of any that it had, and answers the node as one of that
+    /// object. Both then hold the same elements, as long as one of them lives, and each sees what the other changes; two
+    /// threads may read them at once.
+    Node shareWith(XmlReaderWriter& holder) const;
+
     // Reading without copies, for whoever reads many. The views are good until the document changes.
     std::string_view nameText() const;                           ///< empty for a null node
     std::string_view contentsText() const;                       ///< empty when there are none

@@ -20,7 +20,7 @@ class XmlTree;
 
 /// An XML document: read from a file or from memory, looked at and changed through nodes, written back. Parsing is
 /// strict: a text that is not well-formed, not valid UTF-8 or has a document type declaration is refused, and so is
-/// one of more than 8 MiB, of more than 256 levels or of more than 262,144 elements and attributes.
+/// one of more than 8 MiB, of more than 256 levels or of more than 524,288 elements and attributes.
 ///
 /// The contents of an element is all its own text, blanks at its ends included; text that is only white space is no
 /// contents. Whatever is written is UTF-8.
@@ -130,7 +130,7 @@ private:
 
     bool Fill(std::string_view text, bool asDeclared);
 
-    std::unique_ptr<vk::XmlTree> m_pobjTree;
+    std::shared_ptr<vk::XmlTree> m_pobjTree; ///< shared by Node::shareWith alone
     bool m_bMutable = false;
     std::unique_ptr<VKioFile> m_pobjFile;
     std::string m_strPath;

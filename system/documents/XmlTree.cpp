@@ -6,19 +6,17 @@ std::string_view XmlTree::SourceOf(pugi::xml_node element) const
 {
     const pugi::xml_node_struct* wanted = element.internal_object();
     const std::size_t count = m_vecRanges.size();
-    const auto found = [&](std::size_t at) {
-        if (at >= count || m_vecRanges[at].element != wanted)
-            return false;
-        m_iLastAsked = at;
-        return true;
-    };
+    const auto is = [&](std::size_t at) { return at < count && m_vecRanges[at].element == wanted; };
     // Outward from the last answer: who walks a document asks for what stands near.
-    const std::size_t from = m_iLastAsked;
+    const std::size_t from = m_iLastAsked.load(std::memory_order_relaxed);
     for (std::size_t away = 0; away < count; ++away) {
-        if (found(from + away) || (away <= from && found(from - away))) {
-            const Range& range = m_vecRanges[m_iLastAsked];
-            return std::string_view(m_strText).substr(range.begin, range.end - range.begin);
-        }
+        const bool ahead = is(from + away);
+        if (!ahead && (away > from || !is(from - away)))
+            continue;
+        const std::size_t at = ahead ? from + away : from - away;
+        m_iLastAsked.store(at, std::memory_order_relaxed);
+        const Range& range = m_vecRanges[at];
+        return std::string_view(m_strText).substr(range.begin, range.end - range.begin);
     }
     return {};
 }

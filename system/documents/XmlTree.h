@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -18,7 +19,7 @@ namespace vk {
 /// it every entity but the five of XML itself.
 inline constexpr std::size_t kXmlMaxBytes = 8u << 20;
 inline constexpr std::size_t kXmlMaxDepth = 256;
-inline constexpr std::size_t kXmlMaxNodes = 1u << 18; ///< elements and attributes together
+inline constexpr std::size_t kXmlMaxNodes = 1u << 19; ///< elements and attributes together
 
 /// How the bytes of a text are read: as UTF-8 whatever its declaration says, or as the declaration says.
 enum class XmlEncoding { Utf8, Declared };
@@ -52,7 +53,7 @@ private:
 
     std::string m_strText;
     std::vector<Range> m_vecRanges;
-    mutable std::size_t m_iLastAsked = 0;
+    mutable std::atomic<std::size_t> m_iLastAsked{0}; ///< where to look first; any value will do
 };
 
 /// Parses a whole text. Null when it is not well-formed, not valid UTF-8 or beyond a limit; then `why` tells line and

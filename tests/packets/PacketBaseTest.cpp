@@ -109,6 +109,7 @@ TEST(PacketBase, ResultNodeOutlivesWhatItWasReadFrom)
     }
     Query copy = *packet;
     packet.reset();
+    EXPECT_EQ(copy.m_objResponseResultNode.sourceText(), "<result type='xml'><item>i</item></result>");
     EXPECT_EQ(copy.m_objResponseResultNode["item"].value().str(), "i");
 }
 

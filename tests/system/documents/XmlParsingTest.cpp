@@ -62,7 +62,7 @@ INSTANTIATE_TEST_SUITE_P(
         Refused{"TooManyElements",
                 [] {
                     std::string text = "<a>";
-                    for (int i = 0; i < 300000; ++i)
+                    for (int i = 0; i < 600000; ++i)
                         text += "<b/>";
                     return text + "</a>";
                 }(),

@@ -21,6 +21,9 @@ struct Kind
     std::string_view word;
 };
 
+/// What follows a result at most, the end of its envelope included.
+constexpr std::size_t kTailBytes = 128;
+
 constexpr Kind kKinds[] = {
     {VKMXPmBase::kRequest, "vardock:mxp:request", "request"},
     {VKMXPmBase::kResponse, "vardock:mxp:response", "response"},
@@ -102,6 +105,7 @@ void VKMXPmBase::AppendResponse(std::string& out) const
     vk::AppendValue(out, m_strResponseMessage);
     out.append("</message>\n<result type='").append(GetResponseResultTypeAsStr(m_eResponseResultType)).append("'>\n");
     const std::string result = GenerateResponseXML();
+    out.reserve(out.size() + result.size() + kTailBytes); // a long result is copied once
     if (!result.empty())
         out.append(result).append("\n");
     out += "</result>\n</response>\n";
@@ -170,12 +174,9 @@ bool VKMXPmBase::ReadResponse(XmlReaderWriter::Node response)
     return ParseResponseXML(m_objResponseResultNode);
 }
 
-/// Into a document of the packet's own: the packet outlives the envelope's.
+/// The packet outlives the envelope's document object, so it takes part in the document.
 void VKMXPmBase::KeepResult(const XmlReaderWriter::Node& result)
 {
-    auto document = std::make_shared<XmlReaderWriter>();
-    if (!document->readFrom(result.sourceText()))
-        throw XmlReaderWriter::NodeException("Unable to copy the result: %s.", document->parseError().c_str());
-    m_objResponseResultNode = document->getRootNode();
-    m_pobjResultDocument = std::move(document);
+    m_pobjResultDocument = std::make_shared<XmlReaderWriter>();
+    m_objResponseResultNode = result.shareWith(*m_pobjResultDocument);
 }

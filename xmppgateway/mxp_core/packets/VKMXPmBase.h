@@ -78,8 +78,9 @@ public:
     std::string m_strResponseMessage;
     std::string m_strResponseResultText;
     eRespResultType m_eResponseResultType = eRespResultNone;
-    XmlReaderWriter::Node
-        m_objResponseResultNode; ///< the `result` of type XML that was read; good as long as the packet
+    /// The `result` of type XML that was read; good as long as the packet, which keeps the document that it was read
+    /// from.
+    XmlReaderWriter::Node m_objResponseResultNode;
     FileList m_vecAttachedFiles;
     bool m_bValid = false;       ///< set by a whole successful ParseXML, or by hand for a packet that is to be sent
     std::string m_strParameters; ///< the element `parameters` of a request that was read, as received
