@@ -1,0 +1,90 @@
+#include "Parts.h"
+#include "Statistics.h"
+#include "VKMXPmEnvelope.h"
+#include "VKMXPmMessage.h"
+
+#include <expat.h>
+
+#include <memory>
+#include <stdexcept>
+
+namespace {
+
+std::unique_ptr<VKMXPmMessage> Message(std::size_t bodySize)
+{
+    auto message = std::make_unique<VKMXPmMessage>();
+    message->m_strJobID = "20240101120000_4711";
+    message->m_strSender = "Emergency Desk";
+    message->m_tDispatchTime = 1700000000;
+    message->m_iSeverity = 3;
+    message->m_strSubject = "Fire alarm, building 7";
+    const std::string line = "Smoke on the 3rd floor; \"east\" stairs closed. ";
+    while (message->m_strBody.size() < bodySize)
+        message->m_strBody += line;
+    message->m_strBody.resize(bodySize);
+    message->m_vecResponseChoices = {"On my way", "Cannot come"};
+    message->m_bTwoWay = true;
+    message->m_bValid = true;
+    return message;
+}
+
+std::string EnvelopeOf(int packets, std::size_t bodySize)
+{
+    VKMXPmEnvelope envelope;
+    for (int i = 0; i < packets; ++i)
+        envelope.Add(Message(bodySize).release());
+    return envelope.GenerateXML();
+}
+
+/// One message, and as much body as makes 1,024 bytes of it.
+std::string EnvelopeOfOneKiB()
+{
+    std::size_t body = 300;
+    std::string text = EnvelopeOf(1, body);
+    for (; text.size() < 1024; text = EnvelopeOf(1, body))
+        ++body;
+    return text;
+}
+
+void ReadAndWrite(const std::string& text)
+{
+    VKMXPmEnvelope envelope;
+    if (!envelope.ParseXML(text))
+        throw std::runtime_error(envelope.m_strErrorText);
+    Use(envelope.GenerateXML());
+}
+
+void ReadWithExpat(const std::string& text)
+{
+    XML_Parser parser = XML_ParserCreate("UTF-8");
+    XML_SetElementHandler(
+        parser, [](void*, const char*, const char**) {}, [](void*, const char*) {});
+    XML_SetCharacterDataHandler(parser, [](void*, const char*, int) {});
+    const XML_Status status = XML_Parse(parser, text.data(), static_cast<int>(text.size()), 1);
+    XML_ParserFree(parser);
+    if (status != XML_STATUS_OK)
+        throw std::runtime_error("expat refused an envelope");
+}
+
+} // namespace
+
+Figure PacketCodec(Stage&)
+{
+    const std::string text = EnvelopeOfOneKiB();
+    const auto [ours, bare] = NanosecondsInTurn(
+        200, 200, [&] { ReadAndWrite(text); }, [&] { ReadWithExpat(text); });
+    return {ours, bare, "bare: expat alone, reading only"};
+}
+
+Figure EnvelopeOfThousand(Stage&)
+{
+    const std::string thousand = EnvelopeOf(1000, 330);
+    const std::string ten = EnvelopeOf(10, 330);
+    const auto [ours, few] = NanosecondsInTurn(
+        20, 1, [&] { ReadAndWrite(thousand); },
+        [&] {
+            for (int i = 0; i < 100; ++i)
+                ReadAndWrite(ten);
+        });
+    return {ours / 1000, few / 1000, "bare: a packet among ten"};
+}

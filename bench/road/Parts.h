@@ -1,0 +1,12 @@
+#pragma once
+
+#include "Measurement.h"
+
+/// Reading and writing an envelope of 1 KiB, beside expat alone reading the same bytes.
+Figure PacketCodec(Stage& stage);
+/// A packet among 1,000 of an envelope, beside a packet among ten: the cost must be linear.
+Figure EnvelopeOfThousand(Stage& stage);
+/// A log call below the level.
+Figure LogOff(Stage& stage);
+/// What a record through the multi-threaded logger costs its caller.
+Figure LogQueued(Stage& stage);
