@@ -39,11 +39,6 @@ struct NotWritten
 {
 };
 
-/// Not to be shown: errors that quote a statement show "***" in its place.
-struct Secret
-{
-};
-
 /// A table's name in the file database and in a relational one.
 struct TableName
 {

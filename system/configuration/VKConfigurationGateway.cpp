@@ -42,7 +42,7 @@ void ReadRecord(const std::string& path, const Table& table, Record& record)
 {
     XmlReaderWriter document;
     ReadDocument(path, document);
-    vk::GatewaySettingsReader::Read(table, record, document.getRootNode());
+    vk::settings::GatewaySettingsReader::Read(table, record, document.getRootNode());
 }
 
 template <class Table, class Record>
@@ -54,7 +54,7 @@ void WriteRecord(const std::string& path, const Table& table, const Record& reco
     else
         document.createRootNode(kRootElement);
     document.setMutable(true);
-    vk::GatewaySettingsWriter::Write(table, record, document.getRootNode());
+    vk::settings::GatewaySettingsWriter::Write(table, record, document.getRootNode());
     std::string text;
     XmlReaderWriter proof;
     if (!document.toString(text) || !proof.readFrom(text))
@@ -78,7 +78,7 @@ VKXMPPGatewaySettings* VKConfiguration::ReadXMPPGateway(bool reload)
         return m_xmppGateway.Get();
     const std::string path = ConfPath(kXMPPGatewayFile);
     VKXMPPGatewaySettings fresh;
-    if (Try(path, m_strGatewayError, [&] { ReadRecord(path, vk::kXMPPGatewayFields, fresh); }))
+    if (Try(path, m_strGatewayError, [&] { ReadRecord(path, vk::settings::kXMPPGatewayFields, fresh); }))
         return m_xmppGateway.Keep(fresh);
     m_xmppGateway.Drop();
     return nullptr;
@@ -98,7 +98,7 @@ VKMXPManagerSettings* VKConfiguration::ReadMXPManager(bool reload)
     const std::string path = ConfPath(kMXPManagerFile);
     VKMXPManagerSettings fresh;
     fresh.m_iS2SPort = kS2SPort;
-    if (Try(path, m_strGatewayError, [&] { ReadRecord(path, vk::kMXPManagerFields, fresh); })) {
+    if (Try(path, m_strGatewayError, [&] { ReadRecord(path, vk::settings::kMXPManagerFields, fresh); })) {
         const std::string policy = fresh.m_strGeneralPolicy;
         ConvertJSONToGeneralPolicyData(policy, &fresh);
         return m_mxpManager.Keep(fresh);
@@ -111,7 +111,7 @@ bool VKConfiguration::setXMPPGatewaySettings(VKXMPPGatewaySettings* settings)
 {
     const std::lock_guard<std::recursive_mutex> lock(m_readLock);
     const std::string path = ConfPath(kXMPPGatewayFile);
-    if (!Try(path, m_strGatewayError, [&] { WriteRecord(path, vk::kXMPPGatewayFields, *settings); }))
+    if (!Try(path, m_strGatewayError, [&] { WriteRecord(path, vk::settings::kXMPPGatewayFields, *settings); }))
         return false;
     m_xmppGateway.Keep(*settings);
     return true;
@@ -122,7 +122,7 @@ bool VKConfiguration::setMXPManagerSettings(VKMXPManagerSettings* settings)
     const std::lock_guard<std::recursive_mutex> lock(m_readLock);
     const std::string path = ConfPath(kMXPManagerFile);
     settings->m_strGeneralPolicy = ConvertGeneralPolicyToJSON(settings);
-    if (!Try(path, m_strGatewayError, [&] { WriteRecord(path, vk::kMXPManagerFields, *settings); }))
+    if (!Try(path, m_strGatewayError, [&] { WriteRecord(path, vk::settings::kMXPManagerFields, *settings); }))
         return false;
     m_mxpManager.Keep(*settings);
     return true;

@@ -7,7 +7,7 @@
 /// element; without marks it is the element's text, below the root, and must be there. Booleans are "true" or anything
 /// else.
 
-namespace vk {
+namespace vk::settings {
 
 /// The element that the value's element stands in.
 struct In
@@ -43,14 +43,9 @@ struct Items
     const char* name;
 };
 
-/// Never shown or logged.
-struct Secret
-{
-};
-
 /// The number stands in the attribute "value"; the text is a word for the reader.
 struct AuthMechanism
 {
 };
 
-} // namespace vk
+} // namespace vk::settings

@@ -14,7 +14,7 @@
 /// missing, or no number where one belongs, throws XmlReaderWriter::NodeException. Writing changes a document in place,
 /// which must be mutable: whatever it holds besides stays.
 
-namespace vk {
+namespace vk::settings {
 
 template <class Row, class Mark>
 constexpr bool kRowHas = std::decay_t<Row>::template has<Mark>;
@@ -190,4 +190,4 @@ private:
     }
 };
 
-} // namespace vk
+} // namespace vk::settings

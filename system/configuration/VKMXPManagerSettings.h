@@ -3,7 +3,7 @@
 #include "VKMXPGeneralPolicy.h"
 #include "VKXMPPGatewaySettings.h"
 
-namespace vk {
+namespace vk::settings {
 
 // The public endpoints of the push services, as their operators name them.
 inline constexpr const char* kApnsProductionHost = "gateway.push.apple.com";
@@ -14,7 +14,7 @@ inline constexpr const char* kApns2ProductionUrl = "https://api.push.apple.com";
 inline constexpr const char* kApns2DevelopmentUrl = "https://api.sandbox.push.apple.com";
 inline constexpr const char* kFcmUrl = "https://fcm.googleapis.com";
 
-} // namespace vk
+} // namespace vk::settings
 
 /// The settings of the MXP manager, "mxp_config.xml".
 struct VKMXPManagerSettings
@@ -24,8 +24,8 @@ struct VKMXPManagerSettings
     std::string m_strDomain = "mxp";
     std::int32_t m_iServerPort = 5222;
     std::int32_t m_iS2SPort = 10000; ///< stands in no file: reading one sets 5222, on purpose
-    std::string m_strServerCertificate = vk::kGatewayCertificate;
-    std::string m_strServerPrivateKey = vk::kGatewayPrivateKey;
+    std::string m_strServerCertificate = vk::settings::kGatewayCertificate;
+    std::string m_strServerPrivateKey = vk::settings::kGatewayPrivateKey;
     bool m_bEmergencyModeEnabled = false;
     long m_lMxpCarrier = 0;            ///< id of the carrier that serves MXP
     std::int32_t m_iSocketTimeout = 30; ///< seconds
@@ -33,7 +33,7 @@ struct VKMXPManagerSettings
     std::int32_t m_iFileTransThreadPoolSize = 10;
     std::int32_t m_iFileTransTimeout = 1000;
     std::int32_t m_iRespActExecThreadPoolSize = 10;
-    std::string m_strRecvFilesDirPath = vk::kReceivedFilesDirectory;
+    std::string m_strRecvFilesDirPath = vk::settings::kReceivedFilesDirectory;
     bool m_bAutoAuthEnabled = true;
 
     // The binary gateway. Type 2 of the certificate selects production.
@@ -42,23 +42,23 @@ struct VKMXPManagerSettings
     std::int32_t m_iApnsCertificateType = 0;
     std::string m_strApnsPrivateKey;
     std::string m_strApnsPrivateKeyPasswd;
-    std::string m_strApnsProductionHost = vk::kApnsProductionHost;
-    std::int32_t m_iApnsProductionPort = vk::kApnsPort;
-    std::string m_strApnsDevelopmentHost = vk::kApnsDevelopmentHost;
-    std::int32_t m_iApnsDevelopmentPort = vk::kApnsPort;
+    std::string m_strApnsProductionHost = vk::settings::kApnsProductionHost;
+    std::int32_t m_iApnsProductionPort = vk::settings::kApnsPort;
+    std::string m_strApnsDevelopmentHost = vk::settings::kApnsDevelopmentHost;
+    std::int32_t m_iApnsDevelopmentPort = vk::settings::kApnsPort;
     std::string m_strApnsCaBundle; ///< here and below: empty stands for VKConfiguration::GetCABundlePath()
 
     bool m_bGcmsEnabled = false;
     std::string m_strGcmsSenderId;
     std::string m_strGcmsServerKey;
-    std::string m_strGcmsUrl = vk::kGcmsUrl;
+    std::string m_strGcmsUrl = vk::settings::kGcmsUrl;
     std::string m_strGcmsCaBundle;
 
     // The HTTP/2 provider API: a signing key with its ids, or a client certificate.
     bool m_bApns2Enabled = false;
     bool m_bApns2Production = true;
-    std::string m_strApns2ProductionUrl = vk::kApns2ProductionUrl;
-    std::string m_strApns2DevelopmentUrl = vk::kApns2DevelopmentUrl;
+    std::string m_strApns2ProductionUrl = vk::settings::kApns2ProductionUrl;
+    std::string m_strApns2DevelopmentUrl = vk::settings::kApns2DevelopmentUrl;
     std::string m_strApns2Topic;      ///< the app's bundle id
     std::string m_strApns2SigningKey; ///< path of the ".p8" file
     std::string m_strApns2KeyId;
@@ -73,7 +73,7 @@ struct VKMXPManagerSettings
     // The HTTP v1 API.
     bool m_bFcmEnabled = false;
     std::string m_strFcmServiceAccount; ///< path of the JSON file of the account
-    std::string m_strFcmUrl = vk::kFcmUrl;
+    std::string m_strFcmUrl = vk::settings::kFcmUrl;
     std::string m_strFcmProjectId; ///< empty: as the account's file says
     std::string m_strFcmTokenUrl;  ///< empty: as the account's file says
     std::string m_strFcmCaBundle;
@@ -90,7 +90,7 @@ struct VKMXPManagerSettings
     VKMXPPolicyPermissions m_objPolicyPermissions;
 };
 
-namespace vk {
+namespace vk::settings {
 
 template <auto Member, class... Marks>
 constexpr auto Apns(const char* name, Marks... marks)
@@ -177,4 +177,4 @@ inline constexpr auto kMXPManagerFields = Fields(
     Field<&VKMXPManagerSettings::m_vecS2SProfiles>("s2s_profiles", Items{"profile"}),
     Field<&VKMXPManagerSettings::m_strGeneralPolicy>("mxp_general_policy", Optional{}));
 
-} // namespace vk
+} // namespace vk::settings

@@ -18,7 +18,7 @@ struct VKS2SProfile
     std::string m_strAuthServerAddress;
 };
 
-namespace vk {
+namespace vk::settings {
 
 inline constexpr auto kS2SProfileFields = Fields(
     Field<&VKS2SProfile::m_bEnabled>("", InAttribute{"enable"}), Field<&VKS2SProfile::m_strName>("name"),
@@ -28,4 +28,4 @@ inline constexpr auto kS2SProfileFields = Fields(
     Field<&VKS2SProfile::m_strCertificate>("certificate"),
     Field<&VKS2SProfile::m_strAuthServerAddress>("auth_server_address"));
 
-} // namespace vk
+} // namespace vk::settings

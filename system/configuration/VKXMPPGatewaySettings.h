@@ -4,13 +4,13 @@
 
 #include <vector>
 
-namespace vk {
+namespace vk::settings {
 
 inline constexpr const char* kGatewayCertificate = "/usr/local/vardock/config/vk_xmpp_gateway_server.crt";
 inline constexpr const char* kGatewayPrivateKey = "/usr/local/vardock/config/vk_xmpp_gateway_server.key";
 inline constexpr const char* kReceivedFilesDirectory = "/usr/local/vardock/attachments/";
 
-} // namespace vk
+} // namespace vk::settings
 
 /// The settings of the XMPP gateway, "xmppgateway_config.xml".
 struct VKXMPPGatewaySettings
@@ -19,8 +19,8 @@ struct VKXMPPGatewaySettings
     std::string m_strHost;
     std::string m_strDomain = "vardock";
     std::int32_t m_iServerPort = 5222;
-    std::string m_strServerCertificate = vk::kGatewayCertificate;
-    std::string m_strServerPrivateKey = vk::kGatewayPrivateKey;
+    std::string m_strServerCertificate = vk::settings::kGatewayCertificate;
+    std::string m_strServerPrivateKey = vk::settings::kGatewayPrivateKey;
     bool m_bRosterSupport = false;
     bool m_bGreetingsMsg = false;
     std::string m_strGreetingsMsg;
@@ -31,12 +31,12 @@ struct VKXMPPGatewaySettings
     std::int32_t m_iFileTransThreadPoolSize = 10;
     std::int32_t m_iFileTransTimeout = 1000;
     std::int32_t m_iRespActExecThreadPoolSize = 10;
-    std::string m_strRecvFilesDirPath = vk::kReceivedFilesDirectory;
+    std::string m_strRecvFilesDirPath = vk::settings::kReceivedFilesDirectory;
     bool m_bS2SEnabled = false;
     std::vector<VKS2SProfile> m_vecS2SProfiles;
 };
 
-namespace vk {
+namespace vk::settings {
 
 inline constexpr auto kXMPPGatewayFields = Fields(
     Field<&VKXMPPGatewaySettings::m_bEnabled>("", InAttribute{"enable"}),
@@ -58,4 +58,4 @@ inline constexpr auto kXMPPGatewayFields = Fields(
     Field<&VKXMPPGatewaySettings::m_bS2SEnabled>("s2s_enabled"),
     Field<&VKXMPPGatewaySettings::m_vecS2SProfiles>("s2s_profiles", Items{"profile"}));
 
-} // namespace vk
+} // namespace vk::settings

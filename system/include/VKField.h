@@ -73,6 +73,11 @@ constexpr FieldRow<Member, Marks...> Field(const char* name, Marks... marks)
     return FieldRow<Member, Marks...>(name, marks...);
 }
 
+/// A mark for every kind of table: the value is not to be shown. Errors, logs and listings have "***" in its place.
+struct Secret
+{
+};
+
 /// Joins rows into a table.
 template <class... Rows>
 constexpr std::tuple<Rows...> Fields(Rows... rows)

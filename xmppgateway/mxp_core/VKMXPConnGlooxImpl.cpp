@@ -4,6 +4,7 @@
 #include "VKLog.h"
 #include "VKMXPHub.h"
 #include "VKMXPSessionGlooxImpl.h"
+#include "VKMXPStanzaClient.h"
 #include "VKMXPTcpSocket.h"
 #include "VKMXPTlsOpenSsl.h"
 #include "VKXMPPGlooxdTypes.h"
@@ -115,7 +116,7 @@ bool VKMXPConnGlooxImpl::StartConnection()
     {
         const std::lock_guard<std::recursive_mutex> inside(m_mtxClient);
         const gloox::JID jid(m_strUserID + "/" + m_strResource);
-        m_pobjClient = std::make_unique<gloox::Client>(jid, m_strPassword, m_iPort);
+        m_pobjClient = std::make_unique<VKMXPStanzaClient>(jid, m_strPassword, m_iPort);
         const auto deadline = VKMXPTcpSocket::Clock::now() + std::chrono::seconds(s_iLoginLimitSeconds);
         auto made = std::make_unique<VKMXPTcpSocket>(m_pobjClient.get(), m_strServer, m_iPort,
                                                      m_pobjHub ? &m_pobjHub->Traffic() : nullptr, deadline);
@@ -324,7 +325,7 @@ bool VKMXPConnGlooxImpl::SendAMessage(VKMXPSession* session, const std::string& 
             return false;
         }
         EnsureMessageSession(*ours);
-        ours->GetMessageSession()->send(clean, std::string());
+        m_pobjClient->SendBody(*ours->GetMessageSession(), clean);
     }
     if (attachments.empty()) {
         VK_LOG_DEBUG(m_pobjLogger, "Connection ID: [%s] >> No file attachment found in the message for JID: [%s]",

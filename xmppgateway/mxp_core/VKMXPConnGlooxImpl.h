@@ -3,7 +3,6 @@
 #include "VKMXPConnIface.h"
 #include "VKMXPIncomingQueues.h"
 
-#include <gloox/client.h>
 #include <gloox/connectionlistener.h>
 #include <gloox/discohandler.h>
 #include <gloox/messagehandler.h>
@@ -18,6 +17,7 @@
 
 class VKconLock;
 class VKMXPSessionGlooxImpl;
+class VKMXPStanzaClient;
 class VKMXPTcpSocket;
 
 /// A connection on the gloox library (RFC 6120, 6121, TLS required).
@@ -92,7 +92,7 @@ private:
     void RefuseAttachments(const AttachmentMap& attachments);
     void NoteDisconnection(int error);
 
-    std::unique_ptr<gloox::Client> m_pobjClient; ///< null while not connected; guarded by m_mtxClient
+    std::unique_ptr<VKMXPStanzaClient> m_pobjClient; ///< null while not connected; guarded by m_mtxClient
     std::atomic<bool> m_bConnected{false};
     bool m_bFileSenderWanted;
     vk::IncomingQueues m_objIncoming;                 ///< the queues and the senders by bare JID; incoming lock

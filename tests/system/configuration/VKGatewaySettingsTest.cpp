@@ -61,7 +61,7 @@ TEST_F(GatewaySettingsTest, ReadsWhatTheFileHasAndKeepsDefaultsForWhatMayBeMissi
     EXPECT_FALSE(settings->m_bApnsEnabled);
     EXPECT_EQ(settings->m_iS2SPort, 5222);
     EXPECT_EQ(VKMXPManagerSettings().m_iS2SPort, 10000);
-    EXPECT_EQ(settings->m_strApns2ProductionUrl, vk::kApns2ProductionUrl);
+    EXPECT_EQ(settings->m_strApns2ProductionUrl, vk::settings::kApns2ProductionUrl);
     EXPECT_FALSE(settings->m_objPolicySettings.auto_del.has_value());
     EXPECT_EQ(configuration.getMXPSettingsObject(), settings);
     EXPECT_EQ(configuration.getMXPManagerSettings(false), settings);
@@ -170,18 +170,18 @@ void ExpectSame(const Table& table, Record& one, Record& other)
 TEST_F(GatewaySettingsTest, EveryValueComesBackFromANewFile)
 {
     VKMXPManagerSettings manager;
-    FillAll(vk::kMXPManagerFields, manager);
+    FillAll(vk::settings::kMXPManagerFields, manager);
     ASSERT_TRUE(configuration.setMXPManagerSettings(&manager)) << configuration.getGatewaySettingsError();
     VKMXPManagerSettings* readManager = configuration.getMXPManagerSettings(true);
     ASSERT_NE(readManager, nullptr) << configuration.getGatewaySettingsError();
-    ExpectSame(vk::kMXPManagerFields, manager, *readManager);
+    ExpectSame(vk::settings::kMXPManagerFields, manager, *readManager);
 
     VKXMPPGatewaySettings gateway;
-    FillAll(vk::kXMPPGatewayFields, gateway);
+    FillAll(vk::settings::kXMPPGatewayFields, gateway);
     ASSERT_TRUE(configuration.setXMPPGatewaySettings(&gateway)) << configuration.getGatewaySettingsError();
     VKXMPPGatewaySettings* readGateway = configuration.getXMPPGatewaySettings(true);
     ASSERT_NE(readGateway, nullptr) << configuration.getGatewaySettingsError();
-    ExpectSame(vk::kXMPPGatewayFields, gateway, *readGateway);
+    ExpectSame(vk::settings::kXMPPGatewayFields, gateway, *readGateway);
     EXPECT_THAT(root.Read("config/xmppgateway_config.xml"),
                 HasSubstr("<greetings-msg enable=\"true\">text"));
 }
