@@ -52,8 +52,8 @@ void AppendBigEndian(std::string& frame, unsigned long value, int bytes)
 
 } // namespace
 
-VKPushNotifierImplAPNS::ServerInfo VKPushNotifierImplAPNS::m_stProduction{vk::kApnsProductionHost, vk::kApnsPort};
-VKPushNotifierImplAPNS::ServerInfo VKPushNotifierImplAPNS::m_stDevelopment{vk::kApnsDevelopmentHost, vk::kApnsPort};
+VKPushNotifierImplAPNS::ServerInfo VKPushNotifierImplAPNS::m_stProduction{vk::settings::kApnsProductionHost, vk::settings::kApnsPort};
+VKPushNotifierImplAPNS::ServerInfo VKPushNotifierImplAPNS::m_stDevelopment{vk::settings::kApnsDevelopmentHost, vk::settings::kApnsPort};
 
 VKPushNotifierImplAPNS::VKPushNotifierImplAPNS() : m_pGateway(&m_stDevelopment) {}
 VKPushNotifierImplAPNS::~VKPushNotifierImplAPNS() = default;

@@ -13,7 +13,7 @@ constexpr std::size_t kLongestBody = 4000;
 
 } // namespace
 
-std::string VKPushNotifierImplGCMS::m_strGCMServer = vk::kGcmsUrl;
+std::string VKPushNotifierImplGCMS::m_strGCMServer = vk::settings::kGcmsUrl;
 
 bool VKPushNotifierImplGCMS::Initialize()
 {
