@@ -5,6 +5,7 @@
 #include "VKConfiguration.h"
 #include "VKLog.h"
 #include "VKMXPCoreManager.h"
+#include "VKMXPEventNotifier.h"
 #include "VKconLock.h"
 
 std::vector<std::string> VKMxpDriver::s_vecConnIDs;
@@ -99,10 +100,11 @@ bool VKMxpDriver::ProcessSignal()
     return scope.Result(true);
 }
 
-/// There is no push service object to close: this build wakes no devices.
+/// Lets go of the push services: the next push makes new ones, which read their settings anew.
 bool VKMxpDriver::ResetDevice()
 {
     VK_LOG_SCOPE(scope, m_pobjLogger, "VKMxpDriver::ResetDevice()");
+    VKMXPEventNotifier::FinalizeAll();
     return scope.Result(true);
 }
 
@@ -111,6 +113,7 @@ bool VKMxpDriver::Cleanup()
     VK_LOG_SCOPE(scope, m_pobjLogger, "VKMxpDriver::Cleanup()");
     std::vector<std::string> sessions;
     std::vector<std::string> connections;
+    VKMXPEventNotifier::FinalizeAll(); // it logs with the host's logger, which may be gone after this
     VK_LOG_INFO(m_pobjLogger, "Cleaning up Request cache.");
     {
         const std::lock_guard<std::mutex> lock(s_mtxCaches);

@@ -108,6 +108,7 @@ private:
     bool Deliver(VKMessageFile& file, ReportsStatus& status);
     bool IsLoggedIn(const VKMessageFile& file);
     bool LetWait(VKMessageFile& file, ReportsStatus& status);
+    bool Wake(const VKMessageFile& file);
     bool Connect(VKMessageFile& file, const Delivery& delivery);
     bool OpenSession(VKMessageFile& file, const Delivery& delivery);
     std::unique_ptr<VKMXPmMessage> BuildPacket(const VKMessageFile& file, const Delivery& delivery);

@@ -154,7 +154,8 @@ bool VKMxpDriver::LetWait(VKMessageFile& file, ReportsStatus& status)
     }
     VK_LOG_INFO(m_pobjLogger, "Job ID: [%s] >> Queuing message for Receiver [%s], Carrier [%s] to waiting queue.",
                 file.strJobID.c_str(), file.strReceiverPin.c_str(), file.strCarrierName.c_str());
-    file.SetStatusText("DEV OFFLINE"); // the host moves the file to the waiting queue
+    file.SetStatusText(Wake(file) ? "DEV OFFLINE; NOTIFIED" : "DEV OFFLINE");
+    // The host moves the file to the waiting queue, whatever came of the notification.
     status = ReportsManager::RS_DEVICE_OFFLINE;
     return true;
 }

@@ -1,6 +1,7 @@
 // The driver from end to end: a host's file to a device through a real XMPP server, and what the device says back.
 
 #include "FakeMessageFile.h"
+#include "HttpServer.h"
 #include "InstallationRoot.h"
 #include "ProsodyServer.h"
 #include "RecordingLogger.h"
@@ -233,6 +234,64 @@ TEST_F(Driver, LetsAnOfflineReceiverWaitOnlyWhenItMay)
     EXPECT_EQ(status, Reports::RS_DEVICE_OFFLINE);
     EXPECT_EQ(patient.statusTexts, std::vector<std::string>{"DEV OFFLINE"});
     EXPECT_TRUE(patient.failureReasons.empty());
+}
+
+TEST_F(Driver, WakesTheDeviceOfAReceiverThatMayWait)
+{
+    int answer = 200;
+    vktest::HttpServer service([&](const vktest::HttpServer::Request&) {
+        return vktest::HttpServer::Response{answer, R"({"success":1})"};
+    });
+    VKMXPManagerSettings settings;
+    settings.m_bGcmsEnabled = true;
+    settings.m_strGcmsUrl = service.Url();
+    ASSERT_TRUE(VKConfiguration::getVKConfiguration()->setMXPManagerSettings(&settings));
+    const struct
+    {
+        bool enabled;
+        const char *service, *token;
+        int answer;
+        const char *text, *log;
+    } cases[] = {
+        {true, "gcms", "me@t", 200, "DEV OFFLINE; NOTIFIED",
+         "Successfully PUSHED notification to device 'me@t' for waiting messages count :1."},
+        {true, "gcms", "t", 503, "DEV OFFLINE",
+         "Failed to PUSH notification to device 't' for waiting messages count :1."},
+        {true, "apns2", "t", 200, "DEV OFFLINE", "PUSH service 'apns2' is either disabled or undefined."},
+        {true, "pigeon", "t", 200, "DEV OFFLINE", "PUSH service 'pigeon' is either disabled or undefined."},
+        {true, "gcms", "", 200, "DEV OFFLINE", ""},
+        {false, "gcms", "t", 200, "DEV OFFLINE", ""},
+    };
+    for (const auto& c : cases) {
+        FakeMessageFile file = FileFor("alice", 4242, "J-push");
+        file.bQueueWhenOffline = true;
+        file.bPushEnabled = c.enabled;
+        file.strPushServiceName = c.service;
+        file.strPushDeviceToken = c.token;
+        file.iSecondsToLive = 0;
+        answer = c.answer;
+        EXPECT_TRUE(Send(file));
+        EXPECT_EQ(status, Reports::RS_DEVICE_OFFLINE);
+        EXPECT_EQ(file.statusTexts, std::vector<std::string>{c.text});
+        EXPECT_TRUE(*c.log == '\0' || s_logger.Has("Job ID: [J-push] >> " + std::string(c.log))) << c.log;
+    }
+    EXPECT_EQ(service.Requests().size(), 2U) << "no push without a token, a service or the wish";
+    EXPECT_NE(service.Last().body.find("\"time_to_live\":300"), std::string::npos);
+
+    FakeMessageFile impatient = FileFor("alice", 4242, "J-push");
+    impatient.bPushEnabled = true;
+    impatient.strPushServiceName = "gcms";
+    impatient.strPushDeviceToken = "t";
+    EXPECT_FALSE(Send(impatient));
+    EXPECT_EQ(service.Requests().size(), 2U);
+
+    settings.m_bGcmsEnabled = false;
+    ASSERT_TRUE(VKConfiguration::getVKConfiguration()->setMXPManagerSettings(&settings));
+    EXPECT_TRUE(driver->ResetDevice()) << "the next push reads the settings anew";
+    impatient.bQueueWhenOffline = true;
+    EXPECT_TRUE(Send(impatient));
+    EXPECT_EQ(impatient.statusTexts, std::vector<std::string>{"DEV OFFLINE"});
+    EXPECT_EQ(service.Requests().size(), 2U);
 }
 
 TEST_F(Driver, ReachesTheEmergencyUserWithoutASession)
