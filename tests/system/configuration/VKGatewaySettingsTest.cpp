@@ -1,6 +1,7 @@
 #include "TempDir.h"
 #include "VKConfiguration.h"
 
+#include <fstream>
 #include <gmock/gmock.h>
 
 using testing::ElementsAre;
@@ -184,6 +185,19 @@ TEST_F(GatewaySettingsTest, EveryValueComesBackFromANewFile)
     ExpectSame(vk::settings::kXMPPGatewayFields, gateway, *readGateway);
     EXPECT_THAT(root.Read("config/xmppgateway_config.xml"),
                 HasSubstr("<greetings-msg enable=\"true\">text"));
+}
+
+TEST_F(GatewaySettingsTest, TheManualsExampleIsGood)
+{
+    std::ifstream manual(VK_SOURCE_DIR "/docs/push.md");
+    const std::string text{std::istreambuf_iterator<char>(manual), {}};
+    const std::size_t begin = text.find("<?xml"), end = text.find("```", begin);
+    ASSERT_NE(end, std::string::npos);
+    root.Write("config/mxp_config.xml", text.substr(begin, end - begin));
+    const VKMXPManagerSettings* settings = configuration.getMXPManagerSettings(true);
+    ASSERT_NE(settings, nullptr) << configuration.getGatewaySettingsError();
+    EXPECT_TRUE(settings->m_bApns2Enabled && settings->m_bFcmEnabled);
+    EXPECT_EQ(settings->m_strApns2KeyId, "ABC123DEFG");
 }
 
 TEST(GeneralPolicy, CarriesOnlyWhatIsPresent)
