@@ -13,8 +13,8 @@ public:
     VKPushNotifierIface(const VKPushNotifierIface&) = delete;
     VKPushNotifierIface& operator=(const VKPushNotifierIface&) = delete;
 
-    /// Reads the settings afresh. False, and the log says why, when the service cannot be used; it is disabled then
-    /// unless the settings enable it.
+    /// Reads the settings afresh. False when the service is switched off or cannot be used, of which the log says why;
+    /// it is disabled then.
     virtual bool Initialize() = 0;
     virtual bool Finalize() = 0;
     virtual std::string GetNotifierTypeName() = 0;

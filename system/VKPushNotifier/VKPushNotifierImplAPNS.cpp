@@ -72,9 +72,10 @@ bool VKPushNotifierImplAPNS::Initialize()
     static std::string productionHost, developmentHost;
     SetServer(m_stProduction, productionHost, settings->m_strApnsProductionHost, settings->m_iApnsProductionPort);
     SetServer(m_stDevelopment, developmentHost, settings->m_strApnsDevelopmentHost, settings->m_iApnsDevelopmentPort);
-    return Setup(vk::PushCaBundle(settings->m_strApnsCaBundle), settings->m_strApnsCertificate,
-                 settings->m_strApnsPrivateKey, settings->m_strApnsPrivateKeyPasswd,
-                 settings->m_iApnsCertificateType == kProductionCertificate);
+    m_bEnabled = Setup(vk::PushCaBundle(settings->m_strApnsCaBundle), settings->m_strApnsCertificate,
+                       settings->m_strApnsPrivateKey, settings->m_strApnsPrivateKeyPasswd,
+                       settings->m_iApnsCertificateType == kProductionCertificate);
+    return m_bEnabled;
 }
 
 bool VKPushNotifierImplAPNS::Setup(const std::string& caBundle, const std::string& certificate,

@@ -45,9 +45,9 @@ bool VKPushNotifierImplAPNS2::Initialize()
     options.proxy = proxy.host;
     options.proxyUser = proxy.user;
     options.proxyPassword = proxy.password;
-    const bool usable = UseCredentials(*settings, options);
+    m_bEnabled = UseCredentials(*settings, options);
     m_connection.Configure(options);
-    return usable;
+    return m_bEnabled;
 }
 
 /// The signing key when one is named, else the client certificate.

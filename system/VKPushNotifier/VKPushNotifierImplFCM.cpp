@@ -7,9 +7,12 @@
 #include "VKPushSettings.h"
 #include "VKcurlHttp.h"
 
+#include <algorithm>
+
 namespace {
 
 constexpr std::size_t kLongestBody = 4000;
+constexpr int kLongestTimeToLive = 28 * 86400; // the service refuses more
 constexpr long kAssertionSeconds = 3600;
 constexpr long kSpareSeconds = 60; // an access token is renewed that long before it ends
 constexpr const char* kScope = "https://www.googleapis.com/auth/firebase.messaging";
@@ -50,7 +53,8 @@ bool VKPushNotifierImplFCM::Initialize()
     options.proxyUser = proxy.user;
     options.proxyPassword = proxy.password;
     m_connection.Configure(options);
-    return LoadAccount(*settings);
+    m_bEnabled = LoadAccount(*settings);
+    return m_bEnabled;
 }
 
 bool VKPushNotifierImplFCM::LoadAccount(const VKMXPManagerSettings& settings)
@@ -132,7 +136,7 @@ bool VKPushNotifierImplFCM::SendTo(const std::string& deviceToken, Json::Value& 
     message["token"] = deviceToken;
     message["android"]["priority"] = "high";
     if (timeToLive > 0)
-        message["android"]["ttl"] = std::to_string(timeToLive) + "s";
+        message["android"]["ttl"] = std::to_string(std::min(timeToLive, kLongestTimeToLive)) + "s";
     for (const std::string& name : data.getMemberNames()) {
         const Json::Value& value = data[name];
         message["data"][name] = value.isConvertibleTo(Json::stringValue) ? value.asString() : vk::CompactJson(value);

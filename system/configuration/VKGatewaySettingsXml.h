@@ -58,7 +58,7 @@ private:
     static void ReadRow(const Row& row, Value& value, const Node& element)
     {
         if constexpr (kRowHas<Row, InAttribute>)
-            Convert(Attribute(element, row.template mark<InAttribute>().attribute), value, row.name);
+            value = element.attributeValue(row.template mark<InAttribute>().attribute); // throws when missing
         else if constexpr (kRowHas<Row, AuthMechanism>)
             Convert(Attribute(element, "value"), value, row.name); // the word is for people
         else if constexpr (kRowHas<Row, Items>)

@@ -90,11 +90,11 @@ private:
 
     vk::CurlHandle m_curl{false}; ///< closed until OpenSession
     vk::CurlHeaders m_headers;
-    vk::CurlHeaders m_sentHeaders; ///< m_headers and those of the one request
     int m_iFirstRequest = 1;
     VDK_BUFFER m_header{};
     VDK_BUFFER m_page{};
     bool m_bOpen = false;
     bool m_bCookies = false;
     long m_timeoutSeconds;
+    vk::CurlHeaders m_sentHeaders; ///< m_headers and those of the one request
 };

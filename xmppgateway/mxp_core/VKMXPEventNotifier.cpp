@@ -67,8 +67,8 @@ constexpr PushService Service(const char* name)
     return {name, []() -> std::unique_ptr<VKPushNotifierIface> { return std::make_unique<Notifier>(); },
             [](VKMXPEventNotifier& self, VKPushNotifierIface& notifier, const std::string& deviceId, int waitingCount,
                const std::string& text, int timeToLive) {
-                return self.SendNotificationForWaitingMsgs(static_cast<Notifier&>(notifier), deviceId, waitingCount,
-                                                           text, timeToLive);
+                auto* const own = dynamic_cast<Notifier*>(&notifier); // null for another service's
+                return own && self.SendNotificationForWaitingMsgs(*own, deviceId, waitingCount, text, timeToLive);
             }};
 }
 

@@ -398,7 +398,7 @@ TEST_F(PushFcmTest, RefusesWhatIsTooLongAndAccountsThatCannotBeUsed)
         UseSettings(c.account);
         EXPECT_FALSE(m_fcm.Initialize());
         EXPECT_TRUE(m_logger.Has("account.json' of the push service 'fcm' cannot be used: " + std::string(c.why)));
-        EXPECT_TRUE(m_fcm.IsEnabled());
+        EXPECT_FALSE(m_fcm.IsEnabled());
     }
     EXPECT_FALSE(m_logger.Has("nonsense"));
 }

@@ -293,7 +293,7 @@ TEST_F(PushApnsTest, IsDisabledOrUnusableWithoutItsSettings)
         settings.m_strApnsCertificate = "/no/such.pem";
     });
     EXPECT_FALSE(m_apns.Initialize());
-    EXPECT_TRUE(m_apns.IsEnabled());
+    EXPECT_FALSE(m_apns.IsEnabled());
     EXPECT_TRUE(m_logger.Has("Unable to access SSL certificate file '/no/such.pem'."));
     EXPECT_STREQ(VKPushNotifierImplAPNS::m_stDevelopment.host, vk::settings::kApnsDevelopmentHost);
 }
