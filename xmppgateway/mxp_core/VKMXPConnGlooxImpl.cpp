@@ -2,6 +2,8 @@
 
 #include "VKConfiguration.h"
 #include "VKLog.h"
+#include "VKMXPConnGlooxFileAcceptor.h"
+#include "VKMXPConnGlooxFileSender.h"
 #include "VKMXPHub.h"
 #include "VKMXPSessionGlooxImpl.h"
 #include "VKMXPStanzaClient.h"
@@ -184,6 +186,10 @@ bool VKMXPConnGlooxImpl::Pump(gloox::ConnectionError& result)
     m_bPumping = true;
     result = m_pobjClient->recv(0);
     m_bPumping = false;
+    if (m_pobjFileAcceptor)
+        m_pobjFileAcceptor->Pump();
+    if (m_pobjFileSender)
+        m_pobjFileSender->PumpStreams();
     return true;
 }
 
@@ -210,13 +216,66 @@ bool VKMXPConnGlooxImpl::TerminateConnection()
     return true;
 }
 
-/// Where the file sender and the file acceptor are made. This build has neither, and says so for each message with
-/// attachments (RefuseAttachments), so a connection is complete without them.
-bool VKMXPConnGlooxImpl::StartFileTransfer() { return true; }
+/// The acceptor first: of several handlers of file offers at one client the first is asked.
+bool VKMXPConnGlooxImpl::StartFileTransfer()
+{
+    const std::lock_guard<std::recursive_mutex> inside(m_mtxClient);
+    try {
+        m_pobjFileAcceptor = std::make_unique<VKMXPConnGlooxFileAcceptor>(*this);
+    }
+    catch (const std::exception& error) {
+        VK_LOG_ERROR(m_pobjLogger, "Connection ID: [%s] >> Failed to initilize file acceptor object: %s",
+                     m_strConnectionID.c_str(), error.what());
+        return false;
+    }
+    if (!m_bFileSenderWanted)
+        return true;
+    try {
+        m_pobjFileSender = std::make_unique<VKMXPConnGlooxFileSender>(this);
+        if (m_pobjFileSender->Initialize(m_pobjLogger, std::string()) && m_pobjFileSender->StartAsThread()) {
+            m_pobjFileSender->Poke(); // records from before the connection was lost may wait
+            return true;
+        }
+    }
+    catch (const std::exception&) { // told below
+    }
+    VK_LOG_ERROR(m_pobjLogger, "Connection ID: [%s] >> Failed to initilize/start file sender object",
+                 m_strConnectionID.c_str());
+    return false;
+}
 
-void VKMXPConnGlooxImpl::StopFileTransfer() {}
+/// Waits for the sender outside the client, which the sender may want to enter.
+void VKMXPConnGlooxImpl::StopFileTransfer()
+{
+    std::unique_ptr<VKMXPConnGlooxFileSender> sender;
+    {
+        const std::lock_guard<std::recursive_mutex> inside(m_mtxClient);
+        sender = std::move(m_pobjFileSender);
+    }
+    if (sender)
+        sender->Stop();
+    const std::lock_guard<std::recursive_mutex> inside(m_mtxClient);
+    sender.reset();
+    m_pobjFileAcceptor.reset();
+}
 
-int VKMXPConnGlooxImpl::GetFileTransferMethod() { return 0; }
+int VKMXPConnGlooxImpl::GetFileTransferMethod()
+{
+    const std::lock_guard<std::recursive_mutex> inside(m_mtxClient);
+    return m_pobjFileSender ? m_pobjFileSender->GetMethod() : 0;
+}
+
+void VKMXPConnGlooxImpl::LogTransferError(const std::string& jid, const std::string& what, const gloox::IQ* iq)
+{
+    const gloox::Error* const error = iq ? iq->error() : nullptr;
+    std::string text = what;
+    if (error)
+        text += std::string(" Type: [") +
+                VKXMPPGlooxdTypes::GetGlooxStanzaErrTypeString(static_cast<int>(error->type())) + "], Error: [" +
+                VKXMPPGlooxdTypes::GetGlooxStanzaErrString(static_cast<int>(error->error())) + "]";
+    VK_LOG_ERROR(m_pobjLogger, jid.empty() ? "Connection ID: [%s]%s >> %s" : "Connection ID: [%s], JID: [%s] >> %s",
+                 m_strConnectionID.c_str(), jid.c_str(), text.c_str());
+}
 
 void VKMXPConnGlooxImpl::onConnect() { m_bConnected = true; }
 
@@ -334,7 +393,7 @@ bool VKMXPConnGlooxImpl::SendAMessage(VKMXPSession* session, const std::string& 
     }
     if (strcasecmp(gloox::JID(session->GetJID()).username().c_str(), kEmergencyUser) == 0)
         return true;
-    if (m_pobjFileSender)
+    if (m_bFileSenderWanted)
         QueueAttachments(*session, attachments);
     else
         RefuseAttachments(attachments);
@@ -351,7 +410,8 @@ void VKMXPConnGlooxImpl::QueueAttachments(VKMXPSession& session, const Attachmen
     {
         const vk::ScopedSection section(*m_pobjAttachmentsLock);
         for (const auto& entry : attachments)
-            m_vecPendingAttachments.push_back({target, entry.first, entry.second, FileTransferMechanism::Unknown});
+            m_vecPendingAttachments.push_back(
+                {target, entry.first, entry.second, FileTransferMechanism::Unknown, ++m_uNextRecord, 0, {}});
     }
     VK_LOG_DEBUG(m_pobjLogger, "Connection ID: [%s] >> Sending 'getDiscoInfo' call for JID: [%s]",
                  m_strConnectionID.c_str(), target.c_str());
@@ -367,9 +427,8 @@ void VKMXPConnGlooxImpl::RefuseAttachments(const AttachmentMap& attachments)
     for (const auto& entry : attachments) {
         VK_LOG_ERROR(m_pobjLogger, "Connection ID: [%s] >> File Transfer Error: this server sends no files; packet [%s]",
                      m_strConnectionID.c_str(), entry.first.c_str());
-        if (m_pobjAttachmentStatusHandler)
-            m_pobjAttachmentStatusHandler->HandleAttachmentStatus(m_strConnectionID, entry.first, kFailed,
-                                                                  "File Transfer Error.");
+        if (VKMXPAttachmentStatusHandlerIface* const handler = m_pobjAttachmentStatusHandler)
+            handler->HandleAttachmentStatus(m_strConnectionID, entry.first, kFailed, "File Transfer Error.");
     }
 }
 
@@ -400,6 +459,8 @@ void VKMXPConnGlooxImpl::handleDiscoInfo(const gloox::JID& from, const gloox::Di
                      m_strConnectionID.c_str());
         pending = m_vecPendingAttachments.erase(pending);
     }
+    if (m_pobjFileSender) // this runs inside the client
+        m_pobjFileSender->Poke();
 }
 
 void VKMXPConnGlooxImpl::handleDiscoItems(const gloox::JID& from, const gloox::Disco::Items&, int)
@@ -476,8 +537,21 @@ bool VKMXPConnGlooxImpl::GetAttachedFiles(const std::string& packetId, FileList&
 {
     const vk::ScopedSection section(*m_pobjIncomingLock);
     const auto found = m_mapReceivedFiles.find(packetId);
+    if (found == m_mapReceivedFiles.end() || found->second.size() != 1)
+        return false;
+    files = found->second.begin()->second;
+    return true;
+}
+
+bool VKMXPConnGlooxImpl::GetAttachedFilesOf(const std::string& jid, const std::string& packetId, FileList& files)
+{
+    const vk::ScopedSection section(*m_pobjIncomingLock);
+    const auto found = m_mapReceivedFiles.find(packetId);
     if (found == m_mapReceivedFiles.end())
         return false;
-    files = found->second;
+    const auto own = found->second.find(gloox::JID(jid).bare());
+    if (own == found->second.end())
+        return false;
+    files = own->second;
     return true;
 }

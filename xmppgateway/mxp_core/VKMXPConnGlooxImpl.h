@@ -8,6 +8,7 @@
 #include <gloox/messagehandler.h>
 
 #include <atomic>
+#include <chrono>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -53,6 +54,7 @@ public:
     std::string RecvAMessage(VKMXPSession* session, int timeout) override;
     std::string RecvAMessage(std::string& jid, int timeout) override;
     bool GetAttachedFiles(const std::string& packetId, FileList& files) override;
+    bool GetAttachedFilesOf(const std::string& jid, const std::string& packetId, FileList& files) override;
     int GetFileTransferMethod() override;
 
     void onConnect() override;
@@ -70,6 +72,9 @@ public:
         std::string strPacketId;
         FileList vecFiles; ///< path and secure key
         FileTransferMechanism::eType eMechanism = FileTransferMechanism::Unknown;
+        unsigned long uID = 0;                              ///< tells records apart
+        int iTries = 0;                                     ///< how often its files could not be secured
+        std::chrono::steady_clock::time_point tNotBefore{}; ///< the next try
     };
 
 private:
@@ -91,21 +96,24 @@ private:
     void QueueAttachments(VKMXPSession& session, const AttachmentMap& attachments);
     void RefuseAttachments(const AttachmentMap& attachments);
     void NoteDisconnection(int error);
+    void LogTransferError(const std::string& jid, const std::string& what, const gloox::IQ* iq);
 
     std::unique_ptr<VKMXPStanzaClient> m_pobjClient; ///< null while not connected; guarded by m_mtxClient
     std::atomic<bool> m_bConnected{false};
     bool m_bFileSenderWanted;
     vk::IncomingQueues m_objIncoming;                 ///< the queues and the senders by bare JID; incoming lock
-    std::map<std::string, FileList> m_mapReceivedFiles; ///< by packet id; incoming lock
+    std::map<std::string, std::map<std::string, FileList>> m_mapReceivedFiles; ///< by packet id, then by the bare JID
+                                                                               ///< of who sent them; incoming lock
     std::vector<FileAttachmentDetails> m_vecPendingAttachments; ///< attachments lock
     std::unique_ptr<VKconLock> m_pobjIncomingLock;
     std::unique_ptr<VKconLock> m_pobjAttachmentsLock;
-    VKMXPConnGlooxFileAcceptor* m_pobjFileAcceptor = nullptr; ///< null: this build takes no files in
-    VKMXPConnGlooxFileSender* m_pobjFileSender = nullptr;     ///< null: this build sends no files
+    std::unique_ptr<VKMXPConnGlooxFileAcceptor> m_pobjFileAcceptor; ///< while connected; client lock
+    std::unique_ptr<VKMXPConnGlooxFileSender> m_pobjFileSender;     ///< null when no files are to be sent; client lock
 
     std::recursive_mutex m_mtxClient; ///< the client lock; m_pobjSocket belongs to the client
     VKMXPTcpSocket* m_pobjSocket = nullptr;
     std::set<VKMXPSessionGlooxImpl*> m_setSessions; ///< those that hold a message session; client lock
     std::vector<Arrived> m_vecArrived;              ///< noted inside the client; client lock
     bool m_bPumping = false;                        ///< client lock
+    unsigned long m_uNextRecord = 0;                ///< attachments lock
 };

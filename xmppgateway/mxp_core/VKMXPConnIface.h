@@ -2,6 +2,7 @@
 
 #include "VKMXPAttachmentStatusHandlerIface.h"
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <mutex>
@@ -62,11 +63,14 @@ public:
     virtual std::string RecvAMessage(VKMXPSession* session, int timeout) = 0;
     virtual std::string RecvAMessage(std::string& jid, int timeout) = 0;
 
-    /// The files received for a packet; the entry stays.
+    /// The files received for a packet; the entry stays. None when several peers have sent files under this id.
     virtual bool GetAttachedFiles(const std::string& packetId, FileList& files) = 0;
 
     /// 1 SOCKS5, 3 in-band, 0 none.
     virtual int GetFileTransferMethod() = 0;
+
+    /// Those files received for a packet that its own sender has sent; a packet id may be the same for several.
+    virtual bool GetAttachedFilesOf(const std::string& jid, const std::string& packetId, FileList& files) = 0;
 
     /// The text of the last failure. Any thread.
     std::string GetLastError() const;
@@ -84,11 +88,11 @@ protected:
 public:
     VKconThreadPool* m_pobjThreadPool = nullptr;
     VKLogInterface* m_pobjLogger = nullptr; ///< not owned, may be null
-    VKMXPAttachmentStatusHandlerIface* m_pobjAttachmentStatusHandler = nullptr; ///< not owned
+    std::atomic<VKMXPAttachmentStatusHandlerIface*> m_pobjAttachmentStatusHandler{nullptr}; ///< not owned
     int m_iFileTransferMechanism = FileTransferMechanism::Unknown; ///< written only; the peers negotiate their own
     std::string m_strStreamHost;
     int m_iStreamPort = 0;
-    int m_iChunkSizeKB = 0;
+    std::atomic<int> m_iChunkSizeKB{0}; ///< read anew for each transfer
     std::string m_strConnectionID;
 
     /// Set by the core manager before StartConnection; null for a connection of its own.

@@ -300,7 +300,7 @@ void VKMXPSession::SortIn(PacketList& packets, MessageList& messages)
         VKMXPmBase* const packet = received.second;
         const std::string id = GetPacketIdForAttachedFile(packet);
         VKMXPConnIface::FileList files;
-        if (!id.empty() && m_pobjConnection->GetAttachedFiles(id, files))
+        if (!id.empty() && m_pobjConnection->GetAttachedFilesOf(received.first, id, files))
             packet->AttachFiles(files);
         if (packet->m_iPacketType == 2) {
             VKMXPmBase*& place = m_mapResponses[packet->m_iSequence];

@@ -61,6 +61,13 @@ VKMXPTcpSocket::VKMXPTcpSocket(gloox::ConnectionDataHandler* handler, const std:
     setServer(server, port);
 }
 
+VKMXPTcpSocket::VKMXPTcpSocket(int descriptor, vk::TrafficWait* wait)
+    : gloox::ConnectionBase(nullptr), m_pobjWait(wait), m_tDeadline(Clock::now()), m_iSocket(descriptor)
+{
+    PrepareSocket(m_iSocket);
+    m_state = gloox::StateConnected;
+}
+
 VKMXPTcpSocket::~VKMXPTcpSocket() { VKMXPTcpSocket::cleanup(); }
 
 gloox::ConnectionError VKMXPTcpSocket::connect()
@@ -69,11 +76,59 @@ gloox::ConnectionError VKMXPTcpSocket::connect()
         return gloox::ConnNotConnected;
     if (m_state == gloox::StateConnected)
         return gloox::ConnNoError;
+    if (m_bBeside)
+        return BeginConnect();
     const gloox::ConnectionError result = Open();
     if (result != gloox::ConnNoError) {
         m_handler->handleDisconnect(this, result);
         return result;
     }
+    m_state = gloox::StateConnected;
+    m_handler->handleConnect(this);
+    return gloox::ConnNoError;
+}
+
+gloox::ConnectionError VKMXPTcpSocket::BeginConnect()
+{
+    addrinfo hints{};
+    hints.ai_family = AF_UNSPEC;
+    hints.ai_socktype = SOCK_STREAM;
+    hints.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV;
+    addrinfo* found = nullptr;
+    if (m_iSocket >= 0 || ::getaddrinfo(m_server.c_str(), std::to_string(m_port).c_str(), &hints, &found) != 0)
+        return gloox::ConnDnsError;
+    const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> address(found, &::freeaddrinfo);
+    const int socket = ::socket(address->ai_family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    if (socket < 0)
+        return gloox::ConnConnectionRefused;
+    PrepareSocket(socket);
+    if (::connect(socket, address->ai_addr, address->ai_addrlen) != 0 && errno != EINPROGRESS) {
+        ::close(socket);
+        return gloox::ConnConnectionRefused;
+    }
+    m_iSocket = socket;
+    m_bOpening = true;
+    m_state = gloox::StateConnecting;
+    m_tDeadline = Clock::now() + kSendLimit;
+    if (m_pobjWait) {
+        m_pobjWait->Add(m_iSocket, true);
+        m_bWatched = true;
+    }
+    return gloox::ConnNoError;
+}
+
+gloox::ConnectionError VKMXPTcpSocket::GoOnConnecting()
+{
+    if (!Poll(m_iSocket, POLLOUT, 0))
+        return Clock::now() < m_tDeadline ? gloox::ConnNoError : Fail(gloox::ConnConnectionRefused);
+    int error = 0;
+    socklen_t size = sizeof error;
+    ::getsockopt(m_iSocket, SOL_SOCKET, SO_ERROR, &error, &size);
+    m_bOpening = false;
+    if (error != 0)
+        return Fail(gloox::ConnConnectionRefused);
+    if (m_bWatched)
+        m_pobjWait->Change(m_iSocket, false);
     m_state = gloox::StateConnected;
     m_handler->handleConnect(this);
     return gloox::ConnNoError;
@@ -138,6 +193,11 @@ gloox::ConnectionError VKMXPTcpSocket::recv(int timeout)
         return Fail(gloox::ConnIoError);
     if (timeout != 0)
         AwaitTraffic(timeout < 0 ? -1 : std::max(1, timeout / 1000));
+    if (m_bOpening) {
+        const gloox::ConnectionError result = GoOnConnecting();
+        if (result != gloox::ConnNoError || m_bOpening || m_iSocket < 0)
+            return result;
+    }
     if (!FlushUnsent())
         return Fail(gloox::ConnIoError);
 
@@ -239,6 +299,7 @@ void VKMXPTcpSocket::cleanup()
         ::close(m_iSocket);
     }
     m_iSocket = -1;
+    m_bOpening = false;
     m_bWatched = false;
     m_bBroken = false;
     m_strUnsent.clear();
@@ -253,7 +314,9 @@ void VKMXPTcpSocket::getStatistics(long int& totalIn, long int& totalOut)
 
 gloox::ConnectionBase* VKMXPTcpSocket::newInstance() const
 {
-    return new VKMXPTcpSocket(m_handler, m_server, m_port, nullptr, Clock::now() + kSendLimit);
+    auto made = std::make_unique<VKMXPTcpSocket>(nullptr, m_server, m_port, m_pobjWait, Clock::now() + kSendLimit);
+    made->m_bBeside = true;
+    return made.release();
 }
 
 int VKMXPTcpSocket::localPort() const
@@ -282,4 +345,11 @@ void VKMXPTcpSocket::Watch()
         return;
     m_pobjWait->Add(m_iSocket, !m_strUnsent.empty());
     m_bWatched = true;
+}
+
+void VKMXPTcpSocket::Unwatch()
+{
+    if (m_bWatched)
+        m_pobjWait->Remove(m_iSocket);
+    m_bWatched = false;
 }

@@ -41,6 +41,10 @@ public:
         jid = "stray@x";
         return Next();
     }
+    bool GetAttachedFilesOf(const std::string&, const std::string& packetId, FileList& files) override
+    {
+        return GetAttachedFiles(packetId, files);
+    }
     bool GetAttachedFiles(const std::string& packetId, FileList& files) override
     {
         const auto found = received.find(packetId);
