@@ -18,6 +18,8 @@ namespace {
 constexpr std::chrono::seconds kLoginLimit(30);
 /// How long a device that is done waits for the server's last responses.
 constexpr std::chrono::seconds kResponseLimit(5);
+/// How long it waits for the next file that a message has announced.
+constexpr std::chrono::seconds kFileLimit(10);
 /// The longest wait at a stretch: a signal ends it early.
 constexpr int kIdleMilliseconds = 1000;
 
@@ -37,7 +39,7 @@ Device::Device(DeviceSettings settings, DeviceOutput& output, const std::atomic<
 
 VKMXPTcpSocket& Device::MakeConnection()
 {
-    auto socket = std::make_unique<VKMXPTcpSocket>(&m_client, m_settings.server, m_settings.port, nullptr,
+    auto socket = std::make_unique<VKMXPTcpSocket>(&m_client, m_settings.server, m_settings.port, &m_traffic,
                                                    VKMXPTcpSocket::Clock::now() + kLoginLimit);
     auto tls = std::make_unique<VKMXPTlsOpenSsl>(&m_client, m_settings.jid.server(), "");
     if (!tls->init())
@@ -53,6 +55,9 @@ VKMXPTcpSocket& Device::MakeConnection()
     m_client.disableRoster();
     m_client.registerConnectionListener(this);
     m_client.registerMessageHandler(this);
+    if (m_settings.transfer != 0)
+        m_files = std::make_unique<DeviceFiles>(m_client, m_settings.transfer, m_settings.saveDirectory, m_output,
+                                                [this](const DeviceFiles::Arrived& file) { TakeFile(file); });
     return made;
 }
 
@@ -99,12 +104,16 @@ void Device::Run()
     LogIn(socket);
     if (m_connected)
         m_output.Online(m_client.jid().full());
+    socket.Watch();
     while (m_connected && !m_stop && !Done()) {
-        socket.AwaitTraffic(SendDueAnswers());
+        m_traffic.Wait(SendDueAnswers());
         Receive();
+        if (m_files)
+            m_files->Pump();
     }
     if (!m_stop && m_error != gloox::ConnNoError)
         Fail("connection lost");
+    m_files.reset();
     m_client.removeConnectionListener(this);
     m_client.disconnect();
 }
@@ -113,7 +122,16 @@ bool Device::Done() const
 {
     if (m_settings.count == 0 || m_messages < m_settings.count || !m_planned.empty())
         return false;
+    if (m_files && m_awaitedFiles > 0 && Clock::now() < m_lastFile + kFileLimit)
+        return false;
     return m_awaitedResponses <= 0 || Clock::now() >= m_lastAnswer + kResponseLimit;
+}
+
+void Device::TakeFile(const DeviceFiles::Arrived& file)
+{
+    --m_awaitedFiles;
+    m_lastFile = Clock::now();
+    m_output.File(file);
 }
 
 void Device::handleMessage(const gloox::Message& message, gloox::MessageSession*)
@@ -148,7 +166,11 @@ void Device::Take(const gloox::JID& from, const VKMXPmBase& packet)
 void Device::TakeMessage(const gloox::JID& from, const VKMXPmMessage& message)
 {
     ++m_messages;
+    m_awaitedFiles += static_cast<long long>(message.m_vecAttachments.size());
+    m_lastFile = Clock::now();
     m_output.Message(from.full(), message);
+    if (m_files)
+        m_files->Announce(message);
     auto when = Clock::now();
     for (const DeviceAnswer& answer : m_settings.answers) {
         when += m_settings.delay;

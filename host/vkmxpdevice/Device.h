@@ -1,7 +1,9 @@
 #pragma once
 
 #include "DeviceAnswer.h"
+#include "DeviceFiles.h"
 #include "DeviceOutput.h"
+#include "VKMXPTrafficWait.h"
 
 #include <gloox/client.h>
 #include <gloox/connectionlistener.h>
@@ -10,6 +12,7 @@
 #include <atomic>
 #include <chrono>
 #include <deque>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -27,8 +30,12 @@ struct DeviceSettings
     std::vector<DeviceAnswer> answers;
     /// Before each answer.
     std::chrono::milliseconds delay{0};
-    /// Messages after which it is done; 0 for no end.
+    /// Messages after which it is done, when the files that they announced have come, too; 0 for no end.
     long long count = 0;
+    /// The streams on which it takes files, as gloox::SIProfileFT::StreamType; 0 for none.
+    int transfer = 0;
+    /// Where it keeps files that it has decrypted; empty when it keeps none.
+    std::string saveDirectory;
 };
 
 /// A simulated mobile device: one XMPP account over TLS that receives envelopes and answers each message. One thread; all
@@ -67,12 +74,17 @@ private:
     void TakeMessage(const gloox::JID& from, const VKMXPmMessage& message);
     int SendDueAnswers();
     void Send(const PlannedAnswer& planned);
+    void TakeFile(const DeviceFiles::Arrived& file);
     bool Done() const;
 
     const DeviceSettings m_settings;
     DeviceOutput& m_output;
     const std::atomic<bool>& m_stop;
+    /// Outlives the client, whose sockets are in it.
+    TrafficWait m_traffic;
     gloox::Client m_client;
+    /// Null when it takes no files.
+    std::unique_ptr<DeviceFiles> m_files;
     /// In the order of their times.
     std::deque<PlannedAnswer> m_planned;
     bool m_connected = false;
@@ -82,6 +94,9 @@ private:
     /// Answers to which the server's response has not come.
     int m_awaitedResponses = 0;
     Clock::time_point m_lastAnswer{};
+    /// Files that messages have announced and that have not come.
+    long long m_awaitedFiles = 0;
+    Clock::time_point m_lastFile{};
 };
 
 } // namespace vk

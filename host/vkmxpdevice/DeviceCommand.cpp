@@ -1,6 +1,9 @@
 #include "DeviceCommand.h"
 
 #include "Device.h"
+#include "VKField.h"
+
+#include <gloox/siprofileft.h>
 
 #include <csignal>
 #include <limits>
@@ -19,6 +22,21 @@ void StopOnSignals()
     sigaction(SIGTERM, &action, nullptr);
 }
 
+int TransferFrom(const std::string& word)
+{
+    constexpr int kNoWord = -1;
+    constexpr CodeText<int> kWords[] = {
+        {gloox::SIProfileFT::FTTypeS5B, "socks5"},
+        {gloox::SIProfileFT::FTTypeIBB, "inband"},
+        {gloox::SIProfileFT::FTTypeS5B | gloox::SIProfileFT::FTTypeIBB, "both"},
+        {0, "none"},
+    };
+    const int types = CodeOfText(kWords, word, kNoWord);
+    if (types == kNoWord)
+        throw UsageError("--transfer: '" + word + "' is none of socks5, inband, both, none");
+    return types;
+}
+
 DeviceSettings SettingsFrom(const Arguments& arguments)
 {
     constexpr int kHighestPort = 65535;
@@ -35,6 +53,8 @@ DeviceSettings SettingsFrom(const Arguments& arguments)
     settings.answers = ParseAnswers(arguments.Text("--answer"));
     settings.delay = std::chrono::milliseconds(arguments.Number("--delay", 0, kLongestDelay, 0));
     settings.count = arguments.Number("--count", 1, std::numeric_limits<long long>::max(), 0);
+    settings.transfer = TransferFrom(arguments.Text("--transfer", "both"));
+    settings.saveDirectory = arguments.Text("--save", "");
     return settings;
 }
 

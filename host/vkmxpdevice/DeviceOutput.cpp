@@ -60,6 +60,20 @@ void DeviceOutput::Response(const VKMXPmBase& packet)
     Write("response", line, std::string(packet.GetName()) + "  " + packet.m_strResponseMessage);
 }
 
+void DeviceOutput::File(const DeviceFiles::Arrived& file)
+{
+    Json::Value line(Json::objectValue);
+    line["job_id"] = file.jobId;
+    line["name"] = file.name;
+    line["size"] = static_cast<Json::Int64>(file.size);
+    line["sha256"] = file.sha256;
+    line["over"] = file.over;
+    if (!file.savedAs.empty())
+        line["saved_as"] = file.savedAs;
+    Write("file", line,
+          file.jobId + "  " + file.name + ", " + std::to_string(file.size) + " bytes, SHA-256 " + file.sha256);
+}
+
 void DeviceOutput::Other(const std::string& from, const std::string& what)
 {
     Json::Value line(Json::objectValue);

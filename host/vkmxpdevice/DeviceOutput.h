@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DeviceFiles.h"
 #include "VKMXPmMessage.h"
 
 #include <json/json.h>
@@ -20,6 +21,8 @@ public:
     void Answer(const std::string& jobId, const std::string& answer);
     /// The server's response to one of our packets.
     void Response(const VKMXPmBase& packet);
+    /// An attachment, decrypted.
+    void File(const DeviceFiles::Arrived& file);
     /// Something that is no message and no response.
     void Other(const std::string& from, const std::string& what);
 

@@ -12,6 +12,8 @@ constexpr vk::Option kOptions[] = {
                          "reject, reply:CODE:TEXT. A comma inside a TEXT is written \"\\,\"."},
     {"--delay", "MS", "Milliseconds before each answer; none when not given."},
     {"--count", "N", "Ends after N messages, when they are answered; otherwise it goes on until it is stopped."},
+    {"--transfer", "WAY", "How it takes attachments: socks5, inband, both or none; both when not given."},
+    {"--save", "DIRECTORY", "Keeps the attachments there, decrypted; otherwise they are only looked at."},
     {"--json", nullptr, "One JSON object a line for each thing that happens."},
 };
 
@@ -20,7 +22,7 @@ constexpr vk::Command kCommands[] = {{"", "", kOptions, &vk::RunDevice}};
 constexpr vk::ManualSection kSections[] = {
     {"OUTPUT",
      "Event \"online\" when the login is done, \"message\" for each message with all its fields, \"answer\" for each "
-     "answer sent, \"response\" for the server's response to a confirmation or rejection, \"other\" for anything else that "
+     "answer sent, \"file\" for each attachment that came, with name, size and SHA-256 of its clear content, \"response\" for the server's response to a confirmation or rejection, \"other\" for anything else that "
      "arrives."},
     {"EXIT STATUS",
      "0  done, or stopped by a signal\n"

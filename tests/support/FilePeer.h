@@ -79,11 +79,8 @@ public:
         return m_got;
     }
 
-    std::string Jid()
-    {
-        const std::lock_guard<std::mutex> lock(m_guard);
-        return m_client.jid().full();
-    }
+    /// From the next offer on.
+    void Become(Manner manner) { m_manner = manner; }
 
 private:
     class Receiver : public vk::FileReceiver
@@ -157,7 +154,7 @@ private:
         m_opened = !std::filesystem::is_empty(m_dir.Path());
     }
 
-    const Manner m_manner;
+    std::atomic<Manner> m_manner;
     const int m_types;
     TempDir m_dir;
     vk::TrafficWait m_traffic;

@@ -2,6 +2,7 @@
 
 #include "VKConfiguration.h"
 #include "VKLog.h"
+#include "VKMXPStanzaClient.h"
 #include "VKXMPPGlooxdTypes.h"
 #include "VKconCriticalSection.h"
 #include "VKioDirectory.h"

@@ -4,6 +4,7 @@
 
 #include "VKLog.h"
 #include "VKMXPHub.h"
+#include "VKMXPStanzaClient.h"
 #include "VKMXPTcpSocket.h"
 #include "VKXMPPGlooxdTypes.h"
 #include "VKconCriticalSection.h"
@@ -76,7 +77,7 @@ void VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::SetSelfAsSocks5Server()
         VK_LOG_INFO(m_pLogger, "Connection ID: [%s] >> Not a valid port for Socks5 Bytestream Server [%d].", id, port);
         return;
     }
-    gloox::Client& client = *m_pobjConnection->m_pobjClient;
+    VKMXPStanzaClient& client = *m_pobjConnection->m_pobjClient;
     m_pobjSocks5Server = std::make_unique<gloox::SOCKS5BytestreamServer>(client.logInstance(), port, host);
     vk::Hub* const hub = m_pobjConnection->m_pobjHub;
     m_pobjListener = std::make_unique<vk::StreamListener>(*m_pobjSocks5Server, hub ? &hub->Traffic() : nullptr);

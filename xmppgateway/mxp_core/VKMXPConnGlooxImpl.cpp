@@ -97,6 +97,10 @@ VKMXPConnGlooxImpl::~VKMXPConnGlooxImpl()
 {
     StopFileTransfer();
     DropClient();
+    AttachmentMap lost; // what waited to be sent can no more
+    for (const FileAttachmentDetails& pending : m_vecPendingAttachments)
+        lost[pending.strPacketId] = pending.vecFiles;
+    RefuseAttachments(lost, "Disconnection Error.", "the connection has ended");
 }
 
 void VKMXPConnGlooxImpl::PrepareClient(VKMXPTcpSocket& socket)
@@ -396,7 +400,7 @@ bool VKMXPConnGlooxImpl::SendAMessage(VKMXPSession* session, const std::string& 
     if (m_bFileSenderWanted)
         QueueAttachments(*session, attachments);
     else
-        RefuseAttachments(attachments);
+        RefuseAttachments(attachments, "File Transfer Error.", "this connection sends no files");
     return true;
 }
 
@@ -420,15 +424,15 @@ void VKMXPConnGlooxImpl::QueueAttachments(VKMXPSession& session, const Attachmen
         m_pobjClient->disco()->getDiscoInfo(gloox::JID(target), std::string(), this, 0);
 }
 
-/// Without a file sender the files cannot follow: said at once, so that the job does not stay pending for ever.
-void VKMXPConnGlooxImpl::RefuseAttachments(const AttachmentMap& attachments)
+/// Files that cannot follow are told of at once, so that their jobs do not stay pending for ever.
+void VKMXPConnGlooxImpl::RefuseAttachments(const AttachmentMap& attachments, const char* error, const char* reason)
 {
     constexpr int kFailed = 2;
     for (const auto& entry : attachments) {
-        VK_LOG_ERROR(m_pobjLogger, "Connection ID: [%s] >> File Transfer Error: this server sends no files; packet [%s]",
-                     m_strConnectionID.c_str(), entry.first.c_str());
+        VK_LOG_ERROR(m_pobjLogger, "Connection ID: [%s] >> File Transfer Error: %s; packet [%s]",
+                     m_strConnectionID.c_str(), reason, entry.first.c_str());
         if (VKMXPAttachmentStatusHandlerIface* const handler = m_pobjAttachmentStatusHandler)
-            handler->HandleAttachmentStatus(m_strConnectionID, entry.first, kFailed, "File Transfer Error.");
+            handler->HandleAttachmentStatus(m_strConnectionID, entry.first, kFailed, error);
     }
 }
 

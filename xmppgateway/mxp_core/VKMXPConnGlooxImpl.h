@@ -94,7 +94,7 @@ private:
     bool Pump(gloox::ConnectionError& result);
     void EnsureMessageSession(VKMXPSessionGlooxImpl& session);
     void QueueAttachments(VKMXPSession& session, const AttachmentMap& attachments);
-    void RefuseAttachments(const AttachmentMap& attachments);
+    void RefuseAttachments(const AttachmentMap& attachments, const char* error, const char* reason);
     void NoteDisconnection(int error);
     void LogTransferError(const std::string& jid, const std::string& what, const gloox::IQ* iq);
 

@@ -31,7 +31,9 @@ class VKconLock;
 /// Lock order, for all threads: claim of a connection ID, cycle lock, request lock, response lock, connections lock, a
 /// session's lock, a connection's client lock; below those the leaves, under which nothing else is taken: incoming,
 /// attachments, sequence, ready list. Nobody waits for traffic, for a login or for another thread's claim while holding
-/// any of them: the work thread waits between rounds, holding none, so a terminate never waits for a quiet network.
+/// any of them: the work thread waits between rounds, holding none, so a terminate never waits for a quiet network. A
+/// connection that has ended is taken out under the locks and ended outside them, for its file sender may be telling a
+/// handler of attachment statuses how a transfer ended.
 class VKMXPCoreManager : public VKThreadModule, private vk::Hub
 {
 public:
@@ -132,6 +134,7 @@ private:
     class Claim;
     class CycleHold;
     class RoundMark;
+    struct Ended;
 
     VKMXPCoreManager() = default;
 
@@ -146,8 +149,8 @@ private:
     std::vector<VKMXPSession*> TakeReadySessions();
     void VisitSession(VKMXPSession& session);
     void VisitResponses();
-    void VisitConnections();
-    void EndDeadConnections(const std::vector<std::string>& connectionIds);
+    std::vector<Ended> VisitConnections();
+    std::vector<Ended> EndDeadConnections(const std::vector<std::string>& connectionIds);
     void RunGuardedRound();
     void WaitForWork();
     bool ProcessIncomingRequest(const std::string& connectionId, const std::string& jid, VKMXPmBase* packet);
@@ -166,13 +169,13 @@ private:
     VKMXPSession* FindSession(const std::string& jid, const std::string& connectionId);
     VKMXPSession* KeepSession(VKMXPSession* session, const std::string& resource);
     VKMXPSession* StartSessionAnew(const std::string& jid, const std::string& connectionId, const std::string& resource);
-    bool TerminateC2SConnectionIntern(VKMXPConnIface* connection, bool removeFromMap);
+    std::unique_ptr<VKMXPConnIface> TerminateC2SConnectionIntern(const std::string& connectionId);
     void ForgetResponses(const std::string& connectionId);
     void Discard(VKMXPSession* session);
     VKMXPSession* GetSessionOrLog(const std::string& jid, const std::string& connectionId);
     VKMXPSession* SessionOrLog(const std::string& jid, const std::string& connectionId);
     int NextSequence();
-    void Discard(VKMXPConnIface* connection);
+    void Discard(std::unique_ptr<VKMXPConnIface> connection);
     bool OnWorkThread() const { return m_idWorkThread.load() == std::this_thread::get_id(); }
 
     vk::TrafficWait m_objTraffic;

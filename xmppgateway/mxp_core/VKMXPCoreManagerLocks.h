@@ -66,3 +66,11 @@ public:
 private:
     VKMXPCoreManager& m_manager;
 };
+
+/// A connection that is out of the map and still to be ended; its ID stays claimed until it is gone, so that nobody logs
+/// in anew beside it.
+struct VKMXPCoreManager::Ended
+{
+    std::unique_ptr<Claim> pobjClaim;
+    std::unique_ptr<VKMXPConnIface> pobjConnection;
+};

@@ -3,6 +3,7 @@
 #include "VKException.h"
 #include "VKLog.h"
 #include "VKMXPCoreManager.h"
+#include "VKMXPCoreManagerLocks.h"
 #include "VKMXPmBase.h"
 #include "VKconCriticalSection.h"
 #include "VKconLock.h"
@@ -87,13 +88,18 @@ void VKMXPCoreManager::RunRound()
         std::unique_lock<std::mutex> lock(m_mtxTurn);
         m_cvTurn.wait(lock, [this] { return m_iCycleWaiters == 0; });
     }
-    const vk::ScopedSection cycle(*m_pobjCycleLock);
-    const RoundMark mark(*this);
-    for (VKMXPSession* session : TakeReadySessions())
-        VisitSession(*session);
-    VisitResponses();
-    VisitConnections();
-    ++m_uRounds;
+    std::vector<Ended> ended;
+    {
+        const vk::ScopedSection cycle(*m_pobjCycleLock);
+        const RoundMark mark(*this);
+        for (VKMXPSession* session : TakeReadySessions())
+            VisitSession(*session);
+        VisitResponses();
+        ended = VisitConnections();
+        ++m_uRounds;
+    }
+    for (const Ended& each : ended)
+        each.pobjConnection->TerminateConnection();
 }
 
 /// The sessions that have something to do, in key order; an idle session is not even looked at.
@@ -164,7 +170,7 @@ void VKMXPCoreManager::VisitResponses()
                                     response.handler);
 }
 
-void VKMXPCoreManager::VisitConnections()
+std::vector<VKMXPCoreManager::Ended> VKMXPCoreManager::VisitConnections()
 {
     // Connections are deleted under the cycle lock only, so the pointers hold for this round.
     std::vector<VKMXPConnIface*> connections;
@@ -183,7 +189,7 @@ void VKMXPCoreManager::VisitConnections()
         else
             dead.push_back(connection->m_strConnectionID);
     }
-    EndDeadConnections(dead);
+    return EndDeadConnections(dead);
 }
 
 bool VKMXPCoreManager::ProcessAllIncoming(VKMXPConnIface& connection)

@@ -172,45 +172,51 @@ bool VKMXPCoreManager::TerminateC2SConnection(const std::string& connectionId)
     const Claim claim(*this, connectionId);
     if (!claim.Held())
         return false;
-    const CycleHold cycle(*this);
-    const vk::ScopedSection responses(*m_pobjResponseLock);
-    const vk::ScopedSection connections(*m_pobjConnectionsLock);
-    const auto found = m_mapConnections.find(connectionId);
-    if (found == m_mapConnections.end())
+    std::unique_ptr<VKMXPConnIface> ended;
+    {
+        const CycleHold cycle(*this);
+        const vk::ScopedSection responses(*m_pobjResponseLock);
+        const vk::ScopedSection connections(*m_pobjConnectionsLock);
+        ended = TerminateC2SConnectionIntern(connectionId);
+    }
+    if (!ended)
         return false;
-    const std::string server = found->second->m_strServer;
-    const int port = found->second->m_iPort;
-    const std::string user = found->second->m_strUserID;
-    const std::string resource = found->second->m_strResource;
-    const bool ended = TerminateC2SConnectionIntern(found->second, true);
+    ended->TerminateConnection();
     VK_LOG_INFO(m_pLogger,
                 "Successfully terminate and delete XMPP connection id:%s with server %s:%d using user ID:%s with "
                 "resource:%s.",
-                connectionId.c_str(), server.c_str(), port, user.c_str(), resource.c_str());
-    return ended;
+                connectionId.c_str(), ended->m_strServer.c_str(), ended->m_iPort, ended->m_strUserID.c_str(),
+                ended->m_strResource.c_str());
+    Discard(std::move(ended));
+    return true;
 }
 
-void VKMXPCoreManager::EndDeadConnections(const std::vector<std::string>& connectionIds)
+std::vector<VKMXPCoreManager::Ended>
+VKMXPCoreManager::EndDeadConnections(const std::vector<std::string>& connectionIds)
 {
+    std::vector<Ended> ended;
     for (const std::string& connectionId : connectionIds) {
-        const Claim claim(*this, connectionId);
-        if (!claim.Held())
+        auto claim = std::make_unique<Claim>(*this, connectionId);
+        if (!claim->Held())
             continue; // somebody is logging it in again
         const vk::ScopedSection responses(*m_pobjResponseLock);
         const vk::ScopedSection connections(*m_pobjConnectionsLock);
         const auto found = m_mapConnections.find(connectionId);
-        if (found != m_mapConnections.end() && !found->second->IsConnected() &&
-            TerminateC2SConnectionIntern(found->second, false))
-            m_mapConnections.erase(found);
+        if (found != m_mapConnections.end() && !found->second->IsConnected())
+            ended.push_back({std::move(claim), TerminateC2SConnectionIntern(connectionId)});
     }
+    return ended;
 }
 
-/// Cycle, response and connections lock are held.
-bool VKMXPCoreManager::TerminateC2SConnectionIntern(VKMXPConnIface* connection, bool removeFromMap)
+/// Takes a connection out, with its sessions and the responses that are waited for on it; null when there is none. Cycle,
+/// response and connections lock are held. The caller ends the connection without them.
+std::unique_ptr<VKMXPConnIface> VKMXPCoreManager::TerminateC2SConnectionIntern(const std::string& connectionId)
 {
-    if (!connection)
-        return false;
-    const std::string connectionId = connection->m_strConnectionID;
+    const auto found = m_mapConnections.find(connectionId);
+    if (found == m_mapConnections.end())
+        return nullptr;
+    std::unique_ptr<VKMXPConnIface> connection(found->second);
+    m_mapConnections.erase(found);
     ForgetResponses(connectionId);
     for (auto entry = m_mapSessions.begin(); entry != m_mapSessions.end();) {
         VKMXPSession* const session = entry->second;
@@ -222,11 +228,7 @@ bool VKMXPCoreManager::TerminateC2SConnectionIntern(VKMXPConnIface* connection, 
         entry = m_mapSessions.erase(entry);
         Discard(session);
     }
-    connection->TerminateConnection();
-    Discard(connection);
-    if (removeFromMap)
-        m_mapConnections.erase(connectionId);
-    return true;
+    return connection;
 }
 
 void VKMXPCoreManager::ForgetResponses(const std::string& connectionId)
@@ -251,9 +253,9 @@ void VKMXPCoreManager::Discard(VKMXPSession* session)
         m_vecEnded.push_back(std::move(ended));
 }
 
-void VKMXPCoreManager::Discard(VKMXPConnIface* connection)
+/// The same for a connection: one that a handler ended lives on to the end of the round, which may still look at it.
+void VKMXPCoreManager::Discard(std::unique_ptr<VKMXPConnIface> connection)
 {
-    std::unique_ptr<VKMXPConnIface> ended(connection);
-    if (m_bInRound)
-        m_vecEndedConnections.push_back(std::move(ended));
+    if (OnWorkThread() && m_bInRound)
+        m_vecEndedConnections.push_back(std::move(connection));
 }

@@ -1,6 +1,7 @@
 // The driver from end to end: a host's file to a device through a real XMPP server, and what the device says back.
 
 #include "FakeMessageFile.h"
+#include "FilePeer.h"
 #include "HttpServer.h"
 #include "InstallationRoot.h"
 #include "ProsodyServer.h"
@@ -144,6 +145,20 @@ protected:
             std::this_thread::sleep_for(1ms);
         }
         EXPECT_EQ(queue.queFiles.size(), count);
+    }
+
+    bool WaitForPush(std::size_t count)
+    {
+        const auto limit = Clock::now() + 10s;
+        while (Clock::now() < limit) {
+            {
+                const vk::ScopedSection lock(queue.objLock);
+                if (queue.queFiles.size() >= count)
+                    return true;
+            }
+            std::this_thread::sleep_for(1ms);
+        }
+        return false;
     }
 
     static std::unique_ptr<ProsodyServer> s_server;
@@ -408,7 +423,34 @@ TEST_F(Driver, KeepsAFileOpenForNonTerminalAnswersOnly)
     }
 }
 
-TEST_F(Driver, FailsAJobWhoseAttachmentsCannotFollow)
+TEST_F(Driver, ReportsAJobWhenItsAttachmentsHaveArrived)
+{
+    FilePeer alice(s_server->Jid("alice") + "/mxp", s_server->Port(), FilePeer::kInBand);
+    ASSERT_TRUE(alice.WaitUntilOnline());
+    TempDir plans;
+    plans.Write("ground floor.pdf", "the way in");
+    for (const char* job : {"J-7", "J-8"}) {
+        FakeMessageFile file = FileFor("alice", s_alice, job);
+        file.vecAttachments = {plans / "ground floor.pdf"};
+        file.tDispatchAt = 5;
+        const bool whole = file.strJobID == "J-7";
+        if (!whole)
+            alice.Become(FilePeer::Manner::Refuse);
+        ASSERT_TRUE(Send(file));
+        EXPECT_EQ(status, Reports::RS_PENDING);
+        ASSERT_TRUE(WaitForPush(whole ? 1 : 2));
+        EXPECT_EQ(file.eReportStatus, whole ? Reports::RS_SENT : Reports::RS_FAILED);
+        EXPECT_EQ(file.failureReasons, std::vector<std::string>{whole ? "" : "File Transfer Error."});
+    }
+    const auto got = alice.WaitForFiles(1);
+    ASSERT_EQ(got.size(), 1U);
+    EXPECT_EQ(got[0].name, "ground floor.pdf");
+    EXPECT_EQ(got[0].packetId, "J-7");
+    EXPECT_EQ(got[0].key, s_server->Jid("alice") + "-ground floor.pdf-5");
+    EXPECT_FALSE(s_logger.Has(got[0].key)) << "keys never reach a log";
+}
+
+TEST_F(Driver, AnnouncesAttachmentsInThePacket)
 {
     XmppPeer alice(s_server->Jid("alice") + "/mxp", "pw", s_server->Port());
     ASSERT_TRUE(alice.WaitUntilOnline());
@@ -416,16 +458,6 @@ TEST_F(Driver, FailsAJobWhoseAttachmentsCannotFollow)
     file.vecAttachments = {"/var/plans/ground floor.pdf", "C:\\plans\\roof.pdf", "bare"};
     ASSERT_TRUE(Send(file));
     EXPECT_EQ(status, Reports::RS_PENDING);
-    const auto limit = Clock::now() + 10s;
-    const auto pushed = [&] {
-        const vk::ScopedSection lock(queue.objLock);
-        return queue.queFiles.size();
-    };
-    while (pushed() == 0 && Clock::now() < limit)
-        std::this_thread::sleep_for(1ms);
-    ASSERT_EQ(pushed(), 1U);
-    EXPECT_EQ(file.eReportStatus, Reports::RS_FAILED);
-    EXPECT_EQ(file.failureReasons, std::vector<std::string>{"File Transfer Error."});
     const VKMXPmMessage message = MessageIn(alice.WaitForBodies(1)[0]);
     ASSERT_EQ(message.m_vecAttachments.size(), 3U);
     EXPECT_EQ(message.m_vecAttachments[0].m_strID, "ground floor.pdf");
