@@ -190,6 +190,38 @@ TEST_F(CoreManager, SurvivesAFloodOfStanzasAndKeepsTheirOrder)
         ASSERT_EQ(seen[i], s_server->Jid("bob") + " " + std::to_string(i));
 }
 
+TEST_F(CoreManager, TakesAndSendsLongTextsInTime)
+{
+    ProsodyServer server;
+    server.AddAccounts({{"server", "pw"}, {"bob", "pw"}});
+    server.Start();
+    std::string error;
+    ASSERT_TRUE(manager->StartC2SConnection("carrier", "127.0.0.1", server.Port(), server.Jid("server"), "pw", "vk",
+                                            false, "", 0, 65, 15, &error));
+    XmppPeer bob(server.Jid("bob") + "/mxp", "pw", server.Port());
+    ASSERT_TRUE(bob.WaitUntilOnline());
+    ASSERT_NE(manager->StartC2CSession(server.Jid("bob"), "carrier", "mxp", false), nullptr);
+
+    // Five megabytes in which every second character is an entity, then something short.
+    std::string stanza = "<message to='" + server.Jid("server") + "' type='chat'><body>";
+    for (int i = 0; i < 1000000; ++i)
+        stanza += "&lt;x";
+    bob.SendRaw(stanza + "</body></message>");
+    bob.Send(server.Jid("server"), ConfirmText("behind"));
+    const auto start = Clock::now();
+    EXPECT_EQ(handler.WaitFor(1, 60s).size(), 1U);
+    EXPECT_LT(Clock::now() - start, 30s) << "in";
+
+    std::string body;
+    for (int i = 0; i < 200000; ++i)
+        body += "<&x";
+    int sequence = 0;
+    const auto sending = Clock::now();
+    ASSERT_TRUE(manager->Send(MakeMessage("long", body).release(), server.Jid("bob"), "carrier", sequence));
+    EXPECT_EQ(bob.WaitForBodies(1, 60s).size(), 1U);
+    EXPECT_LT(Clock::now() - sending, 30s) << "out";
+}
+
 TEST_F(CoreManager, ReplacesCharactersThatWouldEndTheStream)
 {
     XmppPeer alice(s_server->Jid("alice") + "/mxp", "pw", s_server->Port());
