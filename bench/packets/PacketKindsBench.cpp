@@ -87,7 +87,7 @@ template <class Packet> Envelope Answered(const std::string& request, const std:
     packet.m_eResponseResultType = answer.m_eResponseResultType;
     XmlReaderWriter::Node result = answer.m_objResponseResultNode;
     if (!result.isNull())
-        vk::ReadFields(result, packet, Packet::ResultFields());
+        vk::mxp::ReadFields(result, packet, Packet::ResultFields());
     if (envelope->GenerateXML() != response)
         throw std::runtime_error(std::string(packet.GetName()) + " does not write what it was given");
     return envelope;
@@ -115,7 +115,7 @@ Envelope Recipients(std::size_t count)
 }
 
 const bool kRegistered = [] {
-    vk::ForEachPacket([](auto kind) {
+    vk::mxp::ForEachPacket([](auto kind) {
         using Packet = typename decltype(kind)::Type;
         const std::string name = Packet::kElement;
         const std::string request = Golden(name + ".request.xml");

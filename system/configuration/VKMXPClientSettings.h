@@ -1,9 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
-
-#include "VKFlagged.h"
 
 /// How a mobile client is configured. Goes to the client in a packet, and into the general policy and a receiver's
 /// settings as JSON. Only what is present counts.
@@ -12,26 +11,26 @@ struct VKMXPClientSettings
     /// The alarm for messages of one severity.
     struct Alert
     {
-        vk::Flagged<std::int32_t> m_objTone;
-        vk::Flagged<std::int32_t> m_objCounter;
+        std::optional<std::int32_t> m_optTone;
+        std::optional<std::int32_t> m_optCounter;
     };
 
-    vk::Flagged<bool> m_objAutoLoginAtStart;
-    vk::Flagged<bool> m_objMasterPasswordEnabled;
-    vk::Flagged<bool> m_objForcePasswordChange;
-    vk::Flagged<std::string> m_objPassword;
-    vk::Flagged<bool> m_objPromptOnForeground;
-    vk::Flagged<bool> m_objPromptOnNewMessage;
-    vk::Flagged<bool> m_objOpenMessagesAtLaunch;
-    vk::Flagged<bool> m_objShowMessageTime;
-    vk::Flagged<bool> m_objShowMessageJobID;
-    vk::Flagged<bool> m_objShowMessageProperties;
-    vk::Flagged<bool> m_objShowMessageOneLine;
-    vk::Flagged<bool> m_objAutoDelete;
-    vk::Flagged<bool> m_objSaveSentMessage;
-    vk::Flagged<std::int32_t> m_objCleanReceivedAfter;
-    vk::Flagged<std::int32_t> m_objCleanSentAfter;
-    vk::Flagged<std::int32_t> m_objCleanDraftsAfter;
+    std::optional<bool> m_optAutoLoginAtStart;
+    std::optional<bool> m_optMasterPasswordEnabled;
+    std::optional<bool> m_optForcePasswordChange;
+    std::optional<std::string> m_optPassword;
+    std::optional<bool> m_optPromptOnForeground;
+    std::optional<bool> m_optPromptOnNewMessage;
+    std::optional<bool> m_optOpenMessagesAtLaunch;
+    std::optional<bool> m_optShowMessageTime;
+    std::optional<bool> m_optShowMessageJobID;
+    std::optional<bool> m_optShowMessageProperties;
+    std::optional<bool> m_optShowMessageOneLine;
+    std::optional<bool> m_optAutoDelete;
+    std::optional<bool> m_optSaveSentMessage;
+    std::optional<std::int32_t> m_optCleanReceivedAfter;
+    std::optional<std::int32_t> m_optCleanSentAfter;
+    std::optional<std::int32_t> m_optCleanDraftsAfter;
     Alert m_objNormal;
     Alert m_objImportant;
     Alert m_objWarning;

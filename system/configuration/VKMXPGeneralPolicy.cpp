@@ -26,6 +26,12 @@ void Take(const Json::Value& json, std::optional<unsigned int>& value)
         value = json.asUInt();
 }
 
+void Take(const Json::Value& json, std::optional<std::int32_t>& value)
+{
+    if (json.isUInt() && json.isInt())
+        value = json.asInt();
+}
+
 void Take(const Json::Value& json, std::optional<std::string>& value)
 {
     if (json.isString())
@@ -35,7 +41,7 @@ void Take(const Json::Value& json, std::optional<std::string>& value)
 template <class Table, class Record>
 void TakeAll(const Json::Value& json, const Table& table, Record& record);
 
-void Take(const Json::Value& json, VKMXPAlertTone& tone) { TakeAll(json, vk::kAlertToneFields, tone); }
+void Take(const Json::Value& json, VKMXPClientSettings::Alert& tone) { TakeAll(json, vk::kAlertToneFields, tone); }
 
 template <class Table, class Record>
 void TakeAll(const Json::Value& json, const Table& table, Record& record)
@@ -57,7 +63,7 @@ bool Put(Json::Value& object, const char* name, const std::optional<Value>& valu
 template <class Table, class Record>
 bool PutAll(Json::Value& object, const Table& table, const Record& record);
 
-bool Put(Json::Value& object, const char* name, const VKMXPAlertTone& tone)
+bool Put(Json::Value& object, const char* name, const VKMXPClientSettings::Alert& tone)
 {
     if (!vk::JsonMember(object, name).isObject())
         object[name] = Json::Value(Json::objectValue);

@@ -17,7 +17,7 @@ void Require(bool holds)
 template <class Packet> std::string Sent(const Packet& packet)
 {
     std::string text;
-    packet.AppendXML(text, vk::ParamsForReader(packet));
+    packet.AppendXML(text, vk::mxp::ParamsForReader(packet));
     return text;
 }
 
@@ -31,7 +31,7 @@ template <class Packet> void ReadAgain(const Packet& packet)
     const std::string settled = Sent(again);
     Packet last;
     Require(last.ParseXML(settled) && Sent(last) == settled);
-    Require(vk::SameParameters(again, last) && vk::SameFields(again, last, Packet::ResultFields()));
+    Require(vk::mxp::SameParameters(again, last) && vk::mxp::SameFields(again, last, Packet::ResultFields()));
 }
 
 /// A request that is answered gives a response with the received parameters, which reads back.
@@ -40,7 +40,7 @@ template <class Packet> void Answer(Packet packet)
     packet.m_iPacketType = VKMXPmBase::kResponse;
     packet.m_eResponseResultType = eRespResultXml;
     Packet answer;
-    Require(answer.ParseXML(packet.GenerateXML()) && vk::SameParameters(packet, answer));
+    Require(answer.ParseXML(packet.GenerateXML()) && vk::mxp::SameParameters(packet, answer));
 }
 
 } // namespace
@@ -54,7 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     XmlReaderWriter document;
     Require(document.readFrom(envelope.GenerateXML()));
     for (VKMXPmBase* model : envelope.m_vecModels) {
-        const bool known = vk::WithPacket(*model, [](auto& packet) {
+        const bool known = vk::mxp::WithPacket(*model, [](auto& packet) {
             ReadAgain(packet);
             if (packet.m_iPacketType == VKMXPmBase::kRequest)
                 Answer(packet);

@@ -163,7 +163,7 @@ TEST(GetListReceiversPacket, DoesNotReadWhatItWrites)
 TEST(GetRecipientsPacket, TakesNoIdsForNoneAndAnswersWithOneLastPage)
 {
     std::string details;
-    vk::AppendFields<vk::Form::Read>(details, VKMXPmRecipientDetails(), VKMXPmRecipientDetails::Fields());
+    vk::mxp::AppendFields<vk::mxp::Form::Read>(details, VKMXPmRecipientDetails(), VKMXPmRecipientDetails::Fields());
     const auto packet = Read<VKMXPmGetRecipients>(
         "<receivers/><groups><ids><id>3</id><x>4x</x></ids></groups><requires>" + details + "</requires>");
     EXPECT_TRUE(packet->m_vecReceiverIDs.empty());
@@ -195,7 +195,8 @@ TEST(DirectoryResponse, OfTenThousandRecipientsIsWrittenAndReadWhole)
     packet.m_iPacketType = VKMXPmBase::kResponse;
     packet.m_eResponseResultType = eRespResultXml;
     packet.m_strParameters = "<parameters><receivers/><groups/><requires>";
-    vk::AppendFields<vk::Form::Read>(packet.m_strParameters, packet.m_objDetails, VKMXPmRecipientDetails::Fields());
+    vk::mxp::AppendFields<vk::mxp::Form::Read>(packet.m_strParameters, packet.m_objDetails,
+                                               VKMXPmRecipientDetails::Fields());
     packet.m_strParameters += "</requires></parameters>\n";
     packet.m_vecRecipients.resize(10000);
     for (auto& recipient : packet.m_vecRecipients)
@@ -203,8 +204,8 @@ TEST(DirectoryResponse, OfTenThousandRecipientsIsWrittenAndReadWhole)
     std::string error;
     const auto received = kit::Received<VKMXPmGetRecipients>(packet.GenerateXML(), &error);
     ASSERT_TRUE(received) << error;
-    vk::ReadFields(received->m_objResponseResultNode, *received, VKMXPmGetRecipients::ResultFields());
-    EXPECT_TRUE(vk::SameValue(received->m_vecRecipients, packet.m_vecRecipients));
+    vk::mxp::ReadFields(received->m_objResponseResultNode, *received, VKMXPmGetRecipients::ResultFields());
+    EXPECT_TRUE(vk::mxp::SameValue(received->m_vecRecipients, packet.m_vecRecipients));
 }
 
 TEST(WipePacket, ErasesOnlyWhatIsSaid)
@@ -245,17 +246,17 @@ TEST(PermissionsPacket, SaysAllUnlessToldOtherwise)
     EXPECT_EQ(written(), eight("true", "true", "true") + "<settings value='0'/>\n");
     packet.SetEmergencyPerms();
     EXPECT_EQ(written(), eight("true", "true", "false") + "<settings value='0'/>\n");
-    packet.SetPresent(false);
-    packet.m_objConfirmMessage.Set(true);
+    static_cast<VKMXPClientPermissions&>(packet) = {};
+    packet.m_optConfirmMessage = true;
     EXPECT_EQ(written(), "<conf-msg enable='true'/>\n");
 }
 
 TEST(PermissionsPacket, ReadsTheTextOfSettingsButWritesAnAttribute)
 {
     const auto packet = Read<VKMXPmSetPermissions>("<access-inbox enable='true'/><settings value='7'/>");
-    EXPECT_EQ(packet->m_objSettings, (vk::Flagged<std::int32_t>{0, true}));
-    EXPECT_EQ(packet->m_objReceiveMessage, (vk::Flagged<bool>{false, true})) << "missing, yet present by default";
-    EXPECT_EQ(Read<VKMXPmSetPermissions>("<settings>7</settings>")->m_objSettings.value, 7);
+    EXPECT_EQ(packet->m_optSettings, (std::optional<std::int32_t>{0}));
+    EXPECT_EQ(packet->m_optReceiveMessage, (std::optional<bool>{false})) << "missing, yet present by default";
+    EXPECT_EQ(Read<VKMXPmSetPermissions>("<settings>7</settings>")->m_optSettings, 7);
 }
 
 TEST(SettingsPacket, WritesBackOnlyWhatItWasTold)

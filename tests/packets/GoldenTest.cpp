@@ -53,14 +53,14 @@ TYPED_TEST(GoldenText, OfAResponseIsReadAndWritten)
     auto answer = this->Read(this->m_response);
     ASSERT_TRUE(packet && answer);
     EXPECT_EQ(answer->m_iPacketType, VKMXPmBase::kResponse);
-    EXPECT_TRUE(vk::SameParameters(*packet, *answer));
+    EXPECT_TRUE(vk::mxp::SameParameters(*packet, *answer));
 
     packet->m_iPacketType = VKMXPmBase::kResponse;
     packet->m_iResponseCode = answer->m_iResponseCode;
     packet->m_strResponseMessage = answer->m_strResponseMessage;
     packet->m_eResponseResultType = answer->m_eResponseResultType;
     if (answer->m_eResponseResultType == eRespResultXml)
-        vk::ReadFields(answer->m_objResponseResultNode, *packet, TypeParam::ResultFields());
+        vk::mxp::ReadFields(answer->m_objResponseResultNode, *packet, TypeParam::ResultFields());
     VKMXPmEnvelope envelope;
     ASSERT_TRUE(envelope.Add(packet.release()));
     EXPECT_EQ(envelope.GenerateXML(), this->m_response);

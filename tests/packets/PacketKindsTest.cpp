@@ -28,10 +28,10 @@ template <class Record, class Row>
 Place PlaceOf(const Row&, std::vector<std::string> path, const char* attribute, bool mayMiss)
 {
     Place place{std::move(path), attribute, mayMiss, false, false};
-    if constexpr (!vk::kIsGroup<Row>) {
+    if constexpr (!vk::mxp::kIsGroup<Row>) {
         using Value = typename Row::Value;
-        place.notEmpty = Row::template has<vk::NotEmpty>;
-        place.number = std::is_same_v<Value, std::int32_t> || std::is_same_v<Value, vk::Flagged<std::int32_t>> ||
+        place.notEmpty = Row::template has<vk::mxp::NotEmpty>;
+        place.number = std::is_same_v<Value, std::int32_t> || std::is_same_v<Value, std::optional<std::int32_t>> ||
                        std::is_same_v<Value, unsigned long> || std::is_same_v<Value, double>;
     }
     return place;
@@ -40,24 +40,25 @@ Place PlaceOf(const Row&, std::vector<std::string> path, const char* attribute, 
 template <class Item> void CollectItem(std::vector<std::string> path, const char* name, Places& places)
 {
     path.emplace_back(name);
-    if constexpr (vk::kIsRecord<Item>)
-        Collect<decltype(vk::TableOf<Item>::Fields()), Item>(vk::TableOf<Item>::Fields(), path, places);
+    if constexpr (vk::mxp::kIsRecord<Item>)
+        Collect<decltype(vk::mxp::TableOf<Item>::Fields()), Item>(vk::mxp::TableOf<Item>::Fields(), path, places);
 }
 
 template <class Record, class Row> void CollectElement(const Row& row, std::vector<std::string> path, Places& places)
 {
     path.emplace_back(row.name);
-    places.push_back(PlaceOf<Record>(row, path, "", vk::MayMiss<Record, Row>()));
-    if constexpr (vk::kIsGroup<Row>) {
+    places.push_back(PlaceOf<Record>(row, path, "", vk::mxp::MayMiss<Record, Row>()));
+    if constexpr (vk::mxp::kIsGroup<Row>) {
         Collect<decltype(row.rows), Record>(row.rows, path, places);
     } else {
         using Value = typename Row::Value;
-        if constexpr (Row::template has<vk::ItemsNamed>)
-            CollectItem<typename Value::value_type>(path, row.template mark<vk::ItemsNamed>().name, places);
-        else if constexpr (vk::kIsRecord<Value>)
-            Collect<decltype(vk::TableOf<Value>::Fields()), Value>(vk::TableOf<Value>::Fields(), path, places);
-        else if constexpr (vk::kValueInAttribute<vk::Form::Read, Row>)
-            places.push_back(PlaceOf<Record>(row, path, vk::ValueAttribute<vk::Form::Read>(row), false));
+        if constexpr (Row::template has<vk::mxp::ItemsNamed>)
+            CollectItem<typename Value::value_type>(path, row.template mark<vk::mxp::ItemsNamed>().name, places);
+        else if constexpr (vk::mxp::kIsRecord<Value>)
+            Collect<decltype(vk::mxp::TableOf<Value>::Fields()), Value>(vk::mxp::TableOf<Value>::Fields(), path,
+                                                                        places);
+        else if constexpr (vk::mxp::kValueInAttribute<vk::mxp::Form::Read, Row>)
+            places.push_back(PlaceOf<Record>(row, path, vk::mxp::ValueAttribute<vk::mxp::Form::Read>(row), false));
     }
 }
 
@@ -67,11 +68,11 @@ void Collect(const Table& table, const std::vector<std::string>& path, Places& p
 {
     vk::ForEachField(table, [&](const auto& row) {
         using Row = std::decay_t<decltype(row)>;
-        if constexpr (vk::kIsFixed<Row> || Row::template has<vk::CountOf> || vk::kIsContents<Row>)
+        if constexpr (vk::mxp::kIsFixed<Row> || Row::template has<vk::mxp::CountOf> || vk::mxp::kIsContents<Row>)
             return;
-        else if constexpr (Row::template has<vk::Attribute>)
-            places.push_back(PlaceOf<Record>(row, path, row.name, vk::MayMiss<Record, Row>()));
-        else if constexpr (Row::template has<vk::Items>)
+        else if constexpr (Row::template has<vk::mxp::Attribute>)
+            places.push_back(PlaceOf<Record>(row, path, row.name, vk::mxp::MayMiss<Record, Row>()));
+        else if constexpr (Row::template has<vk::mxp::Items>)
             CollectItem<typename Row::Value::value_type>(path, row.name, places);
         else
             CollectElement<Record>(row, path, places);
@@ -145,15 +146,15 @@ void CollectTexts(Record& record, const Table& table, std::vector<std::string*>&
         using Value = std::decay_t<decltype(value)>;
         if constexpr (std::is_same_v<Value, std::string>)
             texts.push_back(&value);
-        else if constexpr (std::is_same_v<Value, vk::Flagged<std::string>>)
-            texts.push_back(&value.value);
-        else if constexpr (vk::kIsRecord<Value>)
-            CollectTexts(value, vk::TableOf<Value>::Fields(), texts);
-        else if constexpr (!std::is_arithmetic_v<Value> && !vk::kIsFlagged<Value>)
+        else if constexpr (std::is_same_v<Value, std::optional<std::string>>)
+            texts.push_back(&*value);
+        else if constexpr (vk::mxp::kIsRecord<Value>)
+            CollectTexts(value, vk::mxp::TableOf<Value>::Fields(), texts);
+        else if constexpr (!std::is_arithmetic_v<Value> && !vk::mxp::kIsOptional<Value>)
             self(value.front(), self);
     };
-    vk::ForEachFlatField(table, [&](const auto& row) {
-        if constexpr (!std::decay_t<decltype(row)>::template has<vk::Verbatim>)
+    vk::mxp::ForEachFlatField(table, [&](const auto& row) {
+        if constexpr (!std::decay_t<decltype(row)>::template has<vk::mxp::Verbatim>)
             collect(row.of(record), collect);
     });
 }
@@ -193,14 +194,14 @@ TYPED_TEST(PacketKind, EveryFieldComesBackFromARequest)
 {
     const auto sent = kit::Full<TypeParam>();
     TypeParam fresh;
-    vk::ForEachFlatField(TypeParam::ParamFields(), [&](const auto& row) {
-        EXPECT_FALSE(vk::SameValue(row.of(*sent), row.of(fresh))) << row.name << " was not filled";
+    vk::mxp::ForEachFlatField(TypeParam::ParamFields(), [&](const auto& row) {
+        EXPECT_FALSE(vk::mxp::SameValue(row.of(*sent), row.of(fresh))) << row.name << " was not filled";
     });
     std::string error;
     const auto received = kit::Received<TypeParam>(kit::Sent(*sent), &error);
     ASSERT_TRUE(received) << error;
-    vk::ForEachFlatField(TypeParam::ParamFields(), [&](const auto& row) {
-        EXPECT_TRUE(vk::SameValue(row.of(*sent), row.of(*received))) << row.name;
+    vk::mxp::ForEachFlatField(TypeParam::ParamFields(), [&](const auto& row) {
+        EXPECT_TRUE(vk::mxp::SameValue(row.of(*sent), row.of(*received))) << row.name;
     });
     EXPECT_EQ(received->m_iSequence, 7);
 }
@@ -212,11 +213,11 @@ TYPED_TEST(PacketKind, EveryFieldComesBackFromAResponse)
     std::string error;
     const auto received = kit::Received<TypeParam>(kit::Sent(*sent), &error);
     ASSERT_TRUE(received) << error;
-    EXPECT_TRUE(vk::SameParameters(*sent, *received));
+    EXPECT_TRUE(vk::mxp::SameParameters(*sent, *received));
     TypeParam fresh;
-    vk::ForEachFlatField(TypeParam::ResultFields(), [&](const auto& row) {
-        EXPECT_FALSE(vk::SameValue(row.of(*sent), row.of(fresh))) << row.name << " was not filled";
-        EXPECT_TRUE(vk::SameValue(TypeParam::kReadsResult ? row.of(*sent) : row.of(fresh), row.of(*received)))
+    vk::mxp::ForEachFlatField(TypeParam::ResultFields(), [&](const auto& row) {
+        EXPECT_FALSE(vk::mxp::SameValue(row.of(*sent), row.of(fresh))) << row.name << " was not filled";
+        EXPECT_TRUE(vk::mxp::SameValue(TypeParam::kReadsResult ? row.of(*sent) : row.of(fresh), row.of(*received)))
             << row.name;
     });
 }
@@ -265,8 +266,8 @@ TYPED_TEST(PacketKind, TextOfAMegabyteIsCarriedInAnyField)
         std::string error;
         const auto received = kit::Received<TypeParam>(kit::Sent(*sent), &error);
         ASSERT_TRUE(received) << error;
-        EXPECT_TRUE(vk::SameParameters(*sent, *received));
-        EXPECT_TRUE(!TypeParam::kReadsResult || vk::SameFields(*sent, *received, TypeParam::ResultFields()));
+        EXPECT_TRUE(vk::mxp::SameParameters(*sent, *received));
+        EXPECT_TRUE(!TypeParam::kReadsResult || vk::mxp::SameFields(*sent, *received, TypeParam::ResultFields()));
         *text = kept;
     }
 }

@@ -27,11 +27,10 @@ template <class Value> void FillValue(Value& value, int& seed)
         value = kHostile + std::to_string(seed);
     } else if constexpr (std::is_same_v<Value, bool>) {
         value = true;
-    } else if constexpr (vk::kIsFlagged<Value>) {
-        FillValue(value.value, seed);
-        value.present = true;
-    } else if constexpr (vk::kIsRecord<Value>) {
-        Fill(value, vk::TableOf<Value>::Fields(), seed);
+    } else if constexpr (vk::mxp::kIsOptional<Value>) {
+        FillValue(value.emplace(), seed);
+    } else if constexpr (vk::mxp::kIsRecord<Value>) {
+        Fill(value, vk::mxp::TableOf<Value>::Fields(), seed);
     } else if constexpr (std::is_same_v<Value, double>) {
         value = -0.125 * seed;
     } else {
@@ -48,9 +47,9 @@ template <class Item> void FillValue(std::vector<Item>& items, int& seed)
 
 template <class Record, class Table> void Fill(Record& record, const Table& table, int& seed)
 {
-    vk::ForEachFlatField(table, [&](const auto& row) {
+    vk::mxp::ForEachFlatField(table, [&](const auto& row) {
         using Row = std::decay_t<decltype(row)>;
-        if constexpr (Row::template has<vk::Verbatim>)
+        if constexpr (Row::template has<vk::mxp::Verbatim>)
             row.of(record) = std::string("<") + row.name + " a='1'>\n<b>&amp;</b ></" + row.name + ">";
         else
             FillValue(row.of(record), seed);
@@ -71,11 +70,11 @@ template <class Packet> std::unique_ptr<Packet> Full()
 }
 
 template <class Kinds> struct TypesOf;
-template <class... Packets> struct TypesOf<const std::tuple<vk::Kind<Packets>...>>
+template <class... Packets> struct TypesOf<const std::tuple<vk::mxp::Kind<Packets>...>>
 {
     using Type = testing::Types<Packets...>;
 };
-using AllKinds = TypesOf<decltype(vk::kPackets)>::Type;
+using AllKinds = TypesOf<decltype(vk::mxp::kPackets)>::Type;
 
 inline std::string Envelope(const std::string& packets, const std::string& space = "vardock:mxp")
 {
@@ -99,7 +98,7 @@ inline std::string Response(const std::string& name, const std::string& paramete
 template <class Packet> std::string Sent(const Packet& packet)
 {
     std::string text;
-    packet.AppendXML(text, vk::ParamsForReader(packet));
+    packet.AppendXML(text, vk::mxp::ParamsForReader(packet));
     return text;
 }
 

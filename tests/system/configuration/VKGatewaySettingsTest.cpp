@@ -63,7 +63,7 @@ TEST_F(GatewaySettingsTest, ReadsWhatTheFileHasAndKeepsDefaultsForWhatMayBeMissi
     EXPECT_EQ(settings->m_iS2SPort, 5222);
     EXPECT_EQ(VKMXPManagerSettings().m_iS2SPort, 10000);
     EXPECT_EQ(settings->m_strApns2ProductionUrl, vk::settings::kApns2ProductionUrl);
-    EXPECT_FALSE(settings->m_objPolicySettings.auto_del.has_value());
+    EXPECT_FALSE(settings->m_objPolicySettings.m_optAutoDelete.has_value());
     EXPECT_EQ(configuration.getMXPSettingsObject(), settings);
     EXPECT_EQ(configuration.getMXPManagerSettings(false), settings);
 }
@@ -205,24 +205,24 @@ TEST(GeneralPolicy, CarriesOnlyWhatIsPresent)
     VKMXPManagerSettings settings;
     EXPECT_TRUE(VKConfiguration::ConvertJSONToGeneralPolicyData(
         R"({"GeneralPolicy":{"permissions":{"view_msg":true,"settings":4,"send_msg":"yes","future":1}}})", &settings));
-    EXPECT_EQ(settings.m_objPolicyPermissions.view_msg, true);
-    EXPECT_EQ(settings.m_objPolicyPermissions.settings, 4U);
-    EXPECT_FALSE(settings.m_objPolicyPermissions.send_msg.has_value()) << "a text is no bool";
+    EXPECT_EQ(settings.m_objPolicyPermissions.m_optAccessInbox, true);
+    EXPECT_EQ(settings.m_objPolicyPermissions.m_optSettings, 4);
+    EXPECT_FALSE(settings.m_objPolicyPermissions.m_optSendMessage.has_value()) << "a text is no bool";
     EXPECT_EQ(VKConfiguration::ConvertGeneralPolicyToJSON(&settings),
               R"({"GeneralPolicy":{"permissions":{"future":1,"new":true,"settings":4,"view_msg":true},)"
               R"("settings":{"new":false}}})");
 
-    settings.m_objPolicySettings.alert_crit.counter = 3;
-    settings.m_objPolicySettings.master_pswrd = "";
+    settings.m_objPolicySettings.m_objCritical.m_optCounter = 3;
+    settings.m_objPolicySettings.m_optPassword = "";
     settings.m_objPolicyPermissions = {};
-    settings.m_objPolicyPermissions.last_updated = 9;
+    settings.m_objPolicyPermissions.m_optLastUpdated = 9;
     const std::string json = VKConfiguration::ConvertGeneralPolicyToJSON(&settings);
     EXPECT_EQ(json, R"({"GeneralPolicy":{"permissions":{"future":1,"last_updated":9,"new":false},)"
                     R"("settings":{"alert_crit":{"counter":3},"master_pswrd":"","new":true}}})");
     VKMXPManagerSettings back;
     EXPECT_TRUE(VKConfiguration::ConvertJSONToGeneralPolicyData(json, &back));
-    EXPECT_EQ(back.m_objPolicySettings.alert_crit.counter, 3U);
-    EXPECT_FALSE(back.m_objPolicySettings.alert_crit.ringtone.has_value());
+    EXPECT_EQ(back.m_objPolicySettings.m_objCritical.m_optCounter, 3);
+    EXPECT_FALSE(back.m_objPolicySettings.m_objCritical.m_optTone.has_value());
 }
 
 TEST(GeneralPolicy, BadJsonLeavesItEmpty)
@@ -230,9 +230,9 @@ TEST(GeneralPolicy, BadJsonLeavesItEmpty)
     const std::string deep = std::string(500, '[') + std::string(500, ']');
     for (const std::string& text : {std::string(), std::string("{\"GeneralPolicy\":"), std::string("[1]"), deep}) {
         VKMXPManagerSettings settings;
-        settings.m_objPolicySettings.auto_del = true;
+        settings.m_objPolicySettings.m_optAutoDelete = true;
         EXPECT_FALSE(VKConfiguration::ConvertJSONToGeneralPolicyData(text, &settings));
-        EXPECT_FALSE(settings.m_objPolicySettings.auto_del.has_value());
+        EXPECT_FALSE(settings.m_objPolicySettings.m_optAutoDelete.has_value());
     }
 }
 

@@ -2,4 +2,4 @@
 
 #include "VKMXPmFields.h"
 
-template class vk::TablePacket<VKMXPmActivate>;
+template class vk::mxp::TablePacket<VKMXPmActivate>;

@@ -5,7 +5,7 @@
 #include "VKMXPmTablePacket.h"
 
 /// A client enrols. The response may carry the sender id with which it registers for push notifications.
-class VKMXPmActivate : public vk::TablePacket<VKMXPmActivate>
+class VKMXPmActivate : public vk::mxp::TablePacket<VKMXPmActivate>
 {
 public:
     std::string m_strActivationKey; ///< the client's own credential with the server
@@ -21,7 +21,7 @@ public:
     static constexpr auto ParamFields()
     {
         using P = VKMXPmActivate;
-        using namespace vk;
+        using namespace vk::mxp;
         return Fields(Field<&P::m_strActivationKey>("activation-key", NotEmpty{}),
                       // Meant: this one element has a blank before its end, and no line of its own.
                       Field<&P::m_bAdvanceMode>("is-advance-mode", InAttribute{"enable"}, InWords{}, Optional{},
@@ -32,9 +32,10 @@ public:
 
     static constexpr auto ResultFields()
     {
-        return vk::Fields(
-            vk::Field<&VKMXPmActivate::m_strGCMSSenderID>("gcms-sender-id", vk::OmitEmpty{}, vk::NoLineFeed{}));
+        using P = VKMXPmActivate;
+        using namespace vk::mxp;
+        return Fields(Field<&P::m_strGCMSSenderID>("gcms-sender-id", OmitEmpty{}, NoLineFeed{}));
     }
 };
 
-extern template class vk::TablePacket<VKMXPmActivate>;
+extern template class vk::mxp::TablePacket<VKMXPmActivate>;

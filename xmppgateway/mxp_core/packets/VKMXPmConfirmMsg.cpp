@@ -2,4 +2,4 @@
 
 #include "VKMXPmFields.h"
 
-template class vk::TablePacket<VKMXPmConfirmMsg>;
+template class vk::mxp::TablePacket<VKMXPmConfirmMsg>;

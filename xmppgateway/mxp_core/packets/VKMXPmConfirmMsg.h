@@ -5,7 +5,7 @@
 #include "VKMXPmTablePacket.h"
 
 /// A device confirms a message.
-class VKMXPmConfirmMsg : public vk::TablePacket<VKMXPmConfirmMsg>
+class VKMXPmConfirmMsg : public vk::mxp::TablePacket<VKMXPmConfirmMsg>
 {
 public:
     std::string m_strJobID;
@@ -16,10 +16,11 @@ public:
 
     static constexpr auto ParamFields()
     {
-        return vk::Fields(vk::Field<&VKMXPmConfirmMsg::m_strJobID>("job-id", vk::NotEmpty{}),
-                          vk::Field<&VKMXPmConfirmMsg::m_strResponse>("response", vk::NotEmpty{}),
-                          vk::Field<&VKMXPmConfirmMsg::m_strRemarks>("remarks"));
+        using P = VKMXPmConfirmMsg;
+        using namespace vk::mxp;
+        return Fields(Field<&P::m_strJobID>("job-id", NotEmpty{}), Field<&P::m_strResponse>("response", NotEmpty{}),
+                      Field<&P::m_strRemarks>("remarks"));
     }
 };
 
-extern template class vk::TablePacket<VKMXPmConfirmMsg>;
+extern template class vk::mxp::TablePacket<VKMXPmConfirmMsg>;

@@ -2,4 +2,4 @@
 
 #include "VKMXPmFields.h"
 
-template class vk::TablePacket<VKMXPmDeactivate>;
+template class vk::mxp::TablePacket<VKMXPmDeactivate>;

@@ -5,7 +5,7 @@
 #include "VKMXPmTablePacket.h"
 
 /// A client signs off.
-class VKMXPmDeactivate : public vk::TablePacket<VKMXPmDeactivate>
+class VKMXPmDeactivate : public vk::mxp::TablePacket<VKMXPmDeactivate>
 {
 public:
     std::string m_strActivationKey; ///< the client's own credential with the server
@@ -14,8 +14,10 @@ public:
 
     static constexpr auto ParamFields()
     {
-        return vk::Fields(vk::Field<&VKMXPmDeactivate::m_strActivationKey>("activation-key", vk::NotEmpty{}));
+        using P = VKMXPmDeactivate;
+        using namespace vk::mxp;
+        return Fields(Field<&P::m_strActivationKey>("activation-key", NotEmpty{}));
     }
 };
 
-extern template class vk::TablePacket<VKMXPmDeactivate>;
+extern template class vk::mxp::TablePacket<VKMXPmDeactivate>;

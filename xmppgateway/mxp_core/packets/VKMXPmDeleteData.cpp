@@ -2,4 +2,4 @@
 
 #include "VKMXPmFields.h"
 
-template class vk::TablePacket<VKMXPmDeleteData>;
+template class vk::mxp::TablePacket<VKMXPmDeleteData>;

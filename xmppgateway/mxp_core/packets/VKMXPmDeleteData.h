@@ -3,7 +3,7 @@
 #include "VKMXPmTablePacket.h"
 
 /// The server orders a client to erase data.
-class VKMXPmDeleteData : public vk::TablePacket<VKMXPmDeleteData>
+class VKMXPmDeleteData : public vk::mxp::TablePacket<VKMXPmDeleteData>
 {
 public:
     bool m_bMessages = false;
@@ -20,7 +20,7 @@ public:
     static constexpr auto ParamFields()
     {
         using P = VKMXPmDeleteData;
-        using namespace vk;
+        using namespace vk::mxp;
         return Fields(Group("messages", Fields(Flag<&P::m_bMessages>("enable", Attribute{}),
                                                Group("received",
                                                      Fields(EnableFlag<&P::m_bReceivedRead>("read", Optional{}),
@@ -33,4 +33,4 @@ public:
     }
 };
 
-extern template class vk::TablePacket<VKMXPmDeleteData>;
+extern template class vk::mxp::TablePacket<VKMXPmDeleteData>;

@@ -28,14 +28,14 @@ enum Error {
 
 template <class Packet> VKMXPmBase* GetModelObjectInstance() { return std::make_unique<Packet>().release(); }
 
-template <class... Packets> constexpr VKMXPmEnvelope::ModelMap MapOf(const std::tuple<vk::Kind<Packets>...>&)
+template <class... Packets> constexpr VKMXPmEnvelope::ModelMap MapOf(const std::tuple<vk::mxp::Kind<Packets>...>&)
 {
     return {{{Packets::kElement, &GetModelObjectInstance<Packets>}..., {nullptr, nullptr}}};
 }
 
 } // namespace
 
-const VKMXPmEnvelope::ModelMap VKMXPmEnvelope::arrModelMap = MapOf(vk::kPackets);
+const VKMXPmEnvelope::ModelMap VKMXPmEnvelope::arrModelMap = MapOf(vk::mxp::kPackets);
 
 VKMXPmEnvelope::~VKMXPmEnvelope() { ClearModels(); }
 

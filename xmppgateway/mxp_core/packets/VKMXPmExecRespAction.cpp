@@ -2,4 +2,4 @@
 
 #include "VKMXPmFields.h"
 
-template class vk::TablePacket<VKMXPmExecRespAction>;
+template class vk::mxp::TablePacket<VKMXPmExecRespAction>;

@@ -6,7 +6,7 @@
 #include "VKMXPmTablePacket.h"
 
 /// A client runs a response action on the server; the response is the action's text.
-class VKMXPmExecRespAction : public vk::TablePacket<VKMXPmExecRespAction>
+class VKMXPmExecRespAction : public vk::mxp::TablePacket<VKMXPmExecRespAction>
 {
 public:
     struct Parameter
@@ -16,8 +16,9 @@ public:
 
         static constexpr auto Fields()
         {
-            return vk::Fields(vk::Field<&Parameter::m_strName>("name", vk::Attribute{}),
-                              vk::Field<&Parameter::m_strValue>("param", vk::Contents{}));
+            using R = Parameter;
+            using namespace vk::mxp;
+            return vk::Fields(Field<&R::m_strName>("name", Attribute{}), Field<&R::m_strValue>("param", Contents{}));
         }
     };
 
@@ -30,14 +31,17 @@ public:
     static constexpr auto ParamFields()
     {
         using P = VKMXPmExecRespAction;
-        return vk::Fields(vk::Field<&P::m_strName>("name", vk::NotEmpty{}),
-                          vk::Field<&P::m_vecParameters>("params", vk::ItemsNamed{"param"}));
+        using namespace vk::mxp;
+        return Fields(Field<&P::m_strName>("name", NotEmpty{}),
+                      Field<&P::m_vecParameters>("params", ItemsNamed{"param"}));
     }
 
     static constexpr auto ResultFields()
     {
-        return vk::Fields(vk::Field<&VKMXPmExecRespAction::m_strResult>("result", vk::Contents{}, vk::OnOwnLine{}));
+        using P = VKMXPmExecRespAction;
+        using namespace vk::mxp;
+        return Fields(Field<&P::m_strResult>("result", Contents{}, OnOwnLine{}));
     }
 };
 
-extern template class vk::TablePacket<VKMXPmExecRespAction>;
+extern template class vk::mxp::TablePacket<VKMXPmExecRespAction>;

@@ -12,7 +12,7 @@
 /// \file
 /// What a packet does with its tables. For the sources of packets, for tools and for tests.
 
-namespace vk {
+namespace vk::mxp {
 
 /// Whether no field that must hold something is empty.
 template <class Record, class Table> bool FieldsFilled(const Record& record, const Table& table)
@@ -20,8 +20,8 @@ template <class Record, class Table> bool FieldsFilled(const Record& record, con
     bool filled = true;
     ForEachFlatField(table, [&](const auto& row) {
         using Row = std::decay_t<decltype(row)>;
-        if constexpr (Row::template has<NotEmpty> && kIsFlagged<typename Row::Value>)
-            filled = filled && !(row.of(record).present && row.of(record).value.empty());
+        if constexpr (Row::template has<NotEmpty> && kIsOptional<typename Row::Value>)
+            filled = filled && !(row.of(record) && row.of(record)->empty());
         else if constexpr (Row::template has<NotEmpty>)
             filled = filled && !row.of(record).empty();
     });
@@ -110,4 +110,4 @@ template <class Packet> bool TablePacket<Packet>::ParseResponseXML(XmlReaderWrit
     return true;
 }
 
-} // namespace vk
+} // namespace vk::mxp

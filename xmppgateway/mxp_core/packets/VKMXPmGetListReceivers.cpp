@@ -2,4 +2,4 @@
 
 #include "VKMXPmFields.h"
 
-template class vk::TablePacket<VKMXPmGetListReceivers>;
+template class vk::mxp::TablePacket<VKMXPmGetListReceivers>;

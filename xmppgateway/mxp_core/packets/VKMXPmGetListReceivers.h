@@ -7,7 +7,7 @@
 #include "VKMXPmTablePacket.h"
 
 /// A client pages through the receivers. The response carries every detail, an empty one for what was not asked for.
-class VKMXPmGetListReceivers : public vk::TablePacket<VKMXPmGetListReceivers>
+class VKMXPmGetListReceivers : public vk::mxp::TablePacket<VKMXPmGetListReceivers>
 {
 public:
     struct Receiver
@@ -24,7 +24,7 @@ public:
         static constexpr auto Fields()
         {
             using R = Receiver;
-            using namespace vk;
+            using namespace vk::mxp;
             return vk::Fields(Field<&R::m_strName>("name"), Field<&R::m_strFirstName>("first-name"),
                               Field<&R::m_strLastName>("last-name"), Field<&R::m_strDescription>("desc"),
                               Field<&R::m_strAttributes>("attr"),
@@ -57,7 +57,7 @@ public:
     static constexpr auto ParamFields()
     {
         using P = VKMXPmGetListReceivers;
-        using namespace vk;
+        using namespace vk::mxp;
         constexpr auto enable = ReadInAttribute{"enable"};
         return Fields(Field<&P::m_strNameFilter>("name-filter"), Field<&P::m_strAttributeFilter>("attr-filter"),
                       Field<&P::m_bGetFirstName>("get-firstname", InWords{}, enable),
@@ -71,7 +71,7 @@ public:
     static constexpr auto ResultFields()
     {
         using P = VKMXPmGetListReceivers;
-        using namespace vk;
+        using namespace vk::mxp;
         return Fields(
             Group("receivers",
                   Fields(Field<&P::m_vecReceivers>("count", CountOf{}),
@@ -82,4 +82,4 @@ public:
     }
 };
 
-extern template class vk::TablePacket<VKMXPmGetListReceivers>;
+extern template class vk::mxp::TablePacket<VKMXPmGetListReceivers>;

@@ -2,4 +2,4 @@
 
 #include "VKMXPmFields.h"
 
-template class vk::TablePacket<VKMXPmGetListRecipients>;
+template class vk::mxp::TablePacket<VKMXPmGetListRecipients>;

@@ -8,7 +8,7 @@
 #include "VKMXPmTablePacket.h"
 
 /// A client pages through recipients of all kinds. The server's side only: reads requests and writes responses.
-class VKMXPmGetListRecipients : public vk::TablePacket<VKMXPmGetListRecipients>
+class VKMXPmGetListRecipients : public vk::mxp::TablePacket<VKMXPmGetListRecipients>
 {
 public:
     using Recipient = VKMXPmRecipient;
@@ -31,7 +31,7 @@ public:
     static constexpr auto ParamFields()
     {
         using P = VKMXPmGetListRecipients;
-        using namespace vk;
+        using namespace vk::mxp;
         return Fields(
             Group("filter", Fields(Field<&P::m_strTextFilter>("text"), Field<&P::m_strAttributeFilter>("attribute"),
                                    Field<&P::m_bGroupsEnabled>("groups", InAttribute{"enabled"}, InWords{}))),
@@ -42,7 +42,7 @@ public:
     static constexpr auto ResultFields()
     {
         using P = VKMXPmGetListRecipients;
-        using namespace vk;
+        using namespace vk::mxp;
         return Fields(Group("recipients",
                             Fields(Field<&P::m_vecRecipients>("count", CountOf{}),
                                    Field<&P::m_iResponsePageNumber>("page_nr", Attribute{}),
@@ -53,4 +53,4 @@ public:
     }
 };
 
-extern template class vk::TablePacket<VKMXPmGetListRecipients>;
+extern template class vk::mxp::TablePacket<VKMXPmGetListRecipients>;

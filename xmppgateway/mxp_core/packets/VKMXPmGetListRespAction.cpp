@@ -2,4 +2,4 @@
 
 #include "VKMXPmFields.h"
 
-template class vk::TablePacket<VKMXPmGetListRespAction>;
+template class vk::mxp::TablePacket<VKMXPmGetListRespAction>;

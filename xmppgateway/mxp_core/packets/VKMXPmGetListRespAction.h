@@ -7,7 +7,7 @@
 #include "VKMXPmTablePacket.h"
 
 /// A client asks for the response actions that it may run, and what to ask its user for each.
-class VKMXPmGetListRespAction : public vk::TablePacket<VKMXPmGetListRespAction>
+class VKMXPmGetListRespAction : public vk::mxp::TablePacket<VKMXPmGetListRespAction>
 {
 public:
     /// A field of the form that the client shows before it runs the action.
@@ -21,7 +21,7 @@ public:
         static constexpr auto Fields()
         {
             using R = SetupParam;
-            using namespace vk;
+            using namespace vk::mxp;
             return vk::Fields(Field<&R::m_strName>("name", Attribute{}), Field<&R::m_iMaxLength>("maxlen", Attribute{}),
                               Flag<&R::m_bMandatory>("mandatory", Attribute{}),
                               Field<&R::m_strDefaultValue>("default", Attribute{}));
@@ -40,7 +40,7 @@ public:
         static constexpr auto Fields()
         {
             using R = ResponseAction;
-            using namespace vk;
+            using namespace vk::mxp;
             return vk::Fields(Field<&R::m_strType>("type", Attribute{}), Flag<&R::m_bNative>("native", Attribute{}),
                               Field<&R::m_strName>("name"), Field<&R::m_strDescription>("description"),
                               Field<&R::m_strCommand>("command"),
@@ -56,9 +56,10 @@ public:
 
     static constexpr auto ResultFields()
     {
-        return vk::Fields(vk::Field<&VKMXPmGetListRespAction::m_vecResponseActions>("response-actions",
-                                                                                    vk::ItemsNamed{"response-action"}));
+        using P = VKMXPmGetListRespAction;
+        using namespace vk::mxp;
+        return Fields(Field<&P::m_vecResponseActions>("response-actions", ItemsNamed{"response-action"}));
     }
 };
 
-extern template class vk::TablePacket<VKMXPmGetListRespAction>;
+extern template class vk::mxp::TablePacket<VKMXPmGetListRespAction>;

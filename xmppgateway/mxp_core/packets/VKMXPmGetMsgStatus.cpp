@@ -2,4 +2,4 @@
 
 #include "VKMXPmFields.h"
 
-template class vk::TablePacket<VKMXPmGetMsgStatus>;
+template class vk::mxp::TablePacket<VKMXPmGetMsgStatus>;

@@ -6,7 +6,7 @@
 #include "VKMXPmTablePacket.h"
 
 /// A client asks what became of a job; the response has a row for each message of it.
-class VKMXPmGetMsgStatus : public vk::TablePacket<VKMXPmGetMsgStatus>
+class VKMXPmGetMsgStatus : public vk::mxp::TablePacket<VKMXPmGetMsgStatus>
 {
 public:
     struct JobStatus
@@ -20,7 +20,7 @@ public:
         static constexpr auto Fields()
         {
             using R = JobStatus;
-            using namespace vk;
+            using namespace vk::mxp;
             return vk::Fields(Field<&R::m_strID>("id", Attribute{}), Field<&R::m_strTo>("to", Attribute{}),
                               Field<&R::m_strStatus>("status", Attribute{}), Field<&R::m_ulTime>("at", Attribute{}),
                               Field<&R::m_strDescription>("job", Contents{}));
@@ -34,17 +34,19 @@ public:
 
     static constexpr auto ParamFields()
     {
-        return vk::Fields(vk::Field<&VKMXPmGetMsgStatus::m_strJobID>("jobid", vk::NotEmpty{}));
+        using P = VKMXPmGetMsgStatus;
+        using namespace vk::mxp;
+        return Fields(Field<&P::m_strJobID>("jobid", NotEmpty{}));
     }
 
     static constexpr auto ResultFields()
     {
         using P = VKMXPmGetMsgStatus;
-        using namespace vk;
+        using namespace vk::mxp;
         return Fields(Group(
             "statuses", Fields(Field<&P::m_vecStatuses>("count", CountOf{}), Field<&P::m_vecStatuses>("job", Items{})),
             ClosedWhenEmpty{}, NoLineFeed{}));
     }
 };
 
-extern template class vk::TablePacket<VKMXPmGetMsgStatus>;
+extern template class vk::mxp::TablePacket<VKMXPmGetMsgStatus>;

@@ -2,4 +2,4 @@
 
 #include "VKMXPmFields.h"
 
-template class vk::TablePacket<VKMXPmGetRecipients>;
+template class vk::mxp::TablePacket<VKMXPmGetRecipients>;

@@ -7,7 +7,7 @@
 #include "VKMXPmTablePacket.h"
 
 /// A client fetches receivers and groups by id. The server's side only: reads requests and writes responses.
-class VKMXPmGetRecipients : public vk::TablePacket<VKMXPmGetRecipients>
+class VKMXPmGetRecipients : public vk::mxp::TablePacket<VKMXPmGetRecipients>
 {
 public:
     using Recipient = VKMXPmRecipient;
@@ -24,7 +24,7 @@ public:
     static constexpr auto ParamFields()
     {
         using P = VKMXPmGetRecipients;
-        using namespace vk;
+        using namespace vk::mxp;
         return Fields(
             Group("receivers", Fields(Group("ids", Fields(Field<&P::m_vecReceiverIDs>("id", Items{})), Optional{}))),
             Group("groups", Fields(Group("ids", Fields(Field<&P::m_vecGroupIDs>("id", Items{})), Optional{}))),
@@ -35,7 +35,7 @@ public:
     static constexpr auto ResultFields()
     {
         using P = VKMXPmGetRecipients;
-        using namespace vk;
+        using namespace vk::mxp;
         return Fields(Group("recipients",
                             Fields(Field<&P::m_vecRecipients>("count", CountOf{}), FixedRow{"page_nr", "1"},
                                    Field<&P::m_vecRecipients>("page_size", CountOf{}), FixedRow{"is_last", "true"},
@@ -44,4 +44,4 @@ public:
     }
 };
 
-extern template class vk::TablePacket<VKMXPmGetRecipients>;
+extern template class vk::mxp::TablePacket<VKMXPmGetRecipients>;

@@ -6,7 +6,7 @@
 /// and is written and read in the form of its type. Where writer and reader of the protocol differ, one of the marks
 /// that speak of only one of them stands on the field: the difference is meant.
 
-namespace vk {
+namespace vk::mxp {
 
 // Whether a field is there.
 
@@ -15,7 +15,7 @@ struct Optional
 {
 };
 
-/// A request is refused when this text is empty; a flagged value only when it is present.
+/// A request is refused when this text is empty; an optional one only when it is there.
 struct NotEmpty
 {
 };
@@ -25,7 +25,8 @@ struct OmitEmpty
 {
 };
 
-/// A group or record of flagged values: not written when none of them is present, and may be missing when read.
+/// A group or record of values that may be left alone: not written when none of them is there, and may be missing when
+/// read.
 struct OmitUnset
 {
 };
@@ -141,4 +142,4 @@ struct DoubleQuoted
 {
 };
 
-} // namespace vk
+} // namespace vk::mxp

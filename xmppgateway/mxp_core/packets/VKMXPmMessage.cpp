@@ -2,4 +2,4 @@
 
 #include "VKMXPmFields.h"
 
-template class vk::TablePacket<VKMXPmMessage>;
+template class vk::mxp::TablePacket<VKMXPmMessage>;

@@ -7,7 +7,7 @@
 #include "VKMXPmTablePacket.h"
 
 /// A message for a device. Sent by the server; the device's response to it repeats the parameters.
-class VKMXPmMessage : public vk::TablePacket<VKMXPmMessage>
+class VKMXPmMessage : public vk::mxp::TablePacket<VKMXPmMessage>
 {
 public:
     struct FileAttachment
@@ -20,10 +20,11 @@ public:
         /// The key is always written; a reader takes an attachment without one.
         static constexpr auto Fields()
         {
-            return vk::Fields(vk::Field<&FileAttachment::m_strID>("id", vk::Attribute{}),
-                              vk::Field<&FileAttachment::m_strMimeType>("mime", vk::Attribute{}),
-                              vk::Field<&FileAttachment::m_strSecureKey>("secure-key", vk::Attribute{}, vk::Optional{}),
-                              vk::Field<&FileAttachment::m_strFileName>("file", vk::Contents{}));
+            using R = FileAttachment;
+            using namespace vk::mxp;
+            return vk::Fields(Field<&R::m_strID>("id", Attribute{}), Field<&R::m_strMimeType>("mime", Attribute{}),
+                              Field<&R::m_strSecureKey>("secure-key", Attribute{}, Optional{}),
+                              Field<&R::m_strFileName>("file", Contents{}));
         }
     };
 
@@ -44,19 +45,17 @@ public:
 
     static constexpr auto ParamFields()
     {
-        return vk::Fields(
-            vk::Field<&VKMXPmMessage::m_strJobID>("job-id", vk::NotEmpty{}),
-            vk::Field<&VKMXPmMessage::m_bTwoWay>("is-2way", vk::SetByOne{}),
-            vk::Field<&VKMXPmMessage::m_strSender>("sender", vk::NotEmpty{}),
-            vk::Field<&VKMXPmMessage::m_tDispatchTime>("dispatch-at"),
-            vk::Field<&VKMXPmMessage::m_iSeverity>("severity"), vk::Field<&VKMXPmMessage::m_iExpiration>("expiration"),
-            vk::Field<&VKMXPmMessage::m_bConfidential>("is-confidential", vk::SetByOne{}),
-            vk::Field<&VKMXPmMessage::m_strSubject>("subject"),
-            vk::Field<&VKMXPmMessage::m_strBody>("body", vk::NotEmpty{}),
-            vk::Field<&VKMXPmMessage::m_vecResponseChoices>("response-choices", vk::ItemsNamed{"choice"}),
-            vk::Field<&VKMXPmMessage::m_vecAttachments>("attachments", vk::ItemsNamed{"file"}),
-            vk::Field<&VKMXPmMessage::m_strCustomParameters>("custom-parameters", vk::Verbatim{}, vk::Optional{}));
+        using P = VKMXPmMessage;
+        using namespace vk::mxp;
+        return Fields(Field<&P::m_strJobID>("job-id", NotEmpty{}), Field<&P::m_bTwoWay>("is-2way", SetByOne{}),
+                      Field<&P::m_strSender>("sender", NotEmpty{}), Field<&P::m_tDispatchTime>("dispatch-at"),
+                      Field<&P::m_iSeverity>("severity"), Field<&P::m_iExpiration>("expiration"),
+                      Field<&P::m_bConfidential>("is-confidential", SetByOne{}), Field<&P::m_strSubject>("subject"),
+                      Field<&P::m_strBody>("body", NotEmpty{}),
+                      Field<&P::m_vecResponseChoices>("response-choices", ItemsNamed{"choice"}),
+                      Field<&P::m_vecAttachments>("attachments", ItemsNamed{"file"}),
+                      Field<&P::m_strCustomParameters>("custom-parameters", Verbatim{}, Optional{}));
     }
 };
 
-extern template class vk::TablePacket<VKMXPmMessage>;
+extern template class vk::mxp::TablePacket<VKMXPmMessage>;

@@ -24,7 +24,7 @@
 /// \file
 /// The list of all kinds of packets. Whatever has to know them all walks it.
 
-namespace vk {
+namespace vk::mxp {
 
 /// Stands for a kind of packet in a walk.
 template <class Packet> struct Kind
@@ -59,4 +59,4 @@ template <class Visit> bool WithPacket(VKMXPmBase& base, Visit&& visit)
     return found;
 }
 
-} // namespace vk
+} // namespace vk::mxp

@@ -10,13 +10,12 @@
 /// \file
 /// The walk that reads a table.
 
-namespace vk {
+namespace vk::mxp {
 
 template <class Row, class Value> void ReadFieldValue(std::string_view text, const Row& row, Value& value)
 {
-    if constexpr (kIsFlagged<Value>) {
-        ReadFieldValue(text, row, value.value);
-        value.present = true;
+    if constexpr (kIsOptional<Value>) {
+        ReadFieldValue(text, row, value.emplace());
     } else if constexpr (Row::template has<SetByOne>) {
         value = NumberOf(text) == 1;
     } else if constexpr (Row::template has<SetByWord>) {
@@ -53,13 +52,13 @@ template <class Item> void ReadItems(const XmlReaderWriter::Node& element, std::
     }
 }
 
-/// The contents of the table's element. A flagged value is there when there are any.
+/// The contents of the table's element. A value that may be left alone is there when there are any.
 template <class Row, class Value> void ReadContents(const XmlReaderWriter::Node& element, const Row& row, Value& value)
 {
     std::string_view text = element.contentsText();
     if constexpr (Row::template has<OnOwnLine>)
         text = OffItsLine(text);
-    if (!kIsFlagged<Value> || !text.empty())
+    if (!kIsOptional<Value> || !text.empty())
         ReadFieldValue(text, row, value);
 }
 
@@ -107,4 +106,4 @@ template <class Record, class Table> void ReadFields(XmlReaderWriter::Node& elem
     ForEachField(table, [&](const auto& row) { ReadRow(element, record, row); });
 }
 
-} // namespace vk
+} // namespace vk::mxp

@@ -32,7 +32,7 @@ struct VKMXPmRecipient
     static constexpr auto Fields()
     {
         using R = VKMXPmRecipient;
-        using namespace vk;
+        using namespace vk::mxp;
         constexpr auto enabled = InAttribute{"enabled"};
         return vk::Fields(
             Field<&R::m_iID>("id"), Field<&R::m_iType>("type"), Field<&R::m_strName>("name"),
@@ -69,7 +69,7 @@ struct VKMXPmRecipientDetails
     static constexpr auto Fields()
     {
         using R = VKMXPmRecipientDetails;
-        using namespace vk;
+        using namespace vk::mxp;
         constexpr auto enabled = InAttribute{"enabled"};
         return vk::Fields(Field<&R::m_bGetFirstName>("get-firstname", enabled, InWords{}),
                           Field<&R::m_bGetLastName>("get-lastname", enabled, InWords{}),

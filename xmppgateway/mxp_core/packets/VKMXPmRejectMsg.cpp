@@ -2,4 +2,4 @@
 
 #include "VKMXPmFields.h"
 
-template class vk::TablePacket<VKMXPmRejectMsg>;
+template class vk::mxp::TablePacket<VKMXPmRejectMsg>;

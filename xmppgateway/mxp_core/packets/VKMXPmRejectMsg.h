@@ -5,7 +5,7 @@
 #include "VKMXPmTablePacket.h"
 
 /// A device rejects a message.
-class VKMXPmRejectMsg : public vk::TablePacket<VKMXPmRejectMsg>
+class VKMXPmRejectMsg : public vk::mxp::TablePacket<VKMXPmRejectMsg>
 {
 public:
     std::string m_strJobID;
@@ -16,10 +16,11 @@ public:
 
     static constexpr auto ParamFields()
     {
-        return vk::Fields(vk::Field<&VKMXPmRejectMsg::m_strJobID>("job-id", vk::NotEmpty{}),
-                          vk::Field<&VKMXPmRejectMsg::m_strResponse>("response", vk::NotEmpty{}),
-                          vk::Field<&VKMXPmRejectMsg::m_strRemarks>("remarks"));
+        using P = VKMXPmRejectMsg;
+        using namespace vk::mxp;
+        return Fields(Field<&P::m_strJobID>("job-id", NotEmpty{}), Field<&P::m_strResponse>("response", NotEmpty{}),
+                      Field<&P::m_strRemarks>("remarks"));
     }
 };
 
-extern template class vk::TablePacket<VKMXPmRejectMsg>;
+extern template class vk::mxp::TablePacket<VKMXPmRejectMsg>;

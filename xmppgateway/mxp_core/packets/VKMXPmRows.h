@@ -1,17 +1,21 @@
 #pragma once
 
+#include <optional>
 #include <string_view>
 #include <tuple>
 #include <type_traits>
 
 #include "VKField.h"
 #include "VKMXPmMarks.h"
-#include "VKFlagged.h"
 
 /// \file
 /// What a packet's table may hold besides fields, and what can be told about a row at compile time.
 
-namespace vk {
+namespace vk::mxp {
+
+// A table is written with `using namespace vk::mxp`: its words then come from the protocol alone.
+using vk::Field;
+using vk::Fields;
 
 /// An element that is no field of its own: its rows are fields of the same record.
 template <class Table, class... Marks> class GroupRow : private Marks...
@@ -62,6 +66,10 @@ template <auto Member, class... Marks> constexpr auto EnableFlag(const char* nam
     return Flag<Member>(name, InAttribute{"enable"}, marks...);
 }
 
+/// A value that may be left alone, with what it says about itself: whether it is there at all.
+template <class T> inline constexpr bool kIsOptional = false;
+template <class T> inline constexpr bool kIsOptional<std::optional<T>> = true;
+
 template <class Row> inline constexpr bool kIsGroup = false;
 template <class Table, class... Marks> inline constexpr bool kIsGroup<GroupRow<Table, Marks...>> = true;
 
@@ -88,14 +96,14 @@ template <class Row> inline constexpr bool kIsContents = Row::template has<Conte
 /// Whether a row depends on a flag of its record.
 template <class Record, class Row> inline constexpr bool kIsConditional = Row::template has<Unless<Record>>;
 
-/// Whether the element or attribute of a row may be missing when read. Flagged values and what is not always written
+/// Whether the element or attribute of a row may be missing when read. Optional values and what is not always written
 /// may.
 template <class Record, class Row> constexpr bool MayMiss()
 {
     bool may = Row::template has<Optional> || Row::template has<OmitEmpty> || Row::template has<OmitUnset> ||
                kIsConditional<Record, Row>;
     if constexpr (!kIsGroup<Row>)
-        may = may || kIsFlagged<typename Row::Value>;
+        may = may || kIsOptional<typename Row::Value>;
     return may;
 }
 
@@ -124,4 +132,4 @@ template <class Table, class Visit> constexpr void ForEachFlatField(const Table&
     });
 }
 
-} // namespace vk
+} // namespace vk::mxp

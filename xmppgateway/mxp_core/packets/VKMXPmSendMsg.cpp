@@ -2,4 +2,4 @@
 
 #include "VKMXPmFields.h"
 
-template class vk::TablePacket<VKMXPmSendMsg>;
+template class vk::mxp::TablePacket<VKMXPmSendMsg>;

@@ -7,7 +7,7 @@
 #include "VKMXPmTablePacket.h"
 
 /// A client asks the server to send a message. Everything is optional. The response tells the job under which it goes.
-class VKMXPmSendMsg : public vk::TablePacket<VKMXPmSendMsg>
+class VKMXPmSendMsg : public vk::mxp::TablePacket<VKMXPmSendMsg>
 {
 public:
     std::vector<std::string> m_vecRecipients;
@@ -32,7 +32,7 @@ public:
     static constexpr auto ParamFields()
     {
         using P = VKMXPmSendMsg;
-        using namespace vk;
+        using namespace vk::mxp;
         return Fields(Field<&P::m_vecRecipients>("recipients", ItemsNamed{"name"}, Optional{}),
                       Field<&P::m_strSubject>("subject", Optional{}), Field<&P::m_strMessage>("message", Optional{}),
                       // Meant: a written 1 is no "true", so a written flag reads back as false.
@@ -57,9 +57,10 @@ public:
     static constexpr auto ResultFields()
     {
         using P = VKMXPmSendMsg;
-        return vk::Fields(vk::Field<&P::m_strJobID>("jobid"), vk::Field<&P::m_iTotalFiles>("total-files"),
-                          vk::Field<&P::m_bCopyResponsesDisabled>("cc-resp-disabled"));
+        using namespace vk::mxp;
+        return Fields(Field<&P::m_strJobID>("jobid"), Field<&P::m_iTotalFiles>("total-files"),
+                      Field<&P::m_bCopyResponsesDisabled>("cc-resp-disabled"));
     }
 };
 
-extern template class vk::TablePacket<VKMXPmSendMsg>;
+extern template class vk::mxp::TablePacket<VKMXPmSendMsg>;

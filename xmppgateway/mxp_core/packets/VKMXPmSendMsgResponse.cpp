@@ -2,4 +2,4 @@
 
 #include "VKMXPmFields.h"
 
-template class vk::TablePacket<VKMXPmSendMsgResponse>;
+template class vk::mxp::TablePacket<VKMXPmSendMsgResponse>;

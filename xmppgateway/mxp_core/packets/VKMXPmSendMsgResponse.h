@@ -5,7 +5,7 @@
 #include "VKMXPmTablePacket.h"
 
 /// A device replies to a message, by one of its response choices or freely. The code is a text.
-class VKMXPmSendMsgResponse : public vk::TablePacket<VKMXPmSendMsgResponse>
+class VKMXPmSendMsgResponse : public vk::mxp::TablePacket<VKMXPmSendMsgResponse>
 {
 public:
     std::string m_strJobID;
@@ -17,11 +17,12 @@ public:
 
     static constexpr auto ParamFields()
     {
-        return vk::Fields(vk::Field<&VKMXPmSendMsgResponse::m_strJobID>("job-id", vk::NotEmpty{}),
-                          vk::Field<&VKMXPmSendMsgResponse::m_strResponseCode>("response-code", vk::NotEmpty{}),
-                          vk::Field<&VKMXPmSendMsgResponse::m_strResponseText>("response-text", vk::NotEmpty{}),
-                          vk::Field<&VKMXPmSendMsgResponse::m_strDescription>("description"));
+        using P = VKMXPmSendMsgResponse;
+        using namespace vk::mxp;
+        return Fields(
+            Field<&P::m_strJobID>("job-id", NotEmpty{}), Field<&P::m_strResponseCode>("response-code", NotEmpty{}),
+            Field<&P::m_strResponseText>("response-text", NotEmpty{}), Field<&P::m_strDescription>("description"));
     }
 };
 
-extern template class vk::TablePacket<VKMXPmSendMsgResponse>;
+extern template class vk::mxp::TablePacket<VKMXPmSendMsgResponse>;

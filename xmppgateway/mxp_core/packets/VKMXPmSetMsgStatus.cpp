@@ -2,4 +2,4 @@
 
 #include "VKMXPmFields.h"
 
-template class vk::TablePacket<VKMXPmSetMsgStatus>;
+template class vk::mxp::TablePacket<VKMXPmSetMsgStatus>;

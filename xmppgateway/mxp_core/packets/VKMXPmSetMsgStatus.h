@@ -5,7 +5,7 @@
 #include "VKMXPmTablePacket.h"
 
 /// A device tells what became of a message; "RECEIVED" and "READ" are the words that count.
-class VKMXPmSetMsgStatus : public vk::TablePacket<VKMXPmSetMsgStatus>
+class VKMXPmSetMsgStatus : public vk::mxp::TablePacket<VKMXPmSetMsgStatus>
 {
 public:
     std::string m_strJobID;
@@ -16,10 +16,11 @@ public:
 
     static constexpr auto ParamFields()
     {
-        return vk::Fields(vk::Field<&VKMXPmSetMsgStatus::m_strJobID>("job-id", vk::NotEmpty{}),
-                          vk::Field<&VKMXPmSetMsgStatus::m_strStatus>("status", vk::NotEmpty{}),
-                          vk::Field<&VKMXPmSetMsgStatus::m_strDescription>("description"));
+        using P = VKMXPmSetMsgStatus;
+        using namespace vk::mxp;
+        return Fields(Field<&P::m_strJobID>("job-id", NotEmpty{}), Field<&P::m_strStatus>("status", NotEmpty{}),
+                      Field<&P::m_strDescription>("description"));
     }
 };
 
-extern template class vk::TablePacket<VKMXPmSetMsgStatus>;
+extern template class vk::mxp::TablePacket<VKMXPmSetMsgStatus>;

@@ -2,4 +2,4 @@
 
 #include "VKMXPmFields.h"
 
-template class vk::TablePacket<VKMXPmSetMyStatus>;
+template class vk::mxp::TablePacket<VKMXPmSetMyStatus>;

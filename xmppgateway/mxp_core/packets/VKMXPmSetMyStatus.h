@@ -5,7 +5,7 @@
 #include "VKMXPmTablePacket.h"
 
 /// A client tells its state. The response tells who its receiver is.
-class VKMXPmSetMyStatus : public vk::TablePacket<VKMXPmSetMyStatus>
+class VKMXPmSetMyStatus : public vk::mxp::TablePacket<VKMXPmSetMyStatus>
 {
 public:
     std::string m_strStatusID;
@@ -27,7 +27,7 @@ public:
     static constexpr auto ParamFields()
     {
         using P = VKMXPmSetMyStatus;
-        using namespace vk;
+        using namespace vk::mxp;
         return Fields(Field<&P::m_strStatusID>("status-id"), Field<&P::m_strDescription>("description"),
                       Field<&P::m_strActivationKey>("activation-key"), Field<&P::m_strReceiverID>("receiver-id"),
                       Field<&P::m_strPassword>("password"), Field<&P::m_strIPAddress>("ip-address"),
@@ -38,7 +38,7 @@ public:
     static constexpr auto ResultFields()
     {
         using P = VKMXPmSetMyStatus;
-        using namespace vk;
+        using namespace vk::mxp;
         return Fields(Field<&P::m_strReceiverName>("receiver-name", OmitEmpty{}, NoLineFeed{}),
                       Field<&P::m_strReceiverLastName>("receiver-last-name", OmitEmpty{}, NoLineFeed{}),
                       Field<&P::m_strReceiverFirstName>("receiver-first-name", OmitEmpty{}, NoLineFeed{}),
@@ -46,4 +46,4 @@ public:
     }
 };
 
-extern template class vk::TablePacket<VKMXPmSetMyStatus>;
+extern template class vk::mxp::TablePacket<VKMXPmSetMyStatus>;

@@ -2,4 +2,4 @@
 
 #include "VKMXPmFields.h"
 
-template class vk::TablePacket<VKMXPmSetPermissions>;
+template class vk::mxp::TablePacket<VKMXPmSetPermissions>;

@@ -2,4 +2,4 @@
 
 #include "VKMXPmFields.h"
 
-template class vk::TablePacket<VKMXPmSetSettings>;
+template class vk::mxp::TablePacket<VKMXPmSetSettings>;

@@ -8,7 +8,7 @@
 #include "VKMXPmMarks.h"
 #include "VKMXPmRows.h"
 
-namespace vk {
+namespace vk::mxp {
 
 /// A packet whose `parameters` and `result` are one field table each. The packet gives its element's name, `kElement`,
 /// and its tables, `ParamFields()` and, unless it answers with nothing, `ResultFields()`, in the order of the wire;
@@ -34,4 +34,4 @@ public:
     static constexpr bool kReadsResult = true;
 };
 
-} // namespace vk
+} // namespace vk::mxp

@@ -11,7 +11,7 @@
 /// \file
 /// The walk that writes a table.
 
-namespace vk {
+namespace vk::mxp {
 
 /// A few fields are written in one form and read in another. `Written` is what a packet's own writer writes, `Read`
 /// what its reader takes, which is what the other side of the protocol has to write.
@@ -34,8 +34,8 @@ template <Form form, class Row> constexpr const char* ValueAttribute(const Row& 
 
 template <Form form, class Row, class Value> void AppendFieldValue(std::string& out, const Row& row, const Value& value)
 {
-    if constexpr (kIsFlagged<Value>)
-        AppendFieldValue<form>(out, row, value.value);
+    if constexpr (kIsOptional<Value>)
+        AppendFieldValue<form>(out, row, *value);
     else if constexpr (Row::template has<InWords>)
         out += value ? "true" : "false";
     else if constexpr (Row::template has<SetByWord> && form == Form::Read)
@@ -71,8 +71,8 @@ void AppendRowAttribute(std::string& out, const Record& record, const Row& row)
     } else if constexpr (Row::template has<Attribute>) {
         if constexpr (Row::template has<NeverWritten> && form == Form::Written)
             return;
-        else if constexpr (kIsFlagged<typename Row::Value>)
-            if (!row.of(record).present)
+        else if constexpr (kIsOptional<typename Row::Value>)
+            if (!row.of(record))
                 return;
         AppendAttribute<form>(out, row.name, row, row.of(record));
     }
@@ -173,8 +173,8 @@ template <Form form, class Record, class Row> void AppendRow(std::string& out, c
             AppendElement<form, Row>(out, row.name, record, row.rows);
         } else {
             const auto& value = row.of(record);
-            if constexpr (kIsFlagged<typename Row::Value>)
-                if (!value.present)
+            if constexpr (kIsOptional<typename Row::Value>)
+                if (!value)
                     return;
             if constexpr (Row::template has<OmitEmpty>)
                 if (value.empty())
@@ -191,4 +191,4 @@ void AppendFields(std::string& out, const Record& record, const Table& table)
     ForEachField(table, [&](const auto& row) { AppendRow<form>(out, record, row); });
 }
 
-} // namespace vk
+} // namespace vk::mxp
