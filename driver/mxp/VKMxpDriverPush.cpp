@@ -28,9 +28,9 @@ bool VKMxpDriver::Wake(const VKMessageFile& file)
 {
     if (!file.bPushEnabled || file.strPushDeviceToken.empty())
         return false;
-    const int result = VKMXPEventNotifier::PushForWaitingMessages(
-        file.strPushServiceName, file.strPushDeviceToken, kWaitingCount, "", NotificationSeconds(file.iSecondsToLive),
-        m_pobjLogger);
+    const int result =
+        VKMXPEventNotifier::PushForWaitingMessages(file.strPushServiceName, file.strPushDeviceToken, kWaitingCount, "",
+                                                   NotificationSeconds(file.iSecondsToLive), m_pobjLogger);
     const char* const job = file.strJobID.c_str();
     switch (result) {
     case VKMXPEventNotifier::Sent:

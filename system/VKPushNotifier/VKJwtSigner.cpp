@@ -16,8 +16,7 @@ namespace {
 
 constexpr int kCoordinateSize = 32; // of P-256
 
-template <class T>
-using Owned = std::unique_ptr<T, void (*)(T*)>;
+template <class T> using Owned = std::unique_ptr<T, void (*)(T*)>;
 
 /// Base64 for URLs, without padding (RFC 4648, 5).
 std::string UrlBase64(const std::string& bytes)
@@ -37,10 +36,9 @@ std::string FlatSignature(const std::string& der)
     const Owned<ECDSA_SIG> signature(d2i_ECDSA_SIG(nullptr, &at, static_cast<long>(der.size())), &ECDSA_SIG_free);
     std::string flat(2 * kCoordinateSize, '\0');
     auto* const out = reinterpret_cast<unsigned char*>(flat.data());
-    const bool good = signature &&
-                      BN_bn2binpad(ECDSA_SIG_get0_r(signature.get()), out, kCoordinateSize) == kCoordinateSize &&
-                      BN_bn2binpad(ECDSA_SIG_get0_s(signature.get()), out + kCoordinateSize, kCoordinateSize) ==
-                          kCoordinateSize;
+    const bool good =
+        signature && BN_bn2binpad(ECDSA_SIG_get0_r(signature.get()), out, kCoordinateSize) == kCoordinateSize &&
+        BN_bn2binpad(ECDSA_SIG_get0_s(signature.get()), out + kCoordinateSize, kCoordinateSize) == kCoordinateSize;
     return good ? flat : std::string();
 }
 
@@ -60,8 +58,8 @@ bool JwtSigner::Load(const std::string& pem, std::string& error)
         return false;
     }
     m_elliptic = EVP_PKEY_is_a(m_key.get(), "EC") == 1;
-    const bool fits = m_elliptic ? EVP_PKEY_get_bits(m_key.get()) == 8 * kCoordinateSize
-                                 : EVP_PKEY_is_a(m_key.get(), "RSA") == 1;
+    const bool fits =
+        m_elliptic ? EVP_PKEY_get_bits(m_key.get()) == 8 * kCoordinateSize : EVP_PKEY_is_a(m_key.get(), "RSA") == 1;
     if (!fits) {
         m_key.reset();
         error = "its key is neither a P-256 nor an RSA key";

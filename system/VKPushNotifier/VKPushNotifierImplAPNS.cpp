@@ -29,8 +29,8 @@ constexpr std::size_t kLongestErrorFrame = 7;
 constexpr unsigned char kErrorCommand = 8;
 
 constexpr vk::CodeText<int> g_arrstAPNSErrorRespTable[] = {
-    {0, "No errors encountered"}, {1, "Processing error"},    {2, "Missing device token"}, {3, "Missing topic"},
-    {4, "Missing payload"},       {5, "Invalid token size"},  {6, "Invalid topic size"},   {7, "Invalid payload size"},
+    {0, "No errors encountered"}, {1, "Processing error"},   {2, "Missing device token"}, {3, "Missing topic"},
+    {4, "Missing payload"},       {5, "Invalid token size"}, {6, "Invalid topic size"},   {7, "Invalid payload size"},
     {8, "Invalid token"},         {10, "Shutdown"},
 };
 
@@ -52,8 +52,10 @@ void AppendBigEndian(std::string& frame, unsigned long value, int bytes)
 
 } // namespace
 
-VKPushNotifierImplAPNS::ServerInfo VKPushNotifierImplAPNS::m_stProduction{vk::settings::kApnsProductionHost, vk::settings::kApnsPort};
-VKPushNotifierImplAPNS::ServerInfo VKPushNotifierImplAPNS::m_stDevelopment{vk::settings::kApnsDevelopmentHost, vk::settings::kApnsPort};
+VKPushNotifierImplAPNS::ServerInfo VKPushNotifierImplAPNS::m_stProduction{vk::settings::kApnsProductionHost,
+                                                                          vk::settings::kApnsPort};
+VKPushNotifierImplAPNS::ServerInfo VKPushNotifierImplAPNS::m_stDevelopment{vk::settings::kApnsDevelopmentHost,
+                                                                           vk::settings::kApnsPort};
 
 VKPushNotifierImplAPNS::VKPushNotifierImplAPNS() : m_pGateway(&m_stDevelopment) {}
 VKPushNotifierImplAPNS::~VKPushNotifierImplAPNS() = default;
@@ -223,8 +225,8 @@ std::size_t VKPushNotifierImplAPNS::ReadAnswer(int timeoutMs, unsigned char* fra
     try {
         while (got < kErrorFrameSize) {
             VKioSocket::SocketStatus status = VKioSocket::Failed;
-            const unsigned int count = m_pSession->Read(frame + got, static_cast<unsigned int>(size - got),
-                                                        deadline.RemainingMs(), status);
+            const unsigned int count =
+                m_pSession->Read(frame + got, static_cast<unsigned int>(size - got), deadline.RemainingMs(), status);
             if (count == 0 || status != VKioSocket::Done)
                 break;
             got += count;

@@ -117,8 +117,7 @@ bool VKPushNotifierImplAPNS2::SendTo(const std::string& deviceToken, Notificatio
         return Refuse(printfToString("Payload maximum sizelimit exceed. Payload: '%s', size:'%d'.", payload.c_str(),
                                      static_cast<int>(payload.size())));
     vk::HttpAnswer answer = Post(token, payload, timeToLive);
-    if (answer.status == 403 && m_signer.IsLoaded() &&
-        answer.body.find("ExpiredProviderToken") != std::string::npos) {
+    if (answer.status == 403 && m_signer.IsLoaded() && answer.body.find("ExpiredProviderToken") != std::string::npos) {
         m_strProviderToken.clear(); // the clocks differ: once more with a fresh one
         answer = Post(token, payload, timeToLive);
     }
@@ -159,8 +158,8 @@ bool VKPushNotifierImplAPNS2::Judge(const vk::HttpAnswer& answer, const std::str
                                      "more; the device has to register anew.",
                                      token.c_str(), reason.c_str()));
     if (answer.status >= 500)
-        return Refuse(printfToString("APNS2 service unavailable. Code: %ld, reason:'%s'.", answer.status,
-                                     reason.c_str()));
+        return Refuse(
+            printfToString("APNS2 service unavailable. Code: %ld, reason:'%s'.", answer.status, reason.c_str()));
     return Refuse(printfToString("APNS2 service refused the notification. Code: %ld, reason:'%s'.", answer.status,
                                  reason.c_str()));
 }

@@ -40,7 +40,7 @@ private:
     int m_iPriority = 0;
     std::string m_strKeyId;
     std::string m_strTeamId;
-    vk::JwtSigner m_signer; ///< not loaded when the client certificate serves
+    vk::JwtSigner m_signer;         ///< not loaded when the client certificate serves
     std::string m_strProviderToken; ///< never logged; empty until it is needed
     time_t m_tProviderTokenMade = 0;
     std::string m_strProxyPassword;

@@ -112,8 +112,8 @@ bool VKPushNotifierImplFCM::HaveAccessToken()
     claims["aud"] = m_strTokenUrl;
     claims["iat"] = static_cast<Json::Int64>(now);
     claims["exp"] = static_cast<Json::Int64>(now + kAssertionSeconds);
-    const std::string body = "grant_type=" + HttpStrEncode(std::string(kGrantType)) + "&assertion=" +
-                             m_signer.Sign(header, claims);
+    const std::string body =
+        "grant_type=" + HttpStrEncode(std::string(kGrantType)) + "&assertion=" + m_signer.Sign(header, claims);
     const vk::HttpAnswer answer =
         m_connection.Post(m_strTokenUrl, {"content-type: application/x-www-form-urlencoded"}, body);
     Json::Value json;
@@ -159,8 +159,8 @@ bool VKPushNotifierImplFCM::SendTo(const std::string& deviceToken, Json::Value& 
 
 vk::HttpAnswer VKPushNotifierImplFCM::Post(const std::string& body)
 {
-    return m_connection.Post(
-        m_strUrl, {"content-type: application/json", "authorization: Bearer " + m_strAccessToken}, body);
+    return m_connection.Post(m_strUrl, {"content-type: application/json", "authorization: Bearer " + m_strAccessToken},
+                             body);
 }
 
 bool VKPushNotifierImplFCM::Judge(const vk::HttpAnswer& answer, const std::string& token)
@@ -169,8 +169,8 @@ bool VKPushNotifierImplFCM::Judge(const vk::HttpAnswer& answer, const std::strin
     VK_LOG_INFO(m_pLogger, "Request to FCM returns code:%ld", answer.status);
     VK_LOG_DEBUG(m_pLogger, "Request to FCM returns output:'%s'", body.c_str());
     if (answer.code != 0)
-        return Refuse(printfToString("FCM service '%s' cannot be reached: %s.", m_strUrl.c_str(),
-                                     Clean(answer.error).c_str()));
+        return Refuse(
+            printfToString("FCM service '%s' cannot be reached: %s.", m_strUrl.c_str(), Clean(answer.error).c_str()));
     Json::Value json;
     const bool parsed = vk::ParseJsonObject(body, json);
     if (answer.status == 200 && parsed) {

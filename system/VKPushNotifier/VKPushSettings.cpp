@@ -11,11 +11,7 @@ namespace vk {
 namespace {
 
 /// A field of a record that need not be zero-terminated.
-template <std::size_t N>
-std::string FieldText(const char (&field)[N])
-{
-    return std::string(field, strnlen(field, N));
-}
+template <std::size_t N> std::string FieldText(const char (&field)[N]) { return std::string(field, strnlen(field, N)); }
 
 } // namespace
 

@@ -25,8 +25,7 @@ void ReadDocument(const std::string& path, XmlReaderWriter& document)
 }
 
 /// Empties `error`, or sets it to what came of the work on the file at `path`; whether it went well.
-template <class Work>
-bool Try(const std::string& path, std::string& error, Work&& work)
+template <class Work> bool Try(const std::string& path, std::string& error, Work&& work)
 {
     error.clear();
     try {
@@ -37,16 +36,14 @@ bool Try(const std::string& path, std::string& error, Work&& work)
     return error.empty();
 }
 
-template <class Table, class Record>
-void ReadRecord(const std::string& path, const Table& table, Record& record)
+template <class Table, class Record> void ReadRecord(const std::string& path, const Table& table, Record& record)
 {
     XmlReaderWriter document;
     ReadDocument(path, document);
     vk::settings::GatewaySettingsReader::Read(table, record, document.getRootNode());
 }
 
-template <class Table, class Record>
-void WriteRecord(const std::string& path, const Table& table, const Record& record)
+template <class Table, class Record> void WriteRecord(const std::string& path, const Table& table, const Record& record)
 {
     XmlReaderWriter document;
     if (VKioFile::IsExisting(path))

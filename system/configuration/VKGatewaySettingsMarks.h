@@ -3,9 +3,9 @@
 #include "VKField.h"
 
 /// \file
-/// How the tables of "xmppgateway_config.xml" and "mxp_config.xml" say where a value stands. A row's name is that of its
-/// element; without marks it is the element's text, below the root, and must be there. Booleans are "true" or anything
-/// else; those in attributes are read as XmlReaderWriter reads one.
+/// How the tables of "xmppgateway_config.xml" and "mxp_config.xml" say where a value stands. A row's name is that of
+/// its element; without marks it is the element's text, below the root, and must be there. Booleans are "true" or
+/// anything else; those in attributes are read as XmlReaderWriter reads one.
 
 namespace vk::settings {
 

@@ -16,8 +16,7 @@
 
 namespace vk::settings {
 
-template <class Row, class Mark>
-constexpr bool kRowHas = std::decay_t<Row>::template has<Mark>;
+template <class Row, class Mark> constexpr bool kRowHas = std::decay_t<Row>::template has<Mark>;
 
 class GatewaySettingsReader
 {
@@ -37,8 +36,7 @@ private:
     using Missing = XmlReaderWriter::NodeException;
 
     /// A null node for an element that may be missing and is.
-    template <class Row>
-    static Node ElementOf(const Row& row, const Node& root)
+    template <class Row> static Node ElementOf(const Row& row, const Node& root)
     {
         Node parent = root;
         if constexpr (kRowHas<Row, In>) {
@@ -54,8 +52,7 @@ private:
         return element;
     }
 
-    template <class Row, class Value>
-    static void ReadRow(const Row& row, Value& value, const Node& element)
+    template <class Row, class Value> static void ReadRow(const Row& row, Value& value, const Node& element)
     {
         if constexpr (kRowHas<Row, InAttribute>)
             value = element.attributeValue(row.template mark<InAttribute>().attribute); // throws when missing
@@ -74,8 +71,7 @@ private:
 
     static void Convert(std::string_view text, std::string& value, const char*) { value = text; }
     static void Convert(std::string_view text, bool& value, const char*) { value = Trimmed(text) == "true"; }
-    template <class Number>
-    static void Convert(std::string_view text, Number& value, const char* name)
+    template <class Number> static void Convert(std::string_view text, Number& value, const char* name)
     {
         const std::string_view digits = Trimmed(text);
         Number number = 0;
@@ -89,8 +85,7 @@ private:
     static void ReadItem(std::string& item, const Node& element) { item = element.contentsText(); }
     static void ReadItem(VKS2SProfile& item, const Node& element) { Read(kS2SProfileFields, item, element); }
 
-    template <class Item>
-    static void ReadItems(const char* name, std::vector<Item>& items, const Node& element)
+    template <class Item> static void ReadItems(const char* name, std::vector<Item>& items, const Node& element)
     {
         long count = 0;
         Convert(Attribute(element, "count"), count, name);
@@ -120,15 +115,13 @@ public:
 private:
     using Node = XmlReaderWriter::Node;
 
-    template <class Row>
-    static bool IsThere(const Row& row, const Node& root)
+    template <class Row> static bool IsThere(const Row& row, const Node& root)
     {
         const Node parent = root.findChild(row.template mark<In>().group);
         return !parent.isNull() && parent.isChild(row.name);
     }
 
-    template <class Row>
-    static Node ElementOf(const Row& row, Node root)
+    template <class Row> static Node ElementOf(const Row& row, Node root)
     {
         Node parent = root;
         if constexpr (kRowHas<Row, In>)
@@ -136,8 +129,7 @@ private:
         return *row.name ? parent[row.name] : parent; // a look-up adds what is missing
     }
 
-    template <class Row, class Value>
-    static void WriteRow(const Row& row, const Value& value, Node element)
+    template <class Row, class Value> static void WriteRow(const Row& row, const Value& value, Node element)
     {
         if constexpr (kRowHas<Row, InAttribute>)
             SetAttribute(element, row.template mark<InAttribute>().attribute, Text(value));
@@ -152,11 +144,7 @@ private:
 
     static std::string Text(const std::string& value) { return value; }
     static std::string Text(bool value) { return value ? "true" : "false"; }
-    template <class Number>
-    static std::string Text(Number value)
-    {
-        return std::to_string(value);
-    }
+    template <class Number> static std::string Text(Number value) { return std::to_string(value); }
 
     static void SetContents(const Node& element, const std::string& text)
     {
@@ -173,8 +161,7 @@ private:
     static void WriteItem(const VKS2SProfile& item, const Node& element) { Write(kS2SProfileFields, item, element); }
 
     /// Over the children that are there, one by one; what is left of them goes.
-    template <class Item>
-    static void WriteItems(const char* name, const std::vector<Item>& items, Node element)
+    template <class Item> static void WriteItems(const char* name, const std::vector<Item>& items, Node element)
     {
         SetAttribute(element, "count", std::to_string(items.size()));
         int index = 0;

@@ -38,21 +38,18 @@ void Take(const Json::Value& json, std::optional<std::string>& value)
         value = json.asString();
 }
 
-template <class Table, class Record>
-void TakeAll(const Json::Value& json, const Table& table, Record& record);
+template <class Table, class Record> void TakeAll(const Json::Value& json, const Table& table, Record& record);
 
 void Take(const Json::Value& json, VKMXPClientSettings::Alert& tone) { TakeAll(json, vk::kAlertToneFields, tone); }
 
-template <class Table, class Record>
-void TakeAll(const Json::Value& json, const Table& table, Record& record)
+template <class Table, class Record> void TakeAll(const Json::Value& json, const Table& table, Record& record)
 {
     vk::ForEachField(table, [&](const auto& field) { Take(vk::JsonMember(json, field.name), field.of(record)); });
 }
 
 // Writing: what is present; members that are not known here stay. Each tells whether it wrote something.
 
-template <class Value>
-bool Put(Json::Value& object, const char* name, const std::optional<Value>& value)
+template <class Value> bool Put(Json::Value& object, const char* name, const std::optional<Value>& value)
 {
     object.removeMember(name);
     if (value)
@@ -60,8 +57,7 @@ bool Put(Json::Value& object, const char* name, const std::optional<Value>& valu
     return value.has_value();
 }
 
-template <class Table, class Record>
-bool PutAll(Json::Value& object, const Table& table, const Record& record);
+template <class Table, class Record> bool PutAll(Json::Value& object, const Table& table, const Record& record);
 
 bool Put(Json::Value& object, const char* name, const VKMXPClientSettings::Alert& tone)
 {
@@ -73,8 +69,7 @@ bool Put(Json::Value& object, const char* name, const VKMXPClientSettings::Alert
     return any;
 }
 
-template <class Table, class Record>
-bool PutAll(Json::Value& object, const Table& table, const Record& record)
+template <class Table, class Record> bool PutAll(Json::Value& object, const Table& table, const Record& record)
 {
     bool any = false;
     vk::ForEachField(table, [&](const auto& field) {

@@ -27,8 +27,8 @@ struct VKMXPManagerSettings
     std::string m_strServerCertificate = vk::settings::kGatewayCertificate;
     std::string m_strServerPrivateKey = vk::settings::kGatewayPrivateKey;
     bool m_bEmergencyModeEnabled = false;
-    long m_lMxpCarrier = 0;            ///< id of the carrier that serves MXP
-    std::int32_t m_iSocketTimeout = 30; ///< seconds
+    long m_lMxpCarrier = 0;                            ///< id of the carrier that serves MXP
+    std::int32_t m_iSocketTimeout = 30;                ///< seconds
     std::vector<std::string> m_vecAllowedMxpUsersFrom; ///< IP addresses
     std::int32_t m_iFileTransThreadPoolSize = 10;
     std::int32_t m_iFileTransTimeout = 1000;
@@ -92,26 +92,22 @@ struct VKMXPManagerSettings
 
 namespace vk::settings {
 
-template <auto Member, class... Marks>
-constexpr auto Apns(const char* name, Marks... marks)
+template <auto Member, class... Marks> constexpr auto Apns(const char* name, Marks... marks)
 {
     return Field<Member>(name, In{"push_notification"}, OptionalGroup{}, marks...);
 }
 
-template <auto Member, class... Marks>
-constexpr auto Gcms(const char* name, Marks... marks)
+template <auto Member, class... Marks> constexpr auto Gcms(const char* name, Marks... marks)
 {
     return Field<Member>(name, In{"gcms_notification"}, OptionalGroup{}, marks...);
 }
 
-template <auto Member, class... Marks>
-constexpr auto Apns2(const char* name, Marks... marks)
+template <auto Member, class... Marks> constexpr auto Apns2(const char* name, Marks... marks)
 {
     return Field<Member>(name, In{"apns2_notification"}, Extension{}, marks...);
 }
 
-template <auto Member, class... Marks>
-constexpr auto Fcm(const char* name, Marks... marks)
+template <auto Member, class... Marks> constexpr auto Fcm(const char* name, Marks... marks)
 {
     return Field<Member>(name, In{"fcm_notification"}, Extension{}, marks...);
 }
@@ -155,8 +151,7 @@ inline constexpr auto kMXPManagerFields = Fields(
     Apns2<&VKMXPManagerSettings::m_strApns2DevelopmentUrl>("development_url"),
     Apns2<&VKMXPManagerSettings::m_strApns2Topic>("topic"),
     Apns2<&VKMXPManagerSettings::m_strApns2SigningKey>("signing_key"),
-    Apns2<&VKMXPManagerSettings::m_strApns2KeyId>("key_id"),
-    Apns2<&VKMXPManagerSettings::m_strApns2TeamId>("team_id"),
+    Apns2<&VKMXPManagerSettings::m_strApns2KeyId>("key_id"), Apns2<&VKMXPManagerSettings::m_strApns2TeamId>("team_id"),
     Apns2<&VKMXPManagerSettings::m_strApns2Certificate>("ssl_certificate"),
     Apns2<&VKMXPManagerSettings::m_strApns2PrivateKey>("ssl_certificate_private_key"),
     Apns2<&VKMXPManagerSettings::m_strApns2PrivateKeyPasswd>("ssl_certificate_private_key_passwd", Secret{}),
@@ -167,7 +162,8 @@ inline constexpr auto kMXPManagerFields = Fields(
     Fcm<&VKMXPManagerSettings::m_bFcmEnabled>("fcm_enabled"),
     Fcm<&VKMXPManagerSettings::m_strFcmServiceAccount>("service_account"),
     Fcm<&VKMXPManagerSettings::m_strFcmUrl>("url"), Fcm<&VKMXPManagerSettings::m_strFcmProjectId>("project_id"),
-    Fcm<&VKMXPManagerSettings::m_strFcmTokenUrl>("token_url"), Fcm<&VKMXPManagerSettings::m_strFcmCaBundle>("ca_bundle"),
+    Fcm<&VKMXPManagerSettings::m_strFcmTokenUrl>("token_url"),
+    Fcm<&VKMXPManagerSettings::m_strFcmCaBundle>("ca_bundle"),
 
     Field<&VKMXPManagerSettings::m_strPushProxyHost>("host", In{"push_proxy"}, Extension{}),
     Field<&VKMXPManagerSettings::m_strPushProxyUser>("user", In{"push_proxy"}, Extension{}),

@@ -36,7 +36,8 @@ CURLcode CurlHandle::Perform()
 {
     if (!m_handle)
         return CURLE_FAILED_INIT;
-    // libcurl's own way to be safe from SIGPIPE changes the whole process's disposition, under the feet of other threads.
+    // libcurl's own way to be safe from SIGPIPE changes the whole process's disposition, under the feet of other
+    // threads.
     Set(CURLOPT_NOSIGNAL, 1L);
     const NoSigPipe noSignal;
     return curl_easy_perform(m_handle);

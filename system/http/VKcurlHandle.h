@@ -19,11 +19,7 @@ public:
     CURL* get() const { return m_handle; }
 
     /// Sets one option; the type is what the option takes (long, const char*, a pointer, a function).
-    template <class Value>
-    void Set(CURLoption option, Value value)
-    {
-        curl_easy_setopt(m_handle, option, value);
-    }
+    template <class Value> void Set(CURLoption option, Value value) { curl_easy_setopt(m_handle, option, value); }
     /// Sets a text option, or clears it when the text is null or empty.
     void SetText(CURLoption option, const char* text) { Set(option, text && *text ? text : nullptr); }
 

@@ -38,8 +38,7 @@ struct Request
 };
 
 /// `fillBody` sets what is posted.
-template <class FillBody>
-int Post(const Request& request, FillBody&& fillBody)
+template <class FillBody> int Post(const Request& request, FillBody&& fillBody)
 {
     vk::CurlHandle curl;
     if (!curl)
@@ -83,8 +82,8 @@ std::string EncodeHttpPairs(const char* const* pairs, int count)
 } // namespace vk
 
 int Curl_HttpPostUrlEncodedFields(const char* url, char* fields, VDK_BUFFER* result, VDK_BUFFER* headers,
-                                  const char* caPath, const char* extraHeader, const char* proxy,
-                                  const char* proxyUser, const char* proxyPassword)
+                                  const char* caPath, const char* extraHeader, const char* proxy, const char* proxyUser,
+                                  const char* proxyPassword)
 {
     return Post({url, caPath, result, headers, extraHeader, {proxy, proxyUser, proxyPassword}},
                 [fields](vk::CurlHandle& curl) {
@@ -128,13 +127,12 @@ int VKMsgCurlHttpSendMessage(char* error, unsigned int size, http_service* servi
                              const char* extraHeader)
 {
     VDK_BUFFER page{}, header{};
-    const int code =
-        service->upload_file && *service->upload_file
-            ? Curl_HttpPostMultiPart(service->url, service->params, service->param_count, service->upload_file,
-                                     const_cast<char*>(extraHeader), &page, caPath, service->proxy,
-                                     service->proxy_user, service->proxy_password, &header)
-            : Curl_HttpPostUrl(service->url, service->params, service->param_count, &page, caPath, &header,
-                               extraHeader, service->proxy, service->proxy_user, service->proxy_password);
+    const int code = service->upload_file && *service->upload_file
+                         ? Curl_HttpPostMultiPart(service->url, service->params, service->param_count,
+                                                  service->upload_file, const_cast<char*>(extraHeader), &page, caPath,
+                                                  service->proxy, service->proxy_user, service->proxy_password, &header)
+                         : Curl_HttpPostUrl(service->url, service->params, service->param_count, &page, caPath, &header,
+                                            extraHeader, service->proxy, service->proxy_user, service->proxy_password);
     vk::SetHttpText(service->result, page.data);
     vk::SetHttpText(service->result_header, header.data);
     EmptyVdkBuffer(&page);

@@ -23,8 +23,7 @@ struct CloseFile
 using File = std::unique_ptr<FILE, CloseFile>;
 
 /// Each line of a text that is not empty.
-template <class Take>
-void ForEachLine(std::string_view text, Take&& take)
+template <class Take> void ForEachLine(std::string_view text, Take&& take)
 {
     while (!text.empty()) {
         const std::size_t end = std::min(text.find_first_of("\r\n"), text.size());
@@ -109,8 +108,7 @@ int VKcurlService::Perform()
     return m_curl.Perform();
 }
 
-int VKcurlService::SendRequest(HttpMethType method, const std::string& url, const std::string& body,
-                               const Route& route)
+int VKcurlService::SendRequest(HttpMethType method, const std::string& url, const std::string& body, const Route& route)
 {
     if (!OpenSession())
         return CURLE_FAILED_INIT;

@@ -10,7 +10,7 @@ namespace vk {
 /// What a connection needs besides its address; empty for none.
 struct HttpConnectionOptions
 {
-    std::string caBundle; ///< PEM; empty for that of the system
+    std::string caBundle;          ///< PEM; empty for that of the system
     std::string clientCertificate; ///< PEM, with its private key
     std::string clientKey;
     std::string passPhrase;
@@ -23,9 +23,9 @@ struct HttpConnectionOptions
 
 struct HttpAnswer
 {
-    int code = 0;    ///< libcurl's
-    long status = 0; ///< of HTTP; 0 when there was no answer
-    std::string body; ///< at most 1 MiB
+    int code = 0;      ///< libcurl's
+    long status = 0;   ///< of HTTP; 0 when there was no answer
+    std::string body;  ///< at most 1 MiB
     std::string error; ///< what went wrong when the code is not 0
 };
 

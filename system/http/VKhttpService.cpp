@@ -11,9 +11,9 @@ void VKhttpClean(http_service* service)
     for (int i = 0; service->params && i < service->param_count; ++i)
         free(service->params[i]);
     free(service->params);
-    for (char* text : {service->url, service->proxy, service->proxy_user, service->proxy_password, service->cookie,
-                       service->referer, service->headers, service->upload_file, service->result,
-                       service->result_header})
+    for (char* text :
+         {service->url, service->proxy, service->proxy_user, service->proxy_password, service->cookie, service->referer,
+          service->headers, service->upload_file, service->result, service->result_header})
         free(text);
     *service = http_service{};
 }

@@ -13,8 +13,8 @@ struct http_service
     char* proxy_password;
     char* cookie;
     char* referer;
-    char* headers;     ///< one on each line
-    char* upload_file; ///< path of the file that a PUT sends in place of the parameters, or that a form carries
+    char* headers;       ///< one on each line
+    char* upload_file;   ///< path of the file that a PUT sends in place of the parameters, or that a form carries
     char* result;        ///< the page
     char* result_header; ///< the header lines of the answer
 };

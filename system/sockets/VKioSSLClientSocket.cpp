@@ -135,8 +135,7 @@ void VKioSSLClientSocket::MakeContext()
     SSL_CTX_set_mode(m_pContext.get(), SSL_MODE_ACCEPT_MOVING_WRITE_BUFFER);
     // A peer that goes without a word of TLS has closed the connection all the same.
     SSL_CTX_set_options(m_pContext.get(), SSL_OP_IGNORE_UNEXPECTED_EOF);
-    if (!m_strCaPath.empty() &&
-        SSL_CTX_load_verify_locations(m_pContext.get(), m_strCaPath.c_str(), nullptr) != 1)
+    if (!m_strCaPath.empty() && SSL_CTX_load_verify_locations(m_pContext.get(), m_strCaPath.c_str(), nullptr) != 1)
         Fail(kSource, __LINE__, "SSL: Verify Location Failed", GetSSLErrorString(0).c_str());
 }
 
@@ -153,8 +152,7 @@ void VKioSSLClientSocket::LoadCertificate()
         // OpenSSL compares the two as soon as it has both.
         const bool mismatch = details.find("mismatch") != std::string::npos;
         Fail(kSource, __LINE__,
-             mismatch ? "SSL: Private key does not match the certificate public key"
-                      : "SSL: Setting Key file Failed",
+             mismatch ? "SSL: Private key does not match the certificate public key" : "SSL: Setting Key file Failed",
              details.c_str());
     }
     if (SSL_CTX_check_private_key(context) != 1)
@@ -210,8 +208,7 @@ VKioSocket::SocketStatus VKioSSLClientSocket::WaitFor(int sslError, int ms)
     return Wait(sslError == SSL_ERROR_WANT_READ, sslError == SSL_ERROR_WANT_WRITE, ms);
 }
 
-unsigned int VKioSSLClientSocket::Read(unsigned char* buffer, unsigned int size, int ms, SocketStatus& status,
-                                       bool log)
+unsigned int VKioSSLClientSocket::Read(unsigned char* buffer, unsigned int size, int ms, SocketStatus& status, bool log)
 {
     status = Failed;
     if (!m_pSsl)
@@ -249,8 +246,8 @@ unsigned int VKioSSLClientSocket::Write(unsigned char* data, unsigned int size)
     while (written < size) {
         ERR_clear_error();
         errno = 0;
-        const int count = SSL_write(m_pSsl.get(), data + written,
-                                    static_cast<int>(std::min<unsigned int>(size - written, INT_MAX)));
+        const int count =
+            SSL_write(m_pSsl.get(), data + written, static_cast<int>(std::min<unsigned int>(size - written, INT_MAX)));
         if (count > 0) {
             written += static_cast<unsigned int>(count);
             continue;

@@ -42,8 +42,7 @@ public:
     void Reset();
 
     /// Throws "SSL Socket is closed" and "SSL Socket Read Error".
-    unsigned int Read(unsigned char* buffer, unsigned int size, int ms, SocketStatus& status,
-                      bool log = true) override;
+    unsigned int Read(unsigned char* buffer, unsigned int size, int ms, SocketStatus& status, bool log = true) override;
     /// Throws "SSL Write Error".
     unsigned int Write(unsigned char* data, unsigned int size) override;
     using VKioSocket::Write;

@@ -61,8 +61,7 @@ void VKioSocket::LogTraffic(const char* format, const unsigned char* data, unsig
 bool VKioSocket::SetNonBlockingMode(bool nonBlocking)
 {
     const int flags = fcntl(m_iSocket, F_GETFL);
-    return flags >= 0 &&
-           fcntl(m_iSocket, F_SETFL, nonBlocking ? flags | O_NONBLOCK : flags & ~O_NONBLOCK) == 0;
+    return flags >= 0 && fcntl(m_iSocket, F_SETFL, nonBlocking ? flags | O_NONBLOCK : flags & ~O_NONBLOCK) == 0;
 }
 
 int VKioSocket::GetErrorCode() const

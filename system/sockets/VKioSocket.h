@@ -30,7 +30,7 @@ public:
     void SetEventLog(VKLogInterface* logger) { m_pLogger = logger; } ///< must outlive the socket; may be null
     void SetEventHandler(VKioSocketEventHandler* handler) { m_pEventHandler = handler; }
     VKioSocketEventHandler* GetEventHandler() const { return m_pEventHandler; }
-    int GetSocket() const { return m_iSocket; } ///< -1 when there is none
+    int GetSocket() const { return m_iSocket; }                ///< -1 when there is none
     time_t GetLastActiveTime() const { return m_tLastActive; } ///< of the last connect, read or write; 0 before
     const std::string& GetRemoteAddress() const { return m_strRemoteAddress; }
     bool SetNonBlockingMode(bool nonBlocking);

@@ -83,8 +83,9 @@ void HttpServer::Serve(LoopbackServer::Peer& peer)
         peer.AwaitClose();
         return;
     }
-    std::string text = "HTTP/1.1 " + std::to_string(response.status) + " Status\r\nConnection: close\r\nContent-Length: " +
-                       std::to_string(response.body.size()) + "\r\n";
+    std::string text = "HTTP/1.1 " + std::to_string(response.status) +
+                       " Status\r\nConnection: close\r\nContent-Length: " + std::to_string(response.body.size()) +
+                       "\r\n";
     for (const std::string& header : response.headers)
         text += header + "\r\n";
     peer.Write(text + "\r\n" + response.body);

@@ -39,9 +39,9 @@ public:
         BIO_free(memory);
         const std::string signature = EVP_PKEY_is_a(key, "EC") ? Der() : m_signature;
         EVP_MD_CTX* const context = EVP_MD_CTX_new();
-        const bool good = EVP_DigestVerifyInit(context, nullptr, EVP_sha256(), nullptr, key) == 1 &&
-                          EVP_DigestVerify(context, Bytes(signature), signature.size(), Bytes(m_signed),
-                                           m_signed.size()) == 1;
+        const bool good =
+            EVP_DigestVerifyInit(context, nullptr, EVP_sha256(), nullptr, key) == 1 &&
+            EVP_DigestVerify(context, Bytes(signature), signature.size(), Bytes(m_signed), m_signed.size()) == 1;
         EVP_MD_CTX_free(context);
         EVP_PKEY_free(key);
         return good;
@@ -74,8 +74,8 @@ private:
         const std::size_t padding = (4 - text.size() % 4) % 4;
         text.append(padding, '=');
         std::string bytes(text.size(), '\0');
-        const int size = EVP_DecodeBlock(reinterpret_cast<unsigned char*>(bytes.data()), Bytes(text),
-                                         static_cast<int>(text.size()));
+        const int size =
+            EVP_DecodeBlock(reinterpret_cast<unsigned char*>(bytes.data()), Bytes(text), static_cast<int>(text.size()));
         bytes.resize(size < 0 ? 0 : static_cast<std::size_t>(size) - padding);
         return bytes;
     }

@@ -30,8 +30,8 @@ std::string LoopbackServer::Peer::Read(std::size_t size)
     std::string data(size, '\0');
     if ((!m_ssl || SSL_pending(m_ssl) == 0) && !AwaitReadable())
         return {};
-    const ssize_t count = m_ssl ? SSL_read(m_ssl, data.data(), static_cast<int>(size))
-                                : recv(m_socket, data.data(), size, 0);
+    const ssize_t count =
+        m_ssl ? SSL_read(m_ssl, data.data(), static_cast<int>(size)) : recv(m_socket, data.data(), size, 0);
     data.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
     return data;
 }

@@ -31,8 +31,7 @@ public:
                    const std::string& subjectAltNames = "DNS:localhost,IP:127.0.0.1");
 
 private:
-    template <class T>
-    using Owned = std::unique_ptr<T, void (*)(T*)>;
+    template <class T> using Owned = std::unique_ptr<T, void (*)(T*)>;
 
     std::string WriteKey(const std::string& name, EVP_PKEY* key, const std::string& passPhrase);
     std::string WriteCertificate(const std::string& name, X509* certificate);

@@ -57,12 +57,11 @@ struct PushService
 {
     const char* name;
     std::unique_ptr<VKPushNotifierIface> (*make)();
-    bool (*send)(VKMXPEventNotifier& self, VKPushNotifierIface& notifier, const std::string& deviceId,
-                 int waitingCount, const std::string& text, int timeToLive);
+    bool (*send)(VKMXPEventNotifier& self, VKPushNotifierIface& notifier, const std::string& deviceId, int waitingCount,
+                 const std::string& text, int timeToLive);
 };
 
-template <class Notifier>
-constexpr PushService Service(const char* name)
+template <class Notifier> constexpr PushService Service(const char* name)
 {
     return {name, []() -> std::unique_ptr<VKPushNotifierIface> { return std::make_unique<Notifier>(); },
             [](VKMXPEventNotifier& self, VKPushNotifierIface& notifier, const std::string& deviceId, int waitingCount,
@@ -204,9 +203,8 @@ bool VKMXPEventNotifier::SendNotificationForWaitingMsgs(VKPushNotifierImplAPNS& 
     return false;
 }
 
-bool VKMXPEventNotifier::SendNotificationForWaitingMsgs(VKPushNotifierImplAPNS2& notifier,
-                                                        const std::string& deviceId, int waitingCount,
-                                                        const std::string& text, int timeToLive)
+bool VKMXPEventNotifier::SendNotificationForWaitingMsgs(VKPushNotifierImplAPNS2& notifier, const std::string& deviceId,
+                                                        int waitingCount, const std::string& text, int timeToLive)
 {
     const DeviceId device = SplitDeviceId(deviceId);
     VKPushNotifierImplAPNS::Notification notification = AppleNotification(device, waitingCount, text);

@@ -52,12 +52,12 @@ public:
     bool SendNotificationForWaitingMsgs(const std::string& service, VKPushNotifierIface* notifier,
                                         const std::string& deviceId, int waitingCount, const std::string& text,
                                         int timeToLive);
-    bool SendNotificationForWaitingMsgs(VKPushNotifierImplAPNS& notifier, const std::string& deviceId,
-                                        int waitingCount, const std::string& text, int timeToLive);
+    bool SendNotificationForWaitingMsgs(VKPushNotifierImplAPNS& notifier, const std::string& deviceId, int waitingCount,
+                                        const std::string& text, int timeToLive);
     bool SendNotificationForWaitingMsgs(VKPushNotifierImplAPNS2& notifier, const std::string& deviceId,
                                         int waitingCount, const std::string& text, int timeToLive);
-    bool SendNotificationForWaitingMsgs(VKPushNotifierImplGCMS& notifier, const std::string& deviceId,
-                                        int waitingCount, const std::string& text, int timeToLive);
+    bool SendNotificationForWaitingMsgs(VKPushNotifierImplGCMS& notifier, const std::string& deviceId, int waitingCount,
+                                        const std::string& text, int timeToLive);
     bool SendNotificationForWaitingMsgs(VKPushNotifierImplFCM& notifier, const std::string& deviceId, int waitingCount,
                                         const std::string& text, int timeToLive);
 

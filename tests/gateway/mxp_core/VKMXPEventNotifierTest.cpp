@@ -79,12 +79,14 @@ TEST_F(VKMXPEventNotifierTest, SendsProfileCountAndText)
         int timeToLive;
         const char* request;
     } cases[] = {
-        {"me@t@x", 5, R"({"data":{"num_pending_messages":1,"profile_id":"me","push_message":"There is a new message )"
-                     R"(waiting in the server queue. Kindly login to fetch this message. S"},)"
-                     R"("registration_ids":["t@x"],"time_to_live":5})"},
-        {"@t", 0, R"({"data":{"num_pending_messages":1,"push_message":"There is a new message )"
-                  R"(waiting in the server queue. Kindly login to fetch this message. S"},)"
-                  R"("registration_ids":["t"]})"},
+        {"me@t@x", 5,
+         R"({"data":{"num_pending_messages":1,"profile_id":"me","push_message":"There is a new message )"
+         R"(waiting in the server queue. Kindly login to fetch this message. S"},)"
+         R"("registration_ids":["t@x"],"time_to_live":5})"},
+        {"@t", 0,
+         R"({"data":{"num_pending_messages":1,"push_message":"There is a new message )"
+         R"(waiting in the server queue. Kindly login to fetch this message. S"},)"
+         R"("registration_ids":["t"]})"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(Push("gcms", c.deviceId, 1, "S", c.timeToLive), 1);

@@ -129,7 +129,8 @@ TEST_F(PushApns2Test, TellsADeadTokenFromEveryOtherRefusal)
         bool dead;
         const char* log;
     } cases[] = {
-        {410, R"({"reason":"Unregistered","timestamp":1})", true, "APNS2 says that the device token 'AB12' is dead: 'Unregistered'."},
+        {410, R"({"reason":"Unregistered","timestamp":1})", true,
+         "APNS2 says that the device token 'AB12' is dead: 'Unregistered'."},
         {400, R"({"reason":"BadDeviceToken"})", false, "refused the notification. Code: 400, reason:'BadDeviceToken'."},
         {401, "no json", false, "refused the notification. Code: 401, reason:''."},
         {403, R"({"reason":"InvalidProviderToken"})", false, "Code: 403, reason:'InvalidProviderToken'."},

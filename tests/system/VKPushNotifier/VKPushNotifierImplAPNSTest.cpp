@@ -26,10 +26,7 @@ Notification Saying(const std::string& body)
 }
 
 /// A notification whose payload has exactly that many bytes.
-Notification OfSize(std::size_t size)
-{
-    return Saying(std::string(size - vk::ApnsPayload(Saying("")).size(), 'x'));
-}
+Notification OfSize(std::size_t size) { return Saying(std::string(size - vk::ApnsPayload(Saying("")).size(), 'x')); }
 
 std::string ErrorFrame(int code, std::size_t size)
 {
@@ -46,9 +43,8 @@ public:
     using Reaction = std::function<bool(Peer&, int)>;
 
     Gateway(vktest::TestAuthority& authority, Reaction reaction)
-        : m_reaction(std::move(reaction)),
-          m_server([this](Peer& peer) { Serve(peer); },
-                   LoopbackServer::Tls{authority.Issue("gateway"), authority.Bundle()})
+        : m_reaction(std::move(reaction)), m_server([this](Peer& peer) { Serve(peer); },
+                                                    LoopbackServer::Tls{authority.Issue("gateway"), authority.Bundle()})
     {
     }
 
@@ -162,10 +158,18 @@ TEST_F(PushApnsTest, TellsEachRefusalAndBeginsANewSessionAfterIt)
         int code;
         const char* words;
         std::size_t size;
-    } cases[] = {{0, "No errors encountered", 6}, {1, "Processing error", 7},      {2, "Missing device token", 6},
-                 {3, "Missing topic", 7},         {4, "Missing payload", 6},       {5, "Invalid token size", 6},
-                 {6, "Invalid topic size", 6},    {7, "Invalid payload size", 7},  {8, "Invalid token", 6},
-                 {9, "Undefined.", 6},            {10, "Shutdown", 6},             {255, "Undefined.", 6}};
+    } cases[] = {{0, "No errors encountered", 6},
+                 {1, "Processing error", 7},
+                 {2, "Missing device token", 6},
+                 {3, "Missing topic", 7},
+                 {4, "Missing payload", 6},
+                 {5, "Invalid token size", 6},
+                 {6, "Invalid topic size", 6},
+                 {7, "Invalid payload size", 7},
+                 {8, "Invalid token", 6},
+                 {9, "Undefined.", 6},
+                 {10, "Shutdown", 6},
+                 {255, "Undefined.", 6}};
     Gateway gateway(m_authority, [&](Peer& peer, int number) {
         peer.Write(ErrorFrame(cases[number - 1].code, cases[number - 1].size));
         return false;
@@ -329,7 +333,8 @@ TEST(ApnsPayload, TakesTheShortestFormThatSaysAll)
              n.custom["aps"] = "not in its place";
          },
          R"({"a":1,"aps":{"alert":"b","badge":0}})"},
-        {[](Notification& n) { n.aps.alert.body = "\xC3\xA9\xFF"; }, "{\"aps\":{\"alert\":\"\\u00e9\\ufffd\",\"badge\":0}}"},
+        {[](Notification& n) { n.aps.alert.body = "\xC3\xA9\xFF"; },
+         "{\"aps\":{\"alert\":\"\\u00e9\\ufffd\",\"badge\":0}}"},
     };
     for (const auto& c : cases) {
         Notification notification = Saying("b");

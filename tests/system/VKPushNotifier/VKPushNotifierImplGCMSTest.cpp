@@ -48,8 +48,11 @@ protected:
 TEST_F(PushGcmsTest, PostsTheNotificationWithTheKeyInAHeader)
 {
     vktest::TestAuthority stranger;
-    HttpServer server([](const Request&) { return Response{200, R"({"success":1})"}; },
-                      vktest::LoopbackServer::Tls{stranger.Issue("unknown", "", "DNS:elsewhere")});
+    HttpServer server(
+        [](const Request&) {
+            return Response{200, R"({"success":1})"};
+        },
+        vktest::LoopbackServer::Tls{stranger.Issue("unknown", "", "DNS:elsewhere")});
     Use(server.Url("/gcm/send"));
     EXPECT_TRUE(Send());
     Request last = server.Last();

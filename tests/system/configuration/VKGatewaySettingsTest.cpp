@@ -141,8 +141,7 @@ TEST_F(GatewaySettingsTest, WritesWhatItReadsAndKeepsWhatItDoesNotKnow)
 }
 
 /// Every row of a table is set to something of its own; what comes back must be the same.
-template <class Table, class Record>
-void FillAll(const Table& table, Record& record)
+template <class Table, class Record> void FillAll(const Table& table, Record& record)
 {
     int number = 100;
     vk::ForEachField(table, [&](const auto& row) {
@@ -157,8 +156,7 @@ void FillAll(const Table& table, Record& record)
     });
 }
 
-template <class Table, class Record>
-void ExpectSame(const Table& table, Record& one, Record& other)
+template <class Table, class Record> void ExpectSame(const Table& table, Record& one, Record& other)
 {
     vk::ForEachField(table, [&](const auto& row) {
         using Value = typename std::decay_t<decltype(row)>::Value;
@@ -183,8 +181,7 @@ TEST_F(GatewaySettingsTest, EveryValueComesBackFromANewFile)
     VKXMPPGatewaySettings* readGateway = configuration.getXMPPGatewaySettings(true);
     ASSERT_NE(readGateway, nullptr) << configuration.getGatewaySettingsError();
     ExpectSame(vk::settings::kXMPPGatewayFields, gateway, *readGateway);
-    EXPECT_THAT(root.Read("config/xmppgateway_config.xml"),
-                HasSubstr("<greetings-msg enable=\"true\">text"));
+    EXPECT_THAT(root.Read("config/xmppgateway_config.xml"), HasSubstr("<greetings-msg enable=\"true\">text"));
 }
 
 TEST_F(GatewaySettingsTest, TheManualsExampleIsGood)

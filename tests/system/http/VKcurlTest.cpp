@@ -156,10 +156,8 @@ TEST_F(VKcurlServiceTest, SendsEachMethodWithItsOwnShape)
         VKcurlService::HttpMethType method;
         const char *name, *target, *body;
     } cases[] = {
-        {VKcurlService::GET, "GET", "/x?q=a%20b&n=1", ""},
-        {VKcurlService::POST, "POST", "/x", "q=a%20b&n=1"},
-        {VKcurlService::PUT, "PUT", "/x", "q=a%20b&n=1"},
-        {VKcurlService::DELETE, "DELETE", "/x?q=a%20b&n=1", ""},
+        {VKcurlService::GET, "GET", "/x?q=a%20b&n=1", ""}, {VKcurlService::POST, "POST", "/x", "q=a%20b&n=1"},
+        {VKcurlService::PUT, "PUT", "/x", "q=a%20b&n=1"},  {VKcurlService::DELETE, "DELETE", "/x?q=a%20b&n=1", ""},
         {VKcurlService::GET, "GET", "/x?q=a%20b&n=1", ""},
     };
     for (const auto& c : cases) {

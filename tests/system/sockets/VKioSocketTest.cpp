@@ -244,8 +244,7 @@ TEST_F(VKioSSLClientSocketTest, ASilentHandshakeEndsAfterTenSeconds)
     VKioSSLClientSocket socket;
     socket.Connect("127.0.0.1", silent.Port());
     const long ms = MsOf([&] {
-        EXPECT_EQ(MessageOf([&] { socket.StartSSL(); }),
-                  "SSL: SSL Connect Failed. Details: The peer says nothing");
+        EXPECT_EQ(MessageOf([&] { socket.StartSSL(); }), "SSL: SSL Connect Failed. Details: The peer says nothing");
     });
     EXPECT_GE(ms, 9900);
     EXPECT_LT(ms, 15000);
