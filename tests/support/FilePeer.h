@@ -6,20 +6,23 @@
 #include "VKMXPTlsOpenSsl.h"
 #include "VKMXPTrafficWait.h"
 
+#include <gloox/bytestream.h>
 #include <gloox/client.h>
 #include <gloox/connectionlistener.h>
 #include <gloox/disco.h>
-#include <gloox/error.h>
+#include <gloox/message.h>
 #include <gloox/siprofileft.h>
 
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <filesystem>
+#include <map>
 #include <mutex>
-#include <optional>
+#include <set>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 /// A mobile client that takes files and can send some, on a thread of its own.
@@ -53,7 +56,8 @@ public:
         m_client.registerConnectionListener(this);
         if (streamTypes != 0)
             m_receiver = std::make_unique<Receiver>(*this);
-        if (streamTypes == kSocks5)
+        m_sender = std::make_unique<Sender>(*this);
+        if ((streamTypes & kInBand) == 0) // each profile announces itself
             m_client.disco()->removeFeature(gloox::XMLNS_SI_FT);
         m_thread = std::thread([this] { Run(); });
     }
@@ -77,6 +81,25 @@ public:
         std::unique_lock<std::mutex> lock(m_guard);
         m_changed.wait_for(lock, limit, [&] { return m_got.size() >= count; });
         return m_got;
+    }
+
+    /// Offers a file in-band; from any thread.
+    void Offer(const std::string& to, const std::string& name, const std::string& content, const std::string& packetId)
+    {
+        const std::lock_guard<std::mutex> lock(m_guard);
+        m_offers.push_back({to, name, content, packetId});
+        m_traffic.Wake();
+    }
+
+    /// Sends a message with this body; from any thread.
+    void Say(const std::string& to, const std::string& body) { Offer(to, "", body, ""); }
+
+    /// How many of its offers were sent to the end.
+    int WaitUntilSent(int count)
+    {
+        std::unique_lock<std::mutex> lock(m_guard);
+        m_changed.wait_for(lock, std::chrono::seconds(20), [&] { return m_sent >= count; });
+        return m_sent;
     }
 
     /// From the next offer on.
@@ -123,6 +146,81 @@ private:
         int m_count = 0;
     };
 
+    struct Outgoing
+    {
+        std::string to, name, content, packetId;
+    };
+
+    /// Sends the one file that is on offer in a single stream.
+    class Sender : public gloox::SIProfileFTHandler, public gloox::BytestreamDataHandler
+    {
+    public:
+        explicit Sender(FilePeer& peer) : m_peer(peer), m_profile(&peer.m_client, this) {}
+        void Offer(const Outgoing& file)
+        {
+            m_contents[m_profile.requestFT(gloox::JID(file.to), file.name, static_cast<long>(file.content.size()), "",
+                                           file.packetId, "", "", gloox::SIProfileFT::FTTypeIBB)] = file.content;
+        }
+        void handleFTBytestream(gloox::Bytestream* stream) override
+        {
+            stream->registerBytestreamDataHandler(this);
+            stream->connect();
+        }
+        /// A stream takes data only when this has returned.
+        void handleBytestreamOpen(gloox::Bytestream* stream) override { m_opened.push_back(stream); }
+        void SendOpened()
+        {
+            for (gloox::Bytestream* stream : std::exchange(m_opened, {})) {
+                stream->send(m_contents[stream->sid()]);
+                stream->close();
+                const std::lock_guard<std::mutex> lock(m_peer.m_guard);
+                ++m_peer.m_sent;
+                m_peer.m_changed.notify_all();
+            }
+        }
+        void handleFTRequest(const gloox::JID&, const gloox::JID&, const std::string&, const std::string&, long,
+                             const std::string&, const std::string&, const std::string&, const std::string&,
+                             int) override
+        {
+        }
+        void handleFTRequestError(const gloox::IQ&, const std::string&) override {}
+        const std::string handleOOBRequestResult(const gloox::JID&, const gloox::JID&, const std::string&) override
+        {
+            return {};
+        }
+        void handleBytestreamData(gloox::Bytestream*, const std::string&) override {}
+        void handleBytestreamError(gloox::Bytestream*, const gloox::IQ&) override {}
+        void handleBytestreamClose(gloox::Bytestream* stream) override { m_ended.insert(stream); }
+        ~Sender() override
+        {
+            for (gloox::Bytestream* stream : m_ended)
+                m_profile.dispose(stream);
+        }
+
+    private:
+        FilePeer& m_peer;
+        gloox::SIProfileFT m_profile;
+        std::map<std::string, std::string> m_contents;
+        std::vector<gloox::Bytestream*> m_opened;
+        std::set<gloox::Bytestream*> m_ended;
+    };
+
+    void SendWaiting()
+    {
+        std::vector<Outgoing> offers;
+        {
+            const std::lock_guard<std::mutex> lock(m_guard);
+            if (m_online)
+                offers.swap(m_offers);
+        }
+        for (const Outgoing& each : offers)
+            if (each.name.empty())
+                m_client.send(gloox::Message(gloox::Message::Chat, gloox::JID(each.to), each.content));
+            else
+                m_sender->Offer(each);
+        m_sender->SendOpened();
+    }
+
     void onConnect() override
     {
         const std::lock_guard<std::mutex> lock(m_guard);
@@ -141,9 +239,11 @@ private:
                 m_receiver->Pump();
             else if (m_receiver && !m_opened)
                 PumpUntilOpen();
+            SendWaiting();
             m_traffic.Wait(m_manner == Manner::ReadNothing ? 20 : 1000);
         }
         m_receiver.reset();
+        m_sender.reset();
         m_client.disconnect();
     }
 
@@ -161,11 +261,14 @@ private:
     gloox::Client m_client;
     VKMXPTcpSocket* m_socket = nullptr;
     std::unique_ptr<Receiver> m_receiver;
+    std::unique_ptr<Sender> m_sender; ///< made behind the receiver, which is asked first then
     bool m_opened = false;
     std::atomic<bool> m_stop{false};
     std::mutex m_guard; ///< guards what follows
     std::condition_variable m_changed;
     bool m_online = false;
     std::vector<Got> m_got;
+    std::vector<Outgoing> m_offers;
+    int m_sent = 0;
     std::thread m_thread;
 };

@@ -101,7 +101,10 @@ void FileReceiver::handleFTRequest(const gloox::JID& from, const gloox::JID& to,
 {
     const int common = streamTypes & m_streamTypes;
     const Key key = KeyOf(sid, from);
-    if (common == 0 || size < 0 || m_files.size() >= kMostFiles || m_files.count(key) != 0) {
+    // The library tells streams apart by their id alone, whoever sends on them: an id belongs to one peer at a time.
+    const auto sameId = m_files.lower_bound(sid + '\n');
+    const bool taken = sameId != m_files.end() && sameId->first.compare(0, sid.size() + 1, sid + '\n') == 0;
+    if (common == 0 || size < 0 || m_files.size() >= kMostFiles || taken) {
         m_profile->declineFT(from, sid,
                              common == 0 ? gloox::SIManager::NoValidStreams : gloox::SIManager::RequestRejected);
         return;

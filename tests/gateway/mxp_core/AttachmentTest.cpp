@@ -238,4 +238,181 @@ INSTANTIATE_TEST_SUITE_P(Files, AttachmentRoads,
                                            Road{"InBandWithoutStreamHost", kBoth, false, true}),
                          [](const auto& info) { return std::string(info.param.name); });
 
+struct Fault
+{
+    const char* name;
+    Manner manner;
+    int peer;
+    bool streamHost;
+    const char* error;
+    bool connectionEnds;
+};
+
+class AttachmentFaults : public Attachments, public ::testing::WithParamInterface<Fault>
+{
+};
+
+TEST_P(AttachmentFaults, AreReportedAndLeaveNothingBehind)
+{
+    const Fault& fault = GetParam();
+    FilePeer alice(s_server->Jid("alice") + "/mxp", s_server->Port(), fault.peer, fault.manner);
+    ASSERT_TRUE(alice.WaitUntilOnline());
+    Connect(fault.streamHost ? FreePort() : 0, 2);
+    SendFiles("broken", {MakeFile("plan", Random(16U << 20))});
+    const auto status = statuses.WaitFor("broken");
+    EXPECT_EQ(status.status, kFailed);
+    EXPECT_EQ(status.error, fault.error);
+    EXPECT_EQ(CopiesLeft(), fault.manner == Manner::Vanish && !fault.streamHost ? 1U : 0U);
+
+    const auto limit = Clock::now() + 10s;
+    while (fault.connectionEnds && manager->GetSession(s_server->Jid("alice"), "files") && Clock::now() < limit)
+        std::this_thread::sleep_for(1ms);
+    EXPECT_EQ(manager->GetSession(s_server->Jid("alice"), "files") == nullptr, fault.connectionEnds);
+    if (fault.connectionEnds)
+        return;
+    FilePeer bob(s_server->Jid("bob") + "/mxp", s_server->Port(), kBoth);
+    ASSERT_TRUE(bob.WaitUntilOnline());
+    SendFiles("whole", {MakeFile("other", "text")}, "bob");
+    EXPECT_EQ(statuses.WaitFor("whole").status, kSent) << "the connection goes on";
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Files, AttachmentFaults,
+    ::testing::Values(Fault{"Refused", Manner::Refuse, kBoth, true, "File Transfer Error.", false},
+                      Fault{"VanishedOverSocks5", Manner::Vanish, kBoth, true, "File Transfer Error.", false},
+                      Fault{"VanishedInBand", Manner::Vanish, kBoth, false, "File Transfer Error.", false},
+                      Fault{"NoAnswerToTheOffer", Manner::Silent, kBoth, true, "File Transfer Error.", true},
+                      Fault{"NothingRead", Manner::ReadNothing, kBoth, true, "File Transfer Error.", true},
+                      Fault{"NoCommonStream", Manner::Accept, FilePeer::kSocks5, false, "Disconnection Error.", false}),
+    [](const auto& info) { return std::string(info.param.name); });
+
+TEST_F(Attachments, HoldUpNobodyElseWhileTheyCannotGo)
+{
+    FilePeer bob(s_server->Jid("bob") + "/mxp", s_server->Port(), kBoth);
+    ASSERT_TRUE(bob.WaitUntilOnline());
+    int held = -1;
+    Connect(FreePort(&held)); // the stream host's port is taken: in-band remains
+    EXPECT_TRUE(s_logger.Has("Socks5 Bytestream Server listening on port ["));
+    SendFiles("offline", {MakeFile("a", "a")}, "alice"); // no device that could answer disco
+    SendFiles("1 missing", {(files.Path() / "later").string()}, "bob");
+    SendFiles("2 behind", {MakeFile("b", "b")}, "bob");
+    FilePeer none(s_server->Jid("alice") + "/mxp", s_server->Port(), 0);
+    ASSERT_TRUE(none.WaitUntilOnline());
+    SendFiles("no features", {MakeFile("c", "c")}, "alice");
+    const auto limit = Clock::now() + 10s;
+    while (!s_logger.Has("File transfer not supported.") && Clock::now() < limit)
+        std::this_thread::sleep_for(1ms);
+    EXPECT_TRUE(s_logger.Has("File transfer not supported."));
+    EXPECT_TRUE(bob.WaitForFiles(1, 1s).empty()) << "what one peer gets keeps its order";
+
+    MakeFile("later", "here it is");
+    EXPECT_EQ(statuses.WaitFor("1 missing").status, kSent);
+    EXPECT_EQ(statuses.WaitFor("2 behind").status, kSent);
+    const auto got = bob.WaitForFiles(2);
+    ASSERT_EQ(got.size(), 2U);
+    EXPECT_EQ(Decrypted(got[0]), "here it is");
+    EXPECT_FALSE(statuses.Has("no features")) << "its message stays as it was";
+    ::close(held);
+}
+
+TEST_F(Attachments, AreReportedWhenTheirConnectionEnds)
+{
+    Connect(0);
+    SendFiles("unsent", {MakeFile("a", "a")}, "bob");
+    const auto limit = Clock::now() + 10s;
+    while (!s_logger.Has("Disco error from [" + s_server->Jid("bob")) && Clock::now() < limit)
+        std::this_thread::sleep_for(1ms);
+    ASSERT_TRUE(manager->TerminateC2SConnection("files"));
+    ASSERT_TRUE(statuses.Has("unsent"));
+    EXPECT_EQ(statuses.WaitFor("unsent").error, "Disconnection Error.");
+}
+
+std::size_t Entries(const char* directory)
+{
+    const std::filesystem::directory_iterator first(directory);
+    return static_cast<std::size_t>(std::distance(begin(first), end(first)));
+}
+
+TEST_F(Attachments, FollowEachOtherWithoutAPauseAndLeakNothing)
+{
+    constexpr int kTransfers = 100;
+    FilePeer alice(s_server->Jid("alice") + "/mxp", s_server->Port(), kBoth);
+    ASSERT_TRUE(alice.WaitUntilOnline());
+    Connect(FreePort());
+    const std::string path = MakeFile("plan", Random(20000));
+    SendFiles("first", {path});
+    ASSERT_EQ(statuses.WaitFor("first").status, kSent);
+    alice.WaitForFiles(1);
+    const std::size_t descriptors = Entries("/proc/self/fd");
+    const std::size_t threads = Entries("/proc/self/task");
+    for (int i = 0; i < kTransfers; ++i)
+        SendFiles(std::to_string(1000 + i), {path});
+    const auto got = alice.WaitForFiles(kTransfers + 1, 60s);
+    ASSERT_EQ(got.size(), kTransfers + 1U);
+    for (std::size_t i = 2; i < got.size(); ++i)
+        EXPECT_EQ(got[i].packetId, std::to_string(999 + i)) << "in their order";
+    EXPECT_LT(got.back().when - got[1].when, kTransfers * 100ms);
+    EXPECT_EQ(statuses.WaitFor(std::to_string(999 + kTransfers)).status, kSent);
+    alice.Say("nobody@localhost", "wakes the peer");
+    const auto limit = Clock::now() + 10s;
+    while (Entries("/proc/self/fd") > descriptors && Clock::now() < limit)
+        std::this_thread::sleep_for(1ms);
+    EXPECT_LE(Entries("/proc/self/fd"), descriptors);
+    EXPECT_EQ(Entries("/proc/self/task"), threads);
+    EXPECT_FALSE(s_logger.Has("key-of-")) << "keys never reach a log";
+}
+
+TEST_F(Attachments, OfferedToTheServerStayInTheReceiveDirectory)
+{
+    const std::filesystem::path directory =
+        std::filesystem::path(VKConfiguration::getVKConfiguration()->getTempDirectory(false)) / "received_files";
+    FilePeer alice(s_server->Jid("alice") + "/mxp", s_server->Port(), kBoth);
+    FilePeer bob(s_server->Jid("bob") + "/mxp", s_server->Port(), kBoth);
+    ASSERT_TRUE(alice.WaitUntilOnline());
+    ASSERT_TRUE(bob.WaitUntilOnline());
+    Connect(0);
+    const std::string server = s_server->Jid("server") + "/vk";
+    const std::string names[] = {"../../x", "/etc/passwd", "..", "C:\\boot.ini", "tab\tbed", std::string(300, 'n') + ".pdf"};
+    for (std::size_t i = 0; i < std::size(names); ++i)
+        alice.Offer(server, names[i], "content of " + std::to_string(i), "packet " + std::to_string(i));
+    const auto arrived = [&](std::size_t packet, VKMXPCoreManager::FileList& list) {
+        const auto limit = Clock::now() + 10s;
+        while (!manager->GetAttachedFiles("files", "packet " + std::to_string(packet), list) && Clock::now() < limit)
+            std::this_thread::sleep_for(1ms);
+        return !list.empty();
+    };
+    for (std::size_t i = 1; i < std::size(names); ++i) {
+        VKMXPCoreManager::FileList list;
+        ASSERT_TRUE(arrived(i, list)) << names[i];
+        EXPECT_EQ(std::filesystem::path(list[0].first).parent_path(), directory) << names[i];
+        std::ifstream stream(list[0].first);
+        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(stream), {}), "content of " + std::to_string(i));
+    }
+    VKMXPCoreManager::FileList both;
+    EXPECT_TRUE(arrived(0, both));
+    bob.Offer(server, "x", "of another client", "packet 0");
+    EXPECT_EQ(bob.WaitUntilSent(1), 1);
+    const auto limit = Clock::now() + 10s;
+    while (manager->GetAttachedFiles("files", "packet 0", both) && Clock::now() < limit)
+        std::this_thread::sleep_for(1ms);
+    EXPECT_FALSE(manager->GetAttachedFiles("files", "packet 0", both)) << "two clients used this id";
+    EXPECT_EQ(Entries(directory.c_str()), std::size(names) + 1) << "nobody's file overwrites another's";
+}
+
+TEST(SafeFileName, NeverNamesAnythingElsewhere)
+{
+    const std::pair<const char*, const char*> names[] = {
+        {"plan.pdf", "plan.pdf"}, {"../../x", "x"},        {"/etc/passwd", "passwd"}, {"..\\..\\boot.ini", "boot.ini"},
+        {"..", "file"},           {"dir/", "file"},        {"", "file"},              {".", "file"},
+        {"a\tb\x7f", "ab"},       {".hidden", ".hidden"},
+    };
+    for (const auto& [offered, safe] : names)
+        EXPECT_EQ(vk::SafeFileName(offered), safe) << offered;
+    EXPECT_EQ(vk::SafeFileName(std::string(300, 'n') + ".pdf").size(), 200U);
+    std::string umlauts;
+    for (int i = 0; i < 150; ++i)
+        umlauts += "\u00e4";
+    EXPECT_EQ(vk::SafeFileName("x" + umlauts).size(), 199U) << "never cut within a character";
+}
+
 } // namespace
