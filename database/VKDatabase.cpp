@@ -3,6 +3,7 @@
 #include "VKConfiguration.h"
 #include "VKDBexception.h"
 #include "VKDBiDepartment.h"
+#include "VKDBiMessageQueue.h"
 #include "VKDBiReceiver.h"
 #include "VKDatabaseMultiThreaded.h"
 
@@ -130,7 +131,7 @@ void VKDatabase::SetLastError(const std::string& text)
     m_strLastError = text;
 }
 
-template <class Entity> Entity* VKDatabase::ObjectOf(const std::string& key)
+template <class Entity, class... Keys> Entity* VKDatabase::ObjectOf(const std::string& key, const Keys&... keys)
 {
     SetLastError("");
     if (!EnsureOpen())
@@ -141,7 +142,7 @@ template <class Entity> Entity* VKDatabase::ObjectOf(const std::string& key)
             object = static_cast<Entity*>(getCacheLine(key)->get());
         if (object == nullptr) {
             preprocessDbSystem();
-            object = Entity::CreateInstance(&m_dbSystem);
+            object = Entity::CreateInstance(&m_dbSystem, keys...);
         }
         setCacheLine(key, object);
         object->ClearFilter(); // no caller inherits another one's filter
@@ -155,6 +156,17 @@ template <class Entity> Entity* VKDatabase::ObjectOf(const std::string& key)
 
 VKDBiDepartment* VKDatabase::getVKDBiDepartmentObject() { return ObjectOf<VKDBiDepartment>("VKDBiDepartment"); }
 VKDBiReceiver* VKDatabase::getVKDBiReceiverObject() { return ObjectOf<VKDBiReceiver>("VKDBiReceiver"); }
+
+VKDBiMessageQueue* VKDatabase::getVKDBiMessageQueueObject(int queueNumber)
+{
+    return ObjectOf<VKDBiMessageQueue>("VKDBiMessageQueue_" + std::to_string(queueNumber), queueNumber, std::string());
+}
+
+VKDBiMessageQueue* VKDatabase::getVKDBiMessageQueueObject(int queueNumber, const std::string& serviceName)
+{
+    return ObjectOf<VKDBiMessageQueue>("VKDBiMessageQueue_" + std::to_string(queueNumber) + "_" + serviceName,
+                                       queueNumber, serviceName);
+}
 
 void VKDatabase::preprocessDbSystem() {}
 void VKDatabase::resetCache() { m_cache.clear(); }

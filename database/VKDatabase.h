@@ -11,6 +11,7 @@
 
 class VKConfiguration;
 class VKDBiDepartment;
+class VKDBiMessageQueue;
 class VKDBiReceiver;
 class VKsysEventLogInterface;
 
@@ -66,6 +67,9 @@ public:
     // The factory: null when the database or the entity's file cannot be opened, with the reason in getLastErrorString.
     VKDBiDepartment* getVKDBiDepartmentObject();
     VKDBiReceiver* getVKDBiReceiverObject();
+    /// One for each queue number, or for each queue number and service.
+    VKDBiMessageQueue* getVKDBiMessageQueueObject(int queueNumber);
+    VKDBiMessageQueue* getVKDBiMessageQueueObject(int queueNumber, const std::string& serviceName);
 
 protected:
     VKDatabase(VKsysEventLogInterface* eventLog, bool multiThreaded);
@@ -81,7 +85,7 @@ protected:
     Cache TakeOld(Cache& cache) const;
 
 private:
-    template <class Entity> Entity* ObjectOf(const std::string& key);
+    template <class Entity, class... Keys> Entity* ObjectOf(const std::string& key, const Keys&... keys);
     bool OpenLocked();
     bool EnsureOpen();
     void SetLastError(const std::string& text);

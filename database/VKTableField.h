@@ -29,6 +29,12 @@ struct DefaultZero
 {
 };
 
+/// The column's default, as it stands in SQL.
+struct SqlDefault
+{
+    const char* literal;
+};
+
 /// Written when the row is added and left alone when it is changed.
 struct WrittenOnce
 {

@@ -5,6 +5,7 @@
 #include "VKDBexception.h"
 #include "VKDBsystem.h"
 #include "VKSQLite3Department.h"
+#include "VKSQLite3MessageQueue.h"
 #include "VKSQLite3Receiver.h"
 
 /// \file
@@ -35,4 +36,15 @@ VKDBiDepartment* VKDBiDepartment::CreateInstance(VKDBsystem* system)
 VKDBiReceiver* VKDBiReceiver::CreateInstance(VKDBsystem* system)
 {
     return MakeLayers<VKDBiReceiver, VKBALReceiver, VKSQLite3Receiver>(system);
+}
+
+/// The fax and voice queues, 6 and 7, are files on every installation. A queue has no validating layer.
+VKDBiMessageQueue* VKDBiMessageQueue::CreateInstance(VKDBsystem* system, int queueNumber, const std::string& serviceName)
+{
+    if (VKDBsystem::db_Type != DbTypeSdb && queueNumber != 6 && queueNumber != 7)
+        throw VKDBexception(vk::DbError::General, __FILE__, __LINE__,
+                            "The file database is not open, and there is no other one.");
+    auto queue = std::make_unique<VKSQLite3MessageQueue>(queueNumber, serviceName);
+    queue->Initialize(system);
+    return queue.release();
 }

@@ -1,5 +1,7 @@
 #include "VKSqlDialect.h"
 
+#include <algorithm>
+
 #include "VKRecordText.h"
 
 namespace vk {
@@ -18,6 +20,12 @@ std::string Escaped(std::string_view text, std::string_view escaped)
         out += c;
     }
     return out;
+}
+
+std::string WithAnyText(std::string pattern)
+{
+    std::replace(pattern.begin(), pattern.end(), '*', '%');
+    return pattern;
 }
 
 } // namespace
@@ -40,6 +48,23 @@ std::string SqlDialect::BeginsNoCase(std::string_view column, std::string_view t
 {
     RequireFits(text, std::string_view::npos, "a filter");
     return "UPPER(" + std::string(column) + ") LIKE UPPER('" + LikeText(text) + "%') ESCAPE '\\'";
+}
+
+std::string SqlDialect::Matches(std::string_view column, std::string_view pattern) const
+{
+    RequireFits(pattern, std::string_view::npos, "a filter");
+    return std::string(column) + " LIKE '" + WithAnyText(LikeText(pattern)) + "' ESCAPE '\\'";
+}
+
+std::string SqlDialect::MatchesNoCase(std::string_view column, std::string_view pattern) const
+{
+    RequireFits(pattern, std::string_view::npos, "a filter");
+    return "UPPER(" + std::string(column) + ") LIKE UPPER('" + WithAnyText(LikeText(pattern)) + "') ESCAPE '\\'";
+}
+
+std::string SqlDialect::WithFirstLetter(std::string_view column, char letter) const
+{
+    return Text({&letter, 1}) + "||substr(" + std::string(column) + ", 2)";
 }
 
 } // namespace vk

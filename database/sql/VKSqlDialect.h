@@ -33,6 +33,13 @@ public:
     /// A test that a column begins with a text, without regard to case.
     virtual std::string BeginsNoCase(std::string_view column, std::string_view text) const;
 
+    /// A test that a column matches a pattern in which "*" and "%" stand for any text.
+    virtual std::string Matches(std::string_view column, std::string_view pattern) const;
+    virtual std::string MatchesNoCase(std::string_view column, std::string_view pattern) const;
+
+    /// A column's text with another first letter.
+    virtual std::string WithFirstLetter(std::string_view column, char letter) const;
+
     /// One page of a query's rows: at most `size` of them, behind the first `offset`, in this order.
     virtual std::string Page(const std::string& query, const std::string& order, long size, long offset) const = 0;
 

@@ -55,6 +55,8 @@ template <class Row> std::string ColumnDefinition(const SqlDialect& dialect, con
         text += " NOT NULL";
     if (Row::template has<DefaultZero>)
         text += " DEFAULT '0'";
+    if constexpr (Row::template has<SqlDefault>)
+        text += std::string(" DEFAULT ") + field.template mark<SqlDefault>().literal;
     return text;
 }
 

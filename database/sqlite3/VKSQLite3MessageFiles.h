@@ -1,0 +1,70 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "VKMessageBodies.h"
+#include "VKMsgQueueFileOperations.h"
+
+namespace vk {
+
+/// The message files beside the rows of a file database, changed together with them.
+///
+/// Which order makes every crash point safe. A transaction's number is the database's user_version plus one; it is
+/// stored by the transaction itself. Under the write lock, in this order:
+///   1. the intent ("queue_metabase.sdb-intent") gets the number and, before each file change, a line that tells it;
+///   2. the file is changed; what would be lost by that is moved to a backup ("queue_metabase.sdb-undo-...") instead;
+///   3. the rows and the number are committed;
+///   4. the backups are deleted.
+/// A process that dies before 3 leaves rows as they were and the intent's number one above user_version: whoever has
+/// the lock next undoes the lines from last to first, before it looks at anything. A process that dies behind 3 leaves
+/// only backups, which go by the same intent. Every line can be undone twice and when its change never came, so dying
+/// while undoing is safe too. Readers take the write lock, so nobody sees the files in between.
+///
+/// The system may lose what it has not yet written to the disk when the machine itself fails (synchronous mode 0):
+/// a row that has no file then goes with the next read.
+class SQLite3MessageFiles final : public MessageBodies
+{
+public:
+    explicit SQLite3MessageFiles(VKMsgQueueFileOperations files);
+    ~SQLite3MessageFiles() override;
+
+    void Begin(SqlStore& store) override;
+    void Undo() noexcept override;
+    void Committed() noexcept override;
+
+    bool Exists(const std::string& name) override { return m_files.CheckExists(name); }
+    bool Load(const std::string& name, VK_MESSAGE_CONTENT* content) override;
+    void Write(const std::string& name, const VK_MESSAGE_CONTENT& content) override;
+    void Move(const std::string& oldName, const std::string& newName) override;
+    void Remove(const std::string& name) override;
+    void RemoveAll() override;
+    std::string Place() const override { return m_files.GetQueuePath(); }
+
+private:
+    /// One change of a file: what it was called, and what it is called now.
+    struct Change
+    {
+        enum Kind : char { Written = 'W', Renamed = 'N', BackedUp = 'B' } kind;
+        std::string from;
+        std::string to;
+    };
+
+    void Intend(Change change);
+    void BackUp(const std::string& name);
+    void ReadIntent();
+    void UndoChanges();
+    void DeleteBackups();
+    void Append(const std::string& line);
+    void OpenIntent();
+    void RequireDone(bool done, const char* what, const std::string& name) const;
+
+    VKMsgQueueFileOperations m_files;
+    SqlStore* m_store = nullptr; ///< of the running transaction
+    int m_iIntent = -1;          ///< descriptor of the intent; -1 until the first change or read
+    long m_lNumber = 0;          ///< of the running transaction, or of the intent that was read
+    bool m_bStarted = false;     ///< the intent holds the running transaction's number
+    std::vector<Change> m_changes;
+};
+
+} // namespace vk

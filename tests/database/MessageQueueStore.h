@@ -1,0 +1,82 @@
+#pragma once
+
+#include <memory>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "FileDatabase.h"
+#include "VKDBiMessageQueue.h"
+#include "VKRecordText.h"
+#include "VKSQLite3MessageQueue.h"
+
+/// Queues 1 to 10 in directories of their own.
+class MessageQueueStore : public FileDatabase
+{
+protected:
+    MessageQueueStore()
+    {
+        VK_DIRECTORY_PATH paths{};
+        auto* const slots = reinterpret_cast<char(*)[256]>(&paths);
+        for (int slot = 0; slot < 16; ++slot) {
+            const std::string path = dir / ("slot" + std::to_string(slot));
+            std::filesystem::create_directories(path);
+            vk::SetText(slots[slot], path, "path");
+        }
+        VKDBsystem::directory_Pathes = paths;
+    }
+
+    std::unique_ptr<VKDBiMessageQueue> Open(int number, const std::string& service = "svc")
+    {
+        return std::unique_ptr<VKDBiMessageQueue>(VKDBiMessageQueue::CreateInstance(&system, number, service));
+    }
+
+    static unsigned long Add(VKDBiMessageQueue& queue, const std::string& name, const std::string& body = "{}",
+                             const VK_MESSAGE_HEADER& header = {})
+    {
+        const auto empty = [](VK_MESSAGE_CONTENT* content) { EmptyMessageContent(content); };
+        VK_MESSAGE_CONTENT content;
+        const std::unique_ptr<VK_MESSAGE_CONTENT, decltype(empty)> guard(&content, empty);
+        content.header = header;
+        vk::SetText(content.header.msg_name, name, "msg_name");
+        AddMessageContent(&content, body);
+        queue.Add(&content);
+        return content.header.id;
+    }
+
+    static std::vector<std::string> Names(VKDBiMessageQueue& queue, bool ready = false)
+    {
+        VK_MESSAGE_HEADER_LIST list;
+        if (ready)
+            queue.GetReadyMsg(&list, false);
+        else
+            queue.Get(&list, false);
+        std::vector<std::string> names;
+        for (int i = 0; i < list.count; ++i)
+            names.push_back(list.list[i].msg_name);
+        EmptyMessageHeaderList(&list);
+        return names;
+    }
+    static std::vector<std::string> Ready(VKDBiMessageQueue& queue) { return Names(queue, true); }
+
+    static std::string Body(VKDBiMessageQueue& queue, const std::string& name)
+    {
+        VK_MESSAGE_CONTENT content;
+        const bool found = queue.GetByName(name, &content, true, true);
+        const std::string body = found ? std::string(content.body, content.length) : "(none)";
+        EmptyMessageContent(&content);
+        return body;
+    }
+
+    /// The message files of a queue: all but the queue's own.
+    static std::set<std::string> Files(VKDBiMessageQueue& queue)
+    {
+        std::set<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(queue.GetQueueName()))
+            if (const std::string name = entry.path().filename().string();
+                name != "queue_metabase.sdb" && name != "queue_metabase.sdb-intent" &&
+                name != "queue_metabase.sdb-journal")
+                names.insert(name);
+        return names;
+    }
+};

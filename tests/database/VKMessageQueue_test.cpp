@@ -1,0 +1,360 @@
+#include <gmock/gmock.h>
+
+#include "MessageQueueStore.h"
+#include "VKDatabase.h"
+#include "VKMessageName.h"
+#include "VKMsgQueueFileOperations.h"
+#include "VKSQLite3Database.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::UnorderedElementsAre;
+
+namespace {
+
+class VKMessageQueueTest : public MessageQueueStore
+{
+protected:
+    VKMessageQueueTest() : queue(Open(1)) {}
+
+    void Sql(const std::string& statement)
+    {
+        VKSQLite3Database file(queue->GetQueueName() + "/queue_metabase.sdb", true);
+        VKSQLite3ResultSet result;
+        file.CheckNCreateSchema();
+        ASSERT_TRUE(file.OpenDatabase(true));
+        file.ExecuteUpdateQuery(statement, result);
+    }
+
+    std::unique_ptr<VKDBiMessageQueue> queue;
+};
+
+/// A queue whose clock stands where the test puts it.
+class QueueAt : public VKSQLite3MessageQueue
+{
+public:
+    using VKSQLite3MessageQueue::VKSQLite3MessageQueue;
+    time_t now = time(nullptr);
+
+protected:
+    time_t Now() const override { return now; }
+};
+
+time_t LocalTime(int day, int hour, int minute)
+{
+    tm local{};
+    local.tm_year = 126;
+    local.tm_mon = 0;
+    local.tm_mday = day; // 2026-01-04 is a Sunday
+    local.tm_hour = hour;
+    local.tm_min = minute;
+    local.tm_isdst = -1;
+    return mktime(&local);
+}
+
+} // namespace
+
+TEST(VKMessageNameTest, PartsComeOutOfTheNameAndGoBack)
+{
+    const struct
+    {
+        const char* name;
+        char status;
+        int count;
+        const char* job;
+        const char* protocol;
+    } cases[] = {{"M.0.JOB17.mxp", 'M', 0, "JOB17", "mxp"},   {"Q.12.a.b.c.mxp", 'Q', 12, "a.b.c", "mxp"},
+                 {"M.JOB17.mxp", 'M', 0, "JOB17", "mxp"},     {"M.abc", 'M', 0, "abc", ""},
+                 {"M.99999999999.x.mxp", 'M', 0, "99999999999.x", "mxp"}, {"Mx1", 'M', 0, "", ""}};
+    for (const auto& one : cases) {
+        const vk::MessageName parts = vk::MessageName::Parse(one.name);
+        EXPECT_EQ(parts.status, one.status) << one.name;
+        EXPECT_EQ(parts.queryCount, one.count) << one.name;
+        EXPECT_EQ(parts.job, one.job) << one.name;
+        EXPECT_EQ(parts.protocol, one.protocol) << one.name;
+    }
+    EXPECT_EQ(vk::MessageName::Parse("Q.12.a.b.c.mxp").Text(), "Q.12.a.b.c.mxp");
+}
+
+TEST_F(VKMessageQueueTest, AddedMessageComesBackWholeAndASecondOfItsNameReplacesIt)
+{
+    VK_MESSAGE_HEADER header;
+    header.priority = 1;
+    header.expiry_time = 5;
+    header.schd_date_to_send = 7;
+    vk::SetText(header.pin, "o'neil_\\%@example.org", "pin");
+    const unsigned long first = Add(*queue, "M.0.J1.mxp", "one", header);
+    VK_MESSAGE_CONTENT content;
+    ASSERT_TRUE(queue->GetByName("M.0.J1.mxp", &content, true, true));
+    EXPECT_EQ(content.header.id, first);
+    EXPECT_STREQ(content.header.pin, header.pin);
+    EXPECT_EQ(content.header.priority, 1);
+    EXPECT_EQ(content.header.expiry_time, 5);
+    EXPECT_EQ(content.header.schd_date_to_send, 7);
+    EXPECT_STREQ(content.body, "one");
+    EmptyMessageContent(&content);
+
+    EXPECT_NE(Add(*queue, "M.0.J1.mxp", "two"), first);
+    EXPECT_EQ(queue->GetTotalRecordCount(), 1);
+    EXPECT_EQ(Body(*queue, "M.0.J1.mxp"), "two");
+    EXPECT_THAT(Files(*queue), ElementsAre("M.0.J1.mxp"));
+    EXPECT_FALSE(queue->IsUniqueName("M.0.J1.mxp"));
+    EXPECT_TRUE(queue->IsMsgExisting("M.0.J1.mxp"));
+}
+
+TEST_F(VKMessageQueueTest, NamesThatNoMessageMayHaveAreRefusedAndNothingIsStored)
+{
+    for (const std::string& name : {std::string(""), std::string("../x"), std::string("M.a/b"), std::string("M.\tx"),
+                                    std::string("lock"), std::string(".."), std::string("queue_metabase.sdb"),
+                                    "M.0." + std::string(70, 'j') + ".mxp", std::string("M.0.J.protocol-too-long-x")})
+        EXPECT_NE(ErrorOf([&] { Add(*queue, name); }), "") << name;
+    EXPECT_EQ(queue->GetTotalRecordCount(), 0);
+    EXPECT_THAT(Files(*queue), IsEmpty());
+    Add(*queue, "M.0.it's;--.mxp", "x");
+    EXPECT_EQ(Body(*queue, "M.0.it's;--.mxp"), "x");
+}
+
+TEST_F(VKMessageQueueTest, RenamingMovesRowAndFileTogether)
+{
+    Add(*queue, "M.0.J1.mxp", "body");
+    EXPECT_FALSE(queue->Morph("M", "Q.", false, 0));
+    EXPECT_FALSE(queue->Morph("Mx1", "Q.", false, 0));
+    EXPECT_FALSE(queue->Morph("M.0.gone.mxp", "Q.", false, 0));
+    EXPECT_TRUE(queue->Morph("M.0.J1.mxp", "Q.", true, 1234));
+    EXPECT_THAT(Files(*queue), ElementsAre("Q.0.J1.mxp"));
+    VK_MESSAGE_CONTENT content;
+    ASSERT_TRUE(queue->GetByName("Q.0.J1.mxp", &content, false, true));
+    EXPECT_EQ(content.header.last_modify_time, 1234);
+
+    vk::SetText(content.header.msg_name, "M.3.J1.mxp", "msg_name");
+    AddMessageContent(&content, "+");
+    EXPECT_TRUE(queue->Modify(&content, "Q.0.J1.mxp"));
+    EmptyMessageContent(&content);
+    EXPECT_THAT(Files(*queue), ElementsAre("M.3.J1.mxp"));
+    EXPECT_EQ(Body(*queue, "M.3.J1.mxp"), "body+");
+
+    EXPECT_TRUE(queue->Delete("M.3.J1.mxp"));
+    EXPECT_FALSE(queue->Delete("M.3.J1.mxp"));
+    EXPECT_THAT(Files(*queue), IsEmpty());
+}
+
+TEST_F(VKMessageQueueTest, AChangeThatFailsLeavesRowsAndFilesAsTheyWere)
+{
+    Add(*queue, "M.0.J1.mxp", "old");
+    Add(*queue, "M.0.J2.mxp", "two");
+    Sql("CREATE TRIGGER no_insert BEFORE INSERT ON queue_metadata BEGIN SELECT RAISE(ABORT, 'no'); END;");
+    Sql("CREATE TRIGGER no_update BEFORE UPDATE ON queue_metadata WHEN NEW.msg_status='X' BEGIN "
+        "SELECT RAISE(ABORT, 'no'); END;");
+    EXPECT_NE(ErrorOf([&] { Add(*queue, "M.0.J1.mxp", "new"); }), "");
+    EXPECT_NE(ErrorOf([&] { queue->Morph("M.0.J1.mxp", "X.", false, 0); }), "");
+    EXPECT_THAT(Files(*queue), ElementsAre("M.0.J1.mxp", "M.0.J2.mxp"));
+    EXPECT_EQ(Body(*queue, "M.0.J1.mxp"), "old");
+
+    std::filesystem::create_directory(queue->GetQueueName() + "/R.0.J1.mxp"); // no file can take this name
+    std::filesystem::create_directory(queue->GetQueueName() + "/R.0.J1.mxp/x");
+    std::filesystem::remove(queue->GetQueueName() + "/M.0.J2.mxp");
+    EXPECT_THAT(ErrorOf([&] { queue->Morph("M.0.J2.mxp", "Q.", false, 0); }), HasSubstr("cannot be renamed"));
+    EXPECT_THAT(Names(*queue), ElementsAre("M.0.J1.mxp")); // and the row without a file is gone with this read
+    EXPECT_EQ(queue->GetTotalRecordCount(), 1);
+}
+
+TEST_F(VKMessageQueueTest, APollTakesWhatIsReadyByPriorityAndNobodyElseGetsIt)
+{
+    const long now = time(nullptr);
+    VK_MESSAGE_HEADER due;
+    due.next_query_time = now - 1;
+    VK_MESSAGE_HEADER later;
+    later.next_query_time = now + 1000;
+    VK_MESSAGE_HEADER urgent;
+    urgent.priority = 1;
+    Add(*queue, "M.0.a.mxp");
+    Add(*queue, "D.0.b.mxp", "{}", urgent);
+    Add(*queue, "Q.1.due.mxp", "{}", due);
+    Add(*queue, "Q.1.later.mxp", "{}", later);
+    Add(*queue, "R.0.running.mxp");
+    Add(*queue, "W.0.waiting.mxp");
+    const auto other = Open(1, "other");
+    const auto ready = Ready(*queue);
+    EXPECT_THAT(ready, UnorderedElementsAre("M.0.a.mxp", "D.0.b.mxp", "Q.1.due.mxp"));
+    EXPECT_EQ(ready[0], "D.0.b.mxp");
+    EXPECT_THAT(Ready(*other), IsEmpty());
+    EXPECT_EQ(Ready(*queue).size(), 3u) << "its own it may take again";
+
+    VK_MESSAGE_HEADER_LIST all;
+    queue->Get(&all, true);
+    queue->UnlockMsgList(&all);
+    EmptyMessageHeaderList(&all);
+    EXPECT_EQ(Ready(*other).size(), 3u);
+    queue->UpdateTime("W.0.waiting.mxp", now - 1900);
+    EXPECT_THAT(Ready(*queue), ElementsAre("W.0.waiting.mxp"));
+
+    EXPECT_THAT(ErrorOf([&] { Ready(*Open(1, "")); }), HasSubstr("Messenger service name not set"));
+    for (const int number : {2, 3})
+        EXPECT_EQ(ErrorOf([&] { Ready(*Open(number, "")); }), "") << number;
+}
+
+TEST_F(VKMessageQueueTest, WhatADeadServiceHeldComesBack)
+{
+    const long old = time(nullptr) - 1300;
+    for (const char* name : {"M.0.taken.mxp", "M.0.first.mxp", "Q.2.asked.mxp"})
+        Add(*queue, name);
+    EXPECT_EQ(Ready(*queue).size(), 3u);
+    queue->Morph("M.0.first.mxp", "R.", true, old);
+    queue->Morph("Q.2.asked.mxp", "R.", true, old);
+    const auto other = Open(1, "other");
+    std::vector<std::string> services;
+    other->GetLockedUpMsgsServiceNames(services);
+    EXPECT_THAT(services, ElementsAre("svc"));
+    other->UnprocessLockedUpMsgs(services);
+    EXPECT_THAT(Files(*queue), ElementsAre("M.0.first.mxp", "M.0.taken.mxp", "Q.2.asked.mxp"));
+    EXPECT_THAT(Ready(*other), UnorderedElementsAre("M.0.first.mxp", "Q.2.asked.mxp"));
+    queue->UnprocessMsgList("svc");
+    EXPECT_THAT(Ready(*other), testing::Contains("M.0.taken.mxp"));
+}
+
+TEST_F(VKMessageQueueTest, NoRunningMessageBecomesUnreachableWhenItsLockIsOlderThanIts)
+{
+    Add(*queue, "M.0.young.mxp");
+    Ready(*queue);
+    queue->Morph("M.0.young.mxp", "R.", true, time(nullptr)); // renamed long after it was taken
+    Sql("UPDATE queue_metadata SET lock_time=1;");
+    Add(*queue, "R.0.nobodys.mxp");
+    const auto other = Open(1, "other");
+    std::vector<std::string> services;
+    other->GetLockedUpMsgsServiceNames(services);
+    other->UnprocessLockedUpMsgs(services);
+    EXPECT_THAT(Ready(*other), IsEmpty());
+    queue->UpdateTime("R.0.young.mxp", time(nullptr) - 1300);
+    queue->UpdateTime("R.0.nobodys.mxp", time(nullptr) - 1300);
+    other->GetLockedUpMsgsServiceNames(services);
+    EXPECT_THAT(services, ElementsAre("svc"));
+    other->UnprocessLockedUpMsgs(services);
+    EXPECT_THAT(Ready(*other), UnorderedElementsAre("M.0.young.mxp", "M.0.nobodys.mxp"));
+}
+
+TEST_F(VKMessageQueueTest, FiltersPagesAndSorting)
+{
+    for (const char* pin : {"12", "123", "Ab"}) {
+        VK_MESSAGE_HEADER header;
+        vk::SetText(header.pin, pin, "pin");
+        header.create_time = header.pin[1];
+        vk::SetText(header.sender_name, std::string("s") + pin, "sender_name");
+        Add(*queue, std::string("M.0.p") + pin + ".mxp", "{}", header);
+    }
+    Add(*queue, "W.0.x.snpp");
+    const auto count = [&](auto&& set) {
+        queue->ClearFilter();
+        set(*queue);
+        const long filtered = queue->GetFilteredRecordCount();
+        EXPECT_EQ(static_cast<long>(Names(*queue).size()), filtered);
+        return filtered;
+    };
+    const long now = time(nullptr);
+    EXPECT_EQ(count([](auto& q) { q.SetFilterByPin("mxp*", "12"); }), 1);
+    EXPECT_EQ(count([](auto& q) { q.SetFilterByPin("mxp*", "aB"); }), 1);
+    EXPECT_EQ(count([](auto& q) { q.SetFilterByPin("s*", ""); }), 1);
+    EXPECT_EQ(count([](auto& q) { q.SetFilter("", "W.", 0, 0); }), 1);
+    EXPECT_EQ(count([](auto& q) { q.SetFilter("", "m.0.P1", 0, 0); }), 2);
+    EXPECT_EQ(count([&](auto& q) { q.SetFilter("", "", now + 100, 0); }), 0);
+    EXPECT_EQ(count([&](auto& q) { q.SetFilter("", "*", now - 100, now + 100); }), 4);
+    EXPECT_EQ(count([](auto& q) { q.SetFilterView("", "S1", "", "", "", "", 0, 0, 0, 0, 3); }), 2);
+    EXPECT_EQ(count([](auto& q) { q.SetFilterView("", "", "", "", "", "", 50, 0, 0, 0, 0); }), 3);
+
+    queue->ClearFilter();
+    queue->SetFilter("", "M.", 0, 0);
+    queue->SetSort(SortBySender, false);
+    queue->SetFilter(2, 2);
+    EXPECT_THAT(Names(*queue), ElementsAre("M.0.p12.mxp"));
+    EXPECT_EQ(queue->GetPageCount(), 2);
+    EXPECT_EQ(queue->GetTotalRecords(), 3);
+}
+
+TEST_F(VKMessageQueueTest, ScheduledMessagesAreReadyInTheirHalfHour)
+{
+    QueueAt schedule(2, "");
+    schedule.Initialize(&system);
+    const auto add = [&](const char* name, int days, int minute, long date) {
+        VK_MESSAGE_HEADER header;
+        header.schd_days_to_send = days;
+        header.schd_time_in_mins = minute;
+        header.schd_date_to_send = date;
+        Add(schedule, name, "{}", header);
+    };
+    add("M.0.wednesday.mxp", 16, 600, 0);
+    add("M.0.bit8.mxp", 8, 600, 0);
+    add("M.0.once.mxp", 16 | 256, 600, 0);
+    add("M.0.date.mxp", 0, 60, LocalTime(8, 0, 0));
+    const auto at = [&](int day, int hour, int minute) {
+        schedule.now = LocalTime(day, hour, minute);
+        return Ready(schedule);
+    };
+    EXPECT_THAT(at(7, 9, 59), IsEmpty());
+    EXPECT_THAT(at(7, 10, 0), UnorderedElementsAre("M.0.wednesday.mxp", "M.0.once.mxp"));
+    EXPECT_THAT(at(7, 10, 29), UnorderedElementsAre("M.0.wednesday.mxp", "M.0.once.mxp"));
+    EXPECT_THAT(at(7, 10, 30), IsEmpty());
+    EXPECT_THAT(at(8, 1, 0), ElementsAre("M.0.date.mxp"));
+
+    VK_MESSAGE_CONTENT content;
+    schedule.GetByName("M.0.once.mxp", &content, true, true);
+    content.header.schd_last_send_time = LocalTime(7, 10, 1);
+    schedule.Modify(&content, "");
+    EmptyMessageContent(&content);
+    EXPECT_THAT(at(7, 10, 5), ElementsAre("M.0.wednesday.mxp"));
+    EXPECT_EQ(at(14, 10, 5).size(), 3u);
+    schedule.SetFilter("", "M.0.w", 0, 0);
+    EXPECT_THAT(at(14, 10, 5), ElementsAre("M.0.wednesday.mxp")) << "the filter holds for both alternatives";
+}
+
+TEST_F(VKMessageQueueTest, CleaningTakesOldMessagesThenTheOldestBeyondTheCount)
+{
+    const long now = time(nullptr);
+    for (int i = 0; i < 6; ++i) {
+        const std::string name = (i == 1 ? "W.0." : "M.0.") + std::to_string(i) + ".mxp";
+        Add(*queue, name);
+        queue->UpdateTime(name, i < 2 ? now - 5 * 86400 : now - 100 + i);
+    }
+    queue->CleanupOldMsgs(3, 4);
+    EXPECT_THAT(Files(*queue), ElementsAre("M.0.4.mxp", "M.0.5.mxp", "W.0.1.mxp"));
+    EXPECT_THAT(Names(*queue), UnorderedElementsAre("M.0.4.mxp", "M.0.5.mxp", "W.0.1.mxp"));
+    queue->EmptyQueue();
+    EXPECT_THAT(Files(*queue), IsEmpty());
+    EXPECT_EQ(queue->GetTotalRecordCount(), 0);
+    EXPECT_EQ(queue->GetOldestMsgTime(), 0);
+    Add(*queue, "M.0.after.mxp");
+    EXPECT_THAT(Ready(*queue), ElementsAre("M.0.after.mxp"));
+}
+
+TEST_F(VKMessageQueueTest, FaxNamesEndingInPAreAlsoThoseWithoutIt)
+{
+    const auto fax = Open(6);
+    Add(*fax, "M.abc", "page");
+    EXPECT_EQ(Body(*fax, "M.abcp"), "page");
+    EXPECT_EQ(Body(*queue, "M.abcp"), "(none)");
+    Add(*fax, "M.abcp", "new");
+    EXPECT_THAT(Files(*fax), ElementsAre("M.abcp"));
+}
+
+TEST_F(VKMessageQueueTest, QueueDirectoriesAreFoundOrNamedInTheError)
+{
+    const auto error = [&](int number, const char* path) {
+        return ErrorOf([&] { VKMsgQueueFileOperations(number, path).Initialize(&system); });
+    };
+    EXPECT_EQ(error(0, ""), "-1 Invalid queue type/path");
+    EXPECT_EQ(error(11, ""), "-1 Empty queue path");
+    EXPECT_EQ(error(101, ""), "-1 Invalid queue path (empty multi-queue option)");
+    VK_QUEUE_DIRECTORY_PATH named{};
+    named.id = 102;
+    vk::SetText(named.path, dir / "named/", "path");
+    system.Close();
+    system.OpenSdb(dir.Path().string(), "", nullptr, &named, 1, nullptr);
+    EXPECT_EQ(error(101, ""), "-1 Invalid queue path (multi-queue option)");
+    EXPECT_EQ(error(102, ""), "-1 Invalid queue path [" + (dir / "named") + "]");
+    EXPECT_TRUE(queue->CreateQueue(102));
+    const auto other = Open(102);
+    Add(*other, "M.0.x.mxp");
+    EXPECT_FALSE(queue->DeleteQueue(102));
+    other->EmptyQueue();
+    EXPECT_TRUE(queue->DeleteQueue(102));
+    EXPECT_FALSE(std::filesystem::exists(dir / "named"));
+}
