@@ -7,9 +7,11 @@
 #include "VKEncryption.h"
 #include "VKMXPCoreManager.h"
 #include "VKMXPmMessage.h"
+#include "XmppPeer.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <arpa/inet.h>
 #include <map>
 #include <netinet/in.h>
@@ -360,6 +362,34 @@ TEST_F(Attachments, FollowEachOtherWithoutAPauseAndLeakNothing)
     EXPECT_LE(Entries("/proc/self/fd"), descriptors);
     EXPECT_EQ(Entries("/proc/self/task"), threads);
     EXPECT_FALSE(s_logger.Has("key-of-")) << "keys never reach a log";
+}
+
+TEST_P(AttachmentRoads, LetMessagesToOthersPass)
+{
+    FilePeer alice(s_server->Jid("alice") + "/mxp", s_server->Port(), GetParam().peer);
+    XmppPeer bob(s_server->Jid("bob") + "/mxp", "pw", s_server->Port());
+    ASSERT_TRUE(alice.WaitUntilOnline());
+    ASSERT_TRUE(bob.WaitUntilOnline());
+    Connect(GetParam().streamHost ? FreePort() : 0);
+    const bool inBand = GetParam().copiesStay;
+    const std::string content = Random(inBand ? 2U << 20 : 50U << 20);
+    const std::string path = MakeFile("film", content);
+    ASSERT_NE(manager->StartC2CSession(s_server->Jid("bob"), "files", "mxp", false), nullptr);
+    SendFiles("film", {path});
+    std::vector<Clock::duration> times;
+    while (!statuses.Has("film") && times.size() < 5000) {
+        const auto begin = Clock::now();
+        ASSERT_TRUE(manager->Send("ping", s_server->Jid("bob"), "files"));
+        ASSERT_EQ(bob.WaitForBodies(times.size() + 1).size(), times.size() + 1);
+        times.push_back(Clock::now() - begin);
+    }
+    EXPECT_EQ(statuses.WaitFor("film").status, kSent);
+    ASSERT_FALSE(times.empty());
+    std::nth_element(times.begin(), times.begin() + static_cast<long>(times.size() / 2), times.end());
+    EXPECT_LT(times[times.size() / 2], 10ms) << times.size() << " messages";
+    const auto got = alice.WaitForFiles(1);
+    ASSERT_EQ(got.size(), 1U);
+    EXPECT_TRUE(Decrypted(got[0]) == content);
 }
 
 TEST_F(Attachments, OfferedToTheServerStayInTheReceiveDirectory)
