@@ -1,6 +1,9 @@
 // Waking the device of a receiver that is offline.
 #include "VKMxpDriver.h"
 
+#include "VKDBexception.h"
+#include "VKDBiMessageQueue.h"
+#include "VKDatabase.h"
 #include "VKLog.h"
 #include "VKMXPEventNotifier.h"
 
@@ -12,9 +15,27 @@ namespace {
 /// The notification lives that much longer than the message.
 constexpr int kSpareSeconds = 300;
 
-/// How many messages wait for the receiver, with this one. Others cannot be counted here: the waiting queue is the
-/// host's.
-constexpr int kWaitingCount = 1;
+constexpr int kWaitingQueue = 10;
+
+/// How many messages wait for the receiver, with this one. A waiting queue that cannot be asked holds up no
+/// notification: this one counts alone then.
+int CountWaiting(const VKMessageFile& file, VKLogInterface* logger)
+{
+    std::string failure;
+    try {
+        VKDatabase* const database = VKDatabase::getVKMultiThreadedDatabase(nullptr, true);
+        if (VKDBiMessageQueue* const waiting = database->getVKDBiMessageQueueObject(kWaitingQueue)) {
+            waiting->SetFilterByPin("mxp*", file.strReceiverPin);
+            return static_cast<int>(waiting->GetFilteredRecordCount()) + 1;
+        }
+        failure = database->getLastErrorString();
+    } catch (const VKDBexception& error) {
+        failure = error.ToString();
+    }
+    VK_LOG_WARN(logger, "Job ID: [%s] >> The waiting messages cannot be counted: %s", file.strJobID.c_str(),
+                   failure.c_str());
+    return 1;
+}
 
 int NotificationSeconds(int secondsToLive)
 {
@@ -28,15 +49,16 @@ bool VKMxpDriver::Wake(const VKMessageFile& file)
 {
     if (!file.bPushEnabled || file.strPushDeviceToken.empty())
         return false;
+    const int waiting = CountWaiting(file, m_pobjLogger);
     const int result =
-        VKMXPEventNotifier::PushForWaitingMessages(file.strPushServiceName, file.strPushDeviceToken, kWaitingCount, "",
+        VKMXPEventNotifier::PushForWaitingMessages(file.strPushServiceName, file.strPushDeviceToken, waiting, "",
                                                    NotificationSeconds(file.iSecondsToLive), m_pobjLogger);
     const char* const job = file.strJobID.c_str();
     switch (result) {
     case VKMXPEventNotifier::Sent:
         VK_LOG_INFO(m_pobjLogger,
                     "Job ID: [%s] >> Successfully PUSHED notification to device '%s' for waiting messages count :%d.",
-                    job, file.strPushDeviceToken.c_str(), kWaitingCount);
+                    job, file.strPushDeviceToken.c_str(), waiting);
         return true;
     case VKMXPEventNotifier::Disabled:
     case VKMXPEventNotifier::NoSuchService:
@@ -46,7 +68,7 @@ bool VKMxpDriver::Wake(const VKMessageFile& file)
     default:
         VK_LOG_ERROR(m_pobjLogger,
                      "Job ID: [%s] >> Failed to PUSH notification to device '%s' for waiting messages count :%d.", job,
-                     file.strPushDeviceToken.c_str(), kWaitingCount);
+                     file.strPushDeviceToken.c_str(), waiting);
         return false;
     }
 }

@@ -1,5 +1,6 @@
 #include "DepartmentNoun.h"
 #include "InitCommand.h"
+#include "QueueCommands.h"
 #include "ReceiverNoun.h"
 #include "SessionCommands.h"
 
@@ -38,6 +39,32 @@ constexpr vk::Option kShow[] = {
     {"--name", "NAME", "The one with this name, letters of either case."},
 };
 
+constexpr vk::Option kQueue = {"--queue", "N", "The queue's number.", Need::Required};
+constexpr vk::Option kQueueList[] = {
+    kQueue,
+    {"--pin", "PIN", "Those for this address; \"*\" stands for any text."},
+    {"--status", "LETTER", "Those in this status.", Need::Optional, "M|D|E|F|Q|R|W"},
+};
+constexpr vk::Option kQueueShow[] = {kQueue, {"--name", "NAME", "The message's name.", Need::Required}};
+constexpr vk::Option kQueueAdd[] = {
+    kQueue,
+    {"--file", "FILE", "The message as JSON, as vkmessenger takes it.", Need::Required},
+    {"--job", "ID", "Its job, unique in the queue.", Need::Required},
+    {"--protocol", "NAME", "Its protocol; mxp when not given."},
+    {"--priority", "N", "1 goes first; 3 when not given."},
+    {"--pin", "PIN", "The address that it is for."},
+    {"--receiver-name", "NAME", "Who it is for."},
+    {"--sender-name", "NAME", "Who it is from."},
+    {"--expiry-time", "SECONDS", "When it expires, seconds since 1970."},
+};
+constexpr vk::Option kQueueUnlock[] = {
+    kQueue, {"--service", "NAME", "All that this service holds; it must not be running."}};
+constexpr vk::Option kQueueClean[] = {
+    kQueue,
+    {"--days", "N", "Delete what has not changed for so many days."},
+    {"--keep", "N", "Delete the oldest until so many are left."},
+};
+
 using Receivers = vk::EntityVerbs<vk::ReceiverNoun>;
 using Departments = vk::EntityVerbs<vk::DepartmentNoun>;
 
@@ -52,6 +79,12 @@ constexpr vk::Command kCommands[] = {
     {"receiver list", "Lists all receivers by name.", {}, &Receivers::List},
     {"department add", "Adds a department and prints its id.", kDepartmentAdd, &Departments::Add},
     {"department show", "Shows all of one department.", kShow, &Departments::Show},
+    {"queue list", "Lists the messages of a queue.", kQueueList, &vk::ListQueue},
+    {"queue show", "Shows all of one message and its body.", kQueueShow, &vk::ShowQueued},
+    {"queue add", "Adds a message and prints its id.", kQueueAdd, &vk::AddToQueue},
+    {"queue unlock", "Gives back what services have held too long, or all that one holds.", kQueueUnlock,
+     &vk::UnlockQueue},
+    {"queue clean", "Deletes old messages in the statuses M, Q and R.", kQueueClean, &vk::CleanQueue},
     {"department list", "Lists all departments by name.", {}, &Departments::List},
 };
 

@@ -6,6 +6,8 @@
 #include "InstallationRoot.h"
 #include "ProsodyServer.h"
 #include "RecordingLogger.h"
+#include "VKDBiMessageQueue.h"
+#include "VKRecordText.h"
 #include "VKconCriticalSection.h"
 #include "VKMXPmConfirmMsg.h"
 #include "VKMXPmEnvelope.h"
@@ -253,6 +255,16 @@ TEST_F(Driver, LetsAnOfflineReceiverWaitOnlyWhenItMay)
 
 TEST_F(Driver, WakesTheDeviceOfAReceiverThatMayWait)
 {
+    const TempDir waiting;
+    VKDatabase* const database = VKDatabase::getVKMultiThreadedDatabase(nullptr, true);
+    vk::SetText(VKDBsystem::directory_Pathes.waiting_dir, waiting.Path().string(), "path");
+    for (const char* name : {"W.0.a.mxp", "W.0.b.mxp", "W.0.c.mxp", "W.0.d.snpp", "W.0.bob.mxp"}) {
+        VK_MESSAGE_CONTENT content;
+        vk::SetText(content.header.msg_name, name, "msg_name");
+        const bool bobs = std::string(name).find("bob") != std::string::npos;
+        vk::SetText(content.header.pin, s_server->Jid(bobs ? "bob" : "alice"), "pin");
+        ASSERT_TRUE(database->getVKDBiMessageQueueObject(10)->Add(&content));
+    }
     int answer = 200;
     vktest::HttpServer service([&](const vktest::HttpServer::Request&) {
         return vktest::HttpServer::Response{answer, R"({"success":1})"};
@@ -269,9 +281,9 @@ TEST_F(Driver, WakesTheDeviceOfAReceiverThatMayWait)
         const char *text, *log;
     } cases[] = {
         {true, "gcms", "me@t", 200, "DEV OFFLINE; NOTIFIED",
-         "Successfully PUSHED notification to device 'me@t' for waiting messages count :1."},
+         "Successfully PUSHED notification to device 'me@t' for waiting messages count :4."},
         {true, "gcms", "t", 503, "DEV OFFLINE",
-         "Failed to PUSH notification to device 't' for waiting messages count :1."},
+         "Failed to PUSH notification to device 't' for waiting messages count :4."},
         {true, "apns2", "t", 200, "DEV OFFLINE", "PUSH service 'apns2' is either disabled or undefined."},
         {true, "pigeon", "t", 200, "DEV OFFLINE", "PUSH service 'pigeon' is either disabled or undefined."},
         {true, "gcms", "", 200, "DEV OFFLINE", ""},
@@ -307,6 +319,9 @@ TEST_F(Driver, WakesTheDeviceOfAReceiverThatMayWait)
     EXPECT_TRUE(Send(impatient));
     EXPECT_EQ(impatient.statusTexts, std::vector<std::string>{"DEV OFFLINE"});
     EXPECT_EQ(service.Requests().size(), 2U);
+
+    database->resetCache();
+    VKDBsystem::directory_Pathes.waiting_dir[0] = '\0';
 }
 
 TEST_F(Driver, ReachesTheEmergencyUserWithoutASession)

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "Options.h"
+
+namespace vk {
+
+/// The noun "queue": the messages of one queue by its number. Reading takes no message from anybody.
+int ListQueue(const Arguments& arguments);
+/// All of one message's row, and its body.
+int ShowQueued(const Arguments& arguments);
+/// Adds the message of a JSON file and prints its id.
+int AddToQueue(const Arguments& arguments);
+/// Gives back what services hold: all of one service, or of all that have held something too long.
+int UnlockQueue(const Arguments& arguments);
+/// Deletes old messages, or the oldest beyond a count.
+int CleanQueue(const Arguments& arguments);
+
+} // namespace vk
