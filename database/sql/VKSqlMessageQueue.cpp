@@ -51,10 +51,22 @@ const std::string& HeaderColumns(bool full)
     return full ? all : brief;
 }
 
-VK_MESSAGE_HEADER HeaderOf(const VKDBiRow& fields)
+/// Reads a row of HeaderColumns by position: a poll reads many.
+VK_MESSAGE_HEADER HeaderOf(const VKDBiRow& fields, bool full)
 {
     QueueRow row;
-    ReadRowByName(kQueueTable.fields, fields, row);
+    ReadValue(row.id, fields[0], "id");
+    ReadValue(row.msg_name, fields[1], "msg_name");
+    ReadValue(row.last_modify_time, fields[2], "last_modify_time");
+    ReadValue(row.last_paging_queue_id, fields[3], "last_paging_queue_id");
+    int position = 4;
+    bool behindCreateTime = false;
+    if (full)
+        ForEachField(kQueueTable.fields, [&](const auto& field) {
+            behindCreateTime = behindCreateTime || std::strcmp(field.name, "create_time") == 0;
+            if (behindCreateTime)
+                ReadValue(field.of(row), fields[position++], field.name);
+        });
     return row;
 }
 
@@ -265,7 +277,7 @@ bool SqlMessageQueue::GetImpl(VK_MESSAGE_HEADER_LIST* list, bool full, ReadyOpti
         Ids taken;
         Ids withoutBody;
         for (int row = 0; row < rows->GetReturnedRowsCount(); ++row) {
-            const VK_MESSAGE_HEADER header = HeaderOf((*rows)[row]);
+            const VK_MESSAGE_HEADER header = HeaderOf((*rows)[row], full);
             const bool whole = m_bodies->Exists(header.msg_name);
             (whole ? taken : withoutBody).push_back(header.id);
             if (whole)
@@ -311,7 +323,7 @@ bool SqlMessageQueue::GetByName(const std::string& name, VK_MESSAGE_CONTENT* con
                                           SqlRaw{NameClause(name)});
         if (rows->GetReturnedRowsCount() == 0)
             return false;
-        content->header = HeaderOf((*rows)[0]);
+        content->header = HeaderOf((*rows)[0], full);
         if (!m_bodies->Exists(content->header.msg_name)) {
             m_store->Update("DELETE FROM {} WHERE id={}", m_table, content->header.id);
             EmptyMessageContent(content);
@@ -331,7 +343,7 @@ bool SqlMessageQueue::GetByNameList(const std::string& prefix, std::vector<VK_ME
                                           SqlRaw{MessageOrder(ReadyOption::All, m_sortField, m_bAscending)});
         for (int row = 0; row < rows->GetReturnedRowsCount(); ++row) {
             VK_MESSAGE_CONTENT content;
-            content.header = HeaderOf((*rows)[row]);
+            content.header = HeaderOf((*rows)[row], true);
             if (!m_bodies->Exists(content.header.msg_name))
                 m_store->Update("DELETE FROM {} WHERE id={}", m_table, content.header.id);
             else if (m_bodies->Load(content.header.msg_name, &content))

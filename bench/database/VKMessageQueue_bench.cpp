@@ -1,0 +1,225 @@
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <memory>
+#include <sqlite3.h>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <vector>
+
+#include "VKDBiMessageQueue.h"
+#include "VKDBsystem.h"
+#include "VKRecordText.h"
+
+/// A queue beside the bare library doing the same work: the same rows and indexes, the same durability (no waiting for
+/// the disk), one plain file for each message.
+
+namespace {
+
+class Installation
+{
+public:
+    Installation()
+    {
+        std::string name = (std::filesystem::temp_directory_path() / "vkbench-XXXXXX").string();
+        m_root = mkdtemp(name.data());
+        VK_DIRECTORY_PATH paths{};
+        vk::SetText(paths.spool_dir, m_root, "path");
+        system.Close();
+        system.OpenSdb(m_root, "", &paths, nullptr, 0, nullptr);
+    }
+    ~Installation()
+    {
+        system.Close();
+        std::filesystem::remove_all(m_root);
+    }
+    Installation(const Installation&) = delete;
+    Installation& operator=(const Installation&) = delete;
+
+    std::unique_ptr<VKDBiMessageQueue> Open(const std::string& service)
+    {
+        return std::unique_ptr<VKDBiMessageQueue>(VKDBiMessageQueue::CreateInstance(&system, 1, service));
+    }
+    sqlite3* OpenBare() const
+    {
+        sqlite3* handle = nullptr;
+        sqlite3_open((m_root + "/queue_metabase.sdb").c_str(), &handle);
+        sqlite3_exec(handle, "PRAGMA synchronous=0;", nullptr, nullptr, nullptr);
+        return handle;
+    }
+    void WriteBare(const std::string& name) const
+    {
+        const int file = open((m_root + "/" + name).c_str(), O_CREAT | O_WRONLY | O_TRUNC, 0666);
+        if (write(file, kBody, sizeof kBody - 1) < 0)
+            std::abort();
+        close(file);
+    }
+    void ExistsBare(const char* name) const { benchmark::DoNotOptimize(access((m_root + "/" + name).c_str(), F_OK)); }
+
+    static constexpr char kBody[] = "{\"text\":\"Fire in building 7, third floor.\",\"receiverPin\":\"a@example.org\"}";
+
+private:
+    std::string m_root;
+    VKDBsystem system;
+};
+
+void Add(VKDBiMessageQueue& queue, const std::string& name)
+{
+    VK_MESSAGE_CONTENT content;
+    vk::SetText(content.header.msg_name, name, "msg_name");
+    AddMessageContent(&content, Installation::kBody);
+    queue.Add(&content);
+    EmptyMessageContent(&content);
+}
+
+void queue_add(benchmark::State& state)
+{
+    Installation installation;
+    const auto queue = installation.Open("bench");
+    long n = 0;
+    for (auto _ : state)
+        Add(*queue, "M.0.J" + std::to_string(++n) + ".mxp");
+    state.SetItemsProcessed(n);
+}
+
+void queue_add_bare(benchmark::State& state)
+{
+    Installation installation;
+    installation.Open("bench").reset();
+    sqlite3* const handle = installation.OpenBare();
+    long n = 0;
+    for (auto _ : state) {
+        const std::string name = "M.0.J" + std::to_string(++n) + ".mxp";
+        const std::string insert =
+            "INSERT INTO queue_metadata (msg_name, msg_status, msg_query_count, msg_job_id, msg_protocol, "
+            "last_modify_time, create_time, priority) VALUES ('" +
+            name + "', 'M', 0, 'J', 'mxp', 1, 1, 3);";
+        sqlite3_exec(handle, "BEGIN EXCLUSIVE;", nullptr, nullptr, nullptr);
+        sqlite3_exec(handle, insert.c_str(), nullptr, nullptr, nullptr);
+        installation.WriteBare(name);
+        sqlite3_exec(handle, "COMMIT;", nullptr, nullptr, nullptr);
+    }
+    sqlite3_close(handle);
+    state.SetItemsProcessed(n);
+}
+
+/// 100 ready messages among 100,000 whose time has not come.
+void FillForPoll(Installation& installation)
+{
+    const auto queue = installation.Open("bench");
+    for (int i = 0; i < 100; ++i)
+        Add(*queue, "M.0.J" + std::to_string(i) + ".mxp");
+    sqlite3* const handle = installation.OpenBare();
+    sqlite3_exec(handle,
+                 "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<99900) INSERT INTO "
+                 "queue_metadata (msg_name, msg_status, msg_query_count, msg_job_id, msg_protocol, last_modify_time, "
+                 "create_time, priority, next_query_time) SELECT 'Q.1.L'||i||'.mxp', 'Q', 1, 'L'||i, 'mxp', 1, 1, 3, "
+                 "4000000000 FROM n;",
+                 nullptr, nullptr, nullptr);
+    sqlite3_close(handle);
+}
+
+void queue_poll_100k(benchmark::State& state)
+{
+    Installation installation;
+    FillForPoll(installation);
+    const auto queue = installation.Open("bench");
+    VK_MESSAGE_HEADER_LIST list;
+    for (auto _ : state) {
+        queue->GetReadyMsg(&list, false);
+        if (list.count != 100)
+            state.SkipWithError("not all that is ready was found");
+    }
+    EmptyMessageHeaderList(&list);
+}
+
+/// The same work: the statement on an index that fits, the test for each file, the lock on each row.
+void queue_poll_100k_bare(benchmark::State& state)
+{
+    Installation installation;
+    FillForPoll(installation);
+    sqlite3* const handle = installation.OpenBare();
+    for (auto _ : state) {
+        char** table = nullptr;
+        int rows = 0;
+        int columns = 0;
+        sqlite3_exec(handle, "BEGIN EXCLUSIVE;", nullptr, nullptr, nullptr);
+        sqlite3_get_table(handle,
+                          "SELECT id, msg_name, last_modify_time, last_paging_queue_id FROM queue_metadata WHERE "
+                          "msg_status='M' ORDER BY priority, last_modify_time, create_time;",
+                          &table, &rows, &columns, nullptr);
+        std::string update = "UPDATE queue_metadata SET lock_time=1, last_lock_owner_svc_name='bench' WHERE id IN (0";
+        for (int row = 1; row <= rows; ++row) {
+            update += std::string(",") + table[row * columns];
+            installation.ExistsBare(table[row * columns + 1]);
+        }
+        sqlite3_free_table(table);
+        sqlite3_exec(handle, (update + ");").c_str(), nullptr, nullptr, nullptr);
+        sqlite3_exec(handle, "COMMIT;", nullptr, nullptr, nullptr);
+    }
+    sqlite3_close(handle);
+}
+
+/// The statement alone.
+void queue_poll_100k_statement(benchmark::State& state)
+{
+    Installation installation;
+    FillForPoll(installation);
+    sqlite3* const handle = installation.OpenBare();
+    for (auto _ : state) {
+        char** table = nullptr;
+        int rows = 0;
+        int columns = 0;
+        sqlite3_get_table(handle,
+                          "SELECT id, msg_name, last_modify_time, last_paging_queue_id FROM queue_metadata WHERE "
+                          "msg_status='M' ORDER BY priority, last_modify_time, create_time;",
+                          &table, &rows, &columns, nullptr);
+        sqlite3_free_table(table);
+    }
+    sqlite3_close(handle);
+}
+
+/// Processes that take all messages of one queue, ten at a time, and delete them.
+void queue_processes(benchmark::State& state)
+{
+    constexpr int kMessages = 1000;
+    for (auto _ : state) {
+        Installation installation;
+        {
+            const auto queue = installation.Open("fill");
+            for (int i = 0; i < kMessages; ++i)
+                Add(*queue, "M.0.J" + std::to_string(i) + ".mxp");
+        }
+        const auto start = std::chrono::steady_clock::now();
+        std::vector<pid_t> children;
+        for (int p = 0; p < state.range(0); ++p) {
+            children.push_back(fork());
+            if (children.back() != 0)
+                continue;
+            const auto queue = installation.Open("svc" + std::to_string(p));
+            queue->SetFilter(10, 1);
+            VK_MESSAGE_HEADER_LIST list;
+            while (queue->GetReadyMsg(&list, false) && list.count > 0)
+                queue->DeleteMsgList(&list);
+            _exit(0);
+        }
+        for (const pid_t child : children)
+            waitpid(child, nullptr, 0);
+        state.SetIterationTime(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+    }
+    state.SetItemsProcessed(state.iterations() * kMessages);
+}
+
+} // namespace
+
+BENCHMARK(queue_add)->Unit(benchmark::kMicrosecond);
+BENCHMARK(queue_add_bare)->Unit(benchmark::kMicrosecond);
+BENCHMARK(queue_poll_100k)->Unit(benchmark::kMicrosecond);
+BENCHMARK(queue_poll_100k_bare)->Unit(benchmark::kMicrosecond);
+BENCHMARK(queue_poll_100k_statement)->Unit(benchmark::kMicrosecond);
+BENCHMARK(queue_processes)->Arg(1)->Arg(8)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
