@@ -29,12 +29,35 @@ const Option* FindAnywhere(const Program& program, std::string_view name)
     return nullptr;
 }
 
-const Command* FindCommand(const Program& program, std::string_view words)
+/// The command whose words come first in the text; what follows are operands, if it takes any.
+const Command* FindCommand(const Program& program, std::string_view text)
 {
-    for (const Command& command : program.commands)
-        if (words == command.words)
+    for (const Command& command : program.commands) {
+        const std::string_view words = command.words;
+        if (text == words)
             return &command;
+        const bool begins = text.substr(0, words.size()) == words && (words.empty() || text[words.size()] == ' ');
+        if (begins && command.operands.size > 0)
+            return &command;
+    }
     return nullptr;
+}
+
+std::size_t CountWords(std::string_view text)
+{
+    return text.empty() ? 0 : 1 + static_cast<std::size_t>(std::count(text.begin(), text.end(), ' '));
+}
+
+void CheckOperands(const Command& command, std::size_t given)
+{
+    std::size_t most = 0;
+    for (const Operand& operand : command.operands) {
+        if (most >= given && operand.need != Need::Optional)
+            throw UsageError(std::string(operand.name) + " is missing");
+        most = operand.need == Need::Required ? most + 1 : std::string_view::npos;
+    }
+    if (given > most)
+        throw UsageError(std::string("too many words for '") + command.words + "'");
 }
 
 std::string Joined(const std::vector<std::string>& words)
@@ -70,7 +93,8 @@ void CheckAgainstTable(const Program& program, const Command& command,
         if (given.size() > 1 && option->need != Need::OneOrMore)
             throw UsageError(name + " is given twice");
     }
-    for (const auto& options : {program.options, command.options})
+    const Slice<Option> all[] = {command.scope == Scope::Alone ? Slice<Option>() : program.options, command.options};
+    for (const auto& options : all)
         for (const Option& option : options)
             if (option.need != Need::Optional && values.find(option.name) == values.end())
                 throw UsageError(std::string(option.name) + " is missing");
@@ -109,12 +133,18 @@ std::string Synopsis(const Program& program, const Command& command)
     std::string line = program.name;
     if (command.words[0] != '\0')
         line += std::string(" ") + command.words;
+    const bool alone = command.scope == Scope::Alone;
     for (const auto& options : {program.options, command.options})
         for (const Option& option : options) {
             const std::string word = OptionWord(option);
+            if (alone && options.data == program.options.data && option.need != Need::Optional)
+                continue;
             line += option.need == Need::Optional ? " [" + word + "]" : " " + word;
             line += option.need == Need::OneOrMore ? " ..." : "";
         }
+    for (const Operand& operand : command.operands)
+        line += std::string(operand.need == Need::Optional ? " [" : " ") + operand.name +
+                (operand.need == Need::Required ? "" : operand.need == Need::Optional ? " ...]" : " ...");
     return line;
 }
 
@@ -170,7 +200,11 @@ Arguments ParseArguments(const Program& program, const std::vector<std::string>&
     Arguments arguments;
     std::vector<std::string> commandWords;
     for (std::size_t i = 0; i < words.size(); ++i) {
-        if (words[i].rfind("-", 0) != 0) {
+        if (words[i] == "--") {
+            commandWords.insert(commandWords.end(), words.begin() + static_cast<std::ptrdiff_t>(i) + 1, words.end());
+            break;
+        }
+        if (words[i].rfind("-", 0) != 0 || words[i] == "-") {
             commandWords.push_back(words[i]);
             continue;
         }
@@ -197,6 +231,9 @@ Arguments ParseArguments(const Program& program, const std::vector<std::string>&
     arguments.m_command = FindCommand(program, command);
     if (arguments.m_command == nullptr)
         throw UsageError(command.empty() ? "no command given" : "'" + command + "' is no command");
+    const auto operands = static_cast<std::ptrdiff_t>(CountWords(arguments.m_command->words));
+    arguments.m_operands.assign(commandWords.begin() + operands, commandWords.end());
+    CheckOperands(*arguments.m_command, arguments.m_operands.size());
     CheckAgainstTable(program, *arguments.m_command, arguments.m_values);
     return arguments;
 }
@@ -212,6 +249,8 @@ std::string Manual(const Program& program)
         text += "\nCOMMANDS\n";
         for (const Command& command : program.commands) {
             text += std::string(kIndent, ' ') + command.words + "\n" + Wrapped(command.help, 2 * kIndent);
+            for (const Operand& operand : command.operands)
+                text += std::string(2 * kIndent, ' ') + operand.name + "\n" + Wrapped(operand.help, 3 * kIndent);
             text += OptionList(command.options, 2 * kIndent) + "\n";
         }
         text.pop_back();

@@ -54,13 +54,27 @@ struct Slice
 
 class Arguments;
 
-/// One thing that a program does, called by its words: "session add".
+/// A word behind the command's own that is no option.
+struct Operand
+{
+    const char* name; ///< in the manual
+    const char* help;
+    Need need = Need::Required; ///< the last one may be OneOrMore or Optional, which here means any number
+};
+
+/// What a command takes besides its own options.
+enum class Scope { Program, Alone };
+
+/// One thing that a program does, called by its words: "session add". One that stands alone needs none of the program's
+/// required options.
 struct Command
 {
     const char* words;
     const char* help;
     Slice<Option> options;
     int (*run)(const Arguments&);
+    Slice<Operand> operands = {};
+    Scope scope = Scope::Program;
 };
 
 /// One paragraph of the manual with its heading.
@@ -114,14 +128,19 @@ public:
 
     const Command& GetCommand() const { return *m_command; }
 
+    /// The words behind the command's, in the order given.
+    const std::vector<std::string>& Operands() const { return m_operands; }
+
 private:
     friend Arguments ParseArguments(const Program& program, const std::vector<std::string>& words);
 
     const Command* m_command = nullptr;
+    std::vector<std::string> m_operands;
     std::map<std::string, std::vector<std::string>, std::less<>> m_values;
 };
 
-/// Reads a command line without the program's name. Takes "--name value" and "--name=value" anywhere. Throws UsageError.
+/// Reads a command line without the program's name. Takes "--name value" and "--name=value" anywhere before a "--"; "-" is
+/// an operand. Throws UsageError.
 Arguments ParseArguments(const Program& program, const std::vector<std::string>& words);
 
 /// The manual page of a program.

@@ -6,6 +6,7 @@
 #include <json/json.h>
 
 #include <charconv>
+#include <cmath>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -57,6 +58,10 @@ void SetFromText(Value& member, const std::string& text, const std::string& opti
         const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), member);
         if (error != std::errc() || end != text.data() + text.size())
             throw UsageError(option + ": '" + text + "' is no whole number" + (std::is_unsigned_v<Value> ? " from 0" : ""));
+    } else if constexpr (std::is_floating_point_v<Value>) {
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), member);
+        if (error != std::errc() || end != text.data() + text.size() || !std::isfinite(member))
+            throw UsageError(option + ": '" + text + "' is no number");
     } else if constexpr (std::is_same_v<Value, std::string>) {
         member = text;
     } else {
@@ -83,7 +88,9 @@ void FillFromOptions(const Fields& fields, Slice<ColumnWords> words, const Argum
 template <class Value>
 Json::Value ValueToJson(const Value& member, Slice<CodeText<int>> words)
 {
-    if constexpr (std::is_array_v<Value>) {
+    if constexpr (std::is_floating_point_v<Value>) {
+        return Json::Value(member);
+    } else if constexpr (std::is_array_v<Value>) {
         return Json::Value(std::string(member, strnlen(member, sizeof member)));
     } else if constexpr (std::is_pointer_v<Value>) {
         return Json::Value(member == nullptr ? "" : member);

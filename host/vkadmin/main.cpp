@@ -1,5 +1,6 @@
 #include "DepartmentNoun.h"
 #include "InitCommand.h"
+#include "PacketCommands.h"
 #include "QueueCommands.h"
 #include "ReceiverNoun.h"
 #include "SessionCommands.h"
@@ -65,6 +66,23 @@ constexpr vk::Option kQueueClean[] = {
     {"--keep", "N", "Delete the oldest until so many are left."},
 };
 
+constexpr vk::Operand kPacketParse[] = {{"FILE", "The file with the envelope; \"-\" is standard input."}};
+constexpr vk::Operand kPacketMakeFields[] = {
+    {"NAME", "The packet's element, as docs/protocol.md has them."},
+    {"KEY=VALUE", "A field: the elements and the attribute that lead to it, joined by points. A list takes several: "
+                  "recipients.name=Alice recipients.name=Bob; one of records has numbers from 1: "
+                  "attachments.file.1.id=a attachments.file.1.text=/tmp/a. The contents of an element that has "
+                  "attributes are \"text\". Keys of a response's result begin with \"result.\".", Need::Optional},
+};
+constexpr vk::Option kPacketMake[] = {
+    {"--seq", "N", "The sequence number; 0 when not given."},
+    {"--response", "CODE", "Makes a response with this code; 1 is success."},
+    {"--err-code", "N", "The response's error code; 0 when not given."},
+    {"--message", "TEXT", "The response's message."},
+    {"--result-type", "WORD", "What the response's result is; xml when it has any fields, otherwise none.", Need::Optional,
+     "none|text|xml|json|base64|cdata"},
+};
+
 using Receivers = vk::EntityVerbs<vk::ReceiverNoun>;
 using Departments = vk::EntityVerbs<vk::DepartmentNoun>;
 
@@ -86,12 +104,16 @@ constexpr vk::Command kCommands[] = {
      &vk::UnlockQueue},
     {"queue clean", "Deletes old messages in the statuses M, Q and R.", kQueueClean, &vk::CleanQueue},
     {"department list", "Lists all departments by name.", {}, &Departments::List},
+    {"packet parse", "Shows what an envelope of the protocol holds, or where and why it is refused. Needs no root.", {},
+     &vk::ParsePacket, kPacketParse, vk::Scope::Alone},
+    {"packet make", "Writes an envelope with one packet, as the side that sends it has to. Needs no root.", kPacketMake,
+     &vk::MakePacket, kPacketMakeFields, vk::Scope::Alone},
 };
 
 constexpr vk::ManualSection kSections[] = {
     {"EXIT STATUS",
      "0  done\n"
-     "1  the record is refused or is not there\n"
+     "1  the record or the packet is refused or is not there\n"
      "2  the call or the root is wrong; nothing was done\n"
      "3  the database cannot be opened or used"},
     {"FILES",

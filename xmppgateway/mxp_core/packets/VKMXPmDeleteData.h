@@ -16,6 +16,7 @@ public:
     bool m_bFavorites = false;
 
     static constexpr char kElement[] = "wipe";
+    static constexpr bool kServerSends = true;
 
     static constexpr auto ParamFields()
     {

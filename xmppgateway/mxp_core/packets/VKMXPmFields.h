@@ -70,6 +70,12 @@ template <class Packet> std::string ParamsForReader(const Packet& packet)
     return text;
 }
 
+/// The inside of `parameters` as the side that sends requests of this kind writes it.
+template <class Packet> std::string ParamsOnWire(const Packet& packet)
+{
+    return Packet::kServerSends ? packet.GenerateParamXML() : ParamsForReader(packet);
+}
+
 template <class Packet> const char* TablePacket<Packet>::GetName() const { return Packet::kElement; }
 
 template <class Packet> std::string TablePacket<Packet>::GenerateParamXML() const

@@ -42,6 +42,7 @@ public:
     std::string m_strCustomParameters; ///< the whole element `custom-parameters`, or empty
 
     static constexpr char kElement[] = "message";
+    static constexpr bool kServerSends = true;
 
     static constexpr auto ParamFields()
     {

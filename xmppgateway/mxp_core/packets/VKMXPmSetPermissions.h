@@ -10,6 +10,7 @@ public:
     VKMXPmSetPermissions() { SetPerms(false, false, false, 0); }
 
     static constexpr char kElement[] = "set-permissions";
+    static constexpr bool kServerSends = true;
 
     static constexpr auto ParamFields()
     {

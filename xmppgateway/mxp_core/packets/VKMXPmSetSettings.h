@@ -18,6 +18,7 @@ class VKMXPmSetSettings : public vk::mxp::TablePacket<VKMXPmSetSettings>, public
 {
 public:
     static constexpr char kElement[] = "set-settings";
+    static constexpr bool kServerSends = true;
 
     static constexpr auto ParamFields()
     {

@@ -28,8 +28,10 @@ public:
 
     static constexpr std::tuple<> ResultFields() { return {}; }
 
-    /// A packet that only the other side sends has parameters that are read but never written, and a result that is
-    /// written but never read. It says so with constants of its own.
+    static constexpr bool kServerSends = false; ///< who sends requests of this kind; the other side responds
+
+    /// Not so in a packet that is built for the server alone: its parameters are read but never written, and its result
+    /// is written but never read.
     static constexpr bool kWritesParams = true;
     static constexpr bool kReadsResult = true;
 };
