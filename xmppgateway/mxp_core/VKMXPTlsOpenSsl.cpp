@@ -19,6 +19,7 @@ std::shared_ptr<SSL_CTX> ContextFor(const std::string& caBundle)
 {
     static std::mutex guard;
     static std::map<std::string, std::weak_ptr<SSL_CTX>> contexts;
+    static std::shared_ptr<SSL_CTX> unverified; // never changes, so it is kept
 
     const std::lock_guard<std::mutex> lock(guard);
     if (std::shared_ptr<SSL_CTX> known = contexts[caBundle].lock())
@@ -37,6 +38,8 @@ std::shared_ptr<SSL_CTX> ContextFor(const std::string& caBundle)
         SSL_CTX_set_verify(made.get(), SSL_VERIFY_PEER, nullptr);
     }
     contexts[caBundle] = made;
+    if (caBundle.empty())
+        unverified = made;
     return made;
 }
 

@@ -386,7 +386,8 @@ TEST_P(AttachmentRoads, LetMessagesToOthersPass)
     EXPECT_EQ(statuses.WaitFor("film").status, kSent);
     ASSERT_FALSE(times.empty());
     std::nth_element(times.begin(), times.begin() + static_cast<long>(times.size() / 2), times.end());
-    EXPECT_LT(times[times.size() / 2], 10ms) << times.size() << " messages";
+    // Wide enough for a sanitizer on a busy machine; a file that went first would hold them up for its whole length.
+    EXPECT_LT(times[times.size() / 2], 100ms) << times.size() << " messages";
     const auto got = alice.WaitForFiles(1);
     ASSERT_EQ(got.size(), 1U);
     EXPECT_TRUE(Decrypted(got[0]) == content);
