@@ -1,31 +1,16 @@
 #include <benchmark/benchmark.h>
 
-#include <fstream>
-#include <iterator>
-#include <memory>
-#include <stdexcept>
 #include <string>
 
 #include <expat.h>
 
-#include "VKMXPmEnvelope.h"
-#include "VKMXPmFields.h"
-#include "VKMXPmPackets.h"
+#include "GoldenEnvelopes.h"
 
 /// Every kind of packet beside the bare parser on the same bytes: one whole turn reads an envelope with one packet and
 /// writes the same bytes. And a directory response of many recipients, which must cost no more for each than one of
 /// few.
 
 namespace {
-
-std::string Golden(const std::string& file)
-{
-    std::ifstream stream(VK_SOURCE_DIR "/tests/packets/golden/" + file, std::ios::binary);
-    const std::string text{std::istreambuf_iterator<char>(stream), {}};
-    if (text.empty())
-        throw std::runtime_error("there is no tests/packets/golden/" + file);
-    return text;
-}
 
 void Report(benchmark::State& state, const std::string& text)
 {
@@ -47,9 +32,7 @@ void Bare(benchmark::State& state, const std::string& text)
     Report(state, text);
 }
 
-using Envelope = std::shared_ptr<VKMXPmEnvelope>;
-
-void Turn(benchmark::State& state, const std::string& text, const Envelope& written)
+void Turn(benchmark::State& state, const std::string& text, const golden::Envelope& written)
 {
     for (auto _ : state) {
         VKMXPmEnvelope envelope;
@@ -60,71 +43,23 @@ void Turn(benchmark::State& state, const std::string& text, const Envelope& writ
     Report(state, text);
 }
 
-void Register(const std::string& name, const std::string& text, const Envelope& written)
+void Register(const std::string& name, const std::string& text, const golden::Envelope& written)
 {
     benchmark::RegisterBenchmark((name + "/expat").c_str(), Bare, text);
     benchmark::RegisterBenchmark((name + "/turn").c_str(), Turn, text, written);
-}
-
-Envelope Read(const std::string& text)
-{
-    auto envelope = std::make_shared<VKMXPmEnvelope>();
-    if (!envelope->ParseXML(text))
-        throw std::runtime_error(envelope->m_strErrorText);
-    return envelope;
-}
-
-/// The response to a request as a server holds it: what clients alone read is filled in too.
-template <class Packet> Envelope Answered(const std::string& request, const std::string& response)
-{
-    Envelope envelope = Read(request);
-    auto& packet = dynamic_cast<Packet&>(*envelope->Get(0));
-    const Envelope answered = Read(response);
-    const auto& answer = *answered->Get(0);
-    packet.m_iPacketType = VKMXPmBase::kResponse;
-    packet.m_iResponseCode = answer.m_iResponseCode;
-    packet.m_strResponseMessage = answer.m_strResponseMessage;
-    packet.m_eResponseResultType = answer.m_eResponseResultType;
-    XmlReaderWriter::Node result = answer.m_objResponseResultNode;
-    if (!result.isNull())
-        vk::mxp::ReadFields(result, packet, Packet::ResultFields());
-    if (envelope->GenerateXML() != response)
-        throw std::runtime_error(std::string(packet.GetName()) + " does not write what it was given");
-    return envelope;
-}
-
-/// A response of this many recipients.
-Envelope Recipients(std::size_t count)
-{
-    Envelope envelope = Read(Golden("getlist-recipients.request.xml"));
-    auto& packet = dynamic_cast<VKMXPmGetListRecipients&>(*envelope->Get(0));
-    packet.m_iPacketType = VKMXPmBase::kResponse;
-    packet.m_eResponseResultType = eRespResultXml;
-    for (std::size_t i = 0; i < count; ++i) {
-        auto& recipient = packet.m_vecRecipients.emplace_back();
-        recipient.m_iID = static_cast<std::int32_t>(i);
-        recipient.m_strName = "pager-" + std::to_string(i);
-        recipient.m_strFirstName = "Alice";
-        recipient.m_strLastName = "O'Hara";
-        recipient.m_strDepartment = "Ward 3 & 4";
-        recipient.m_vecAttributes = {"lang=de", "shift=night"};
-        recipient.m_strProtocolType = "MXP";
-        recipient.m_strProtocolValue = "alice@example.org";
-    }
-    return envelope;
 }
 
 const bool kRegistered = [] {
     vk::mxp::ForEachPacket([](auto kind) {
         using Packet = typename decltype(kind)::Type;
         const std::string name = Packet::kElement;
-        const std::string request = Golden(name + ".request.xml");
-        const std::string response = Golden(name + ".response.xml");
-        Register(name + ".request", request, Read(request));
-        Register(name + ".response", response, Answered<Packet>(request, response));
+        const std::string request = golden::Text(name + ".request.xml");
+        const std::string response = golden::Text(name + ".response.xml");
+        Register(name + ".request", request, golden::Read(request));
+        Register(name + ".response", response, golden::Answered<Packet>(request, response));
     });
     for (const std::size_t count : {10, 100, 1000, 10000}) {
-        const Envelope envelope = Recipients(count);
+        const golden::Envelope envelope = golden::Recipients(count);
         Register("recipients_" + std::to_string(count), envelope->GenerateXML(), envelope);
     }
     return true;

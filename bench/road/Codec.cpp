@@ -1,6 +1,6 @@
+#include "GoldenEnvelopes.h"
 #include "Parts.h"
 #include "Statistics.h"
-#include "VKMXPmEnvelope.h"
 #include "VKMXPmMessage.h"
 
 #include <expat.h>
@@ -87,4 +87,56 @@ Figure EnvelopeOfThousand(Stage&)
                 ReadAndWrite(ten);
         });
     return {ours / 1000, few / 1000, "bare: a packet among ten"};
+}
+
+namespace {
+
+/// One turn: the text is read, and written from what a server holds; beside it expat reads the text.
+std::pair<double, double> Turn(const std::string& text, const VKMXPmEnvelope& written, int rounds, int calls)
+{
+    return NanosecondsInTurn(
+        rounds, calls,
+        [&] {
+            VKMXPmEnvelope envelope;
+            if (!envelope.ParseXML(text))
+                throw std::runtime_error(envelope.m_strErrorText);
+            Use(written.GenerateXML());
+        },
+        [&] { ReadWithExpat(text); });
+}
+
+} // namespace
+
+Figure PacketKinds(Stage&)
+{
+    Figure worst(0, 1);
+    const auto measure = [&](const std::string& name, const std::string& text, const VKMXPmEnvelope& written) {
+        const auto [ours, bare] = Turn(text, written, 50, 50);
+        if (ours / bare > worst.Ratio())
+            worst = Figure(ours, bare, name + "; bare: expat alone, reading only");
+    };
+    vk::mxp::ForEachPacket([&](auto kind) {
+        using Packet = typename decltype(kind)::Type;
+        const std::string name = Packet::kElement;
+        const std::string request = golden::Text(name + ".request.xml");
+        const std::string response = golden::Text(name + ".response.xml");
+        measure(name + " request", request, *golden::Read(request));
+        measure(name + " response", response, *golden::Answered<Packet>(request, response));
+    });
+    return worst;
+}
+
+Figure RecipientsTenThousand(Stage&)
+{
+    const auto perRecipient = [](std::size_t count, int rounds) {
+        const golden::Envelope envelope = golden::Recipients(count);
+        const auto [ours, bare] = Turn(envelope->GenerateXML(), *envelope, rounds, 1);
+        return std::pair(ours / static_cast<double>(count), bare / static_cast<double>(count));
+    };
+    const auto [ours, bare] = perRecipient(10000, 10);
+    const auto [oursOfThousand, bareOfThousand] = perRecipient(1000, 50);
+    static_cast<void>(bareOfThousand);
+    return {ours, bare,
+            "for each recipient, among 1,000 " + std::to_string(static_cast<long>(oursOfThousand)) +
+                "; bare: expat alone, reading only"};
 }

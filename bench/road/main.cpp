@@ -30,6 +30,8 @@ const Measurement kMeasurements[] = {
     {"send_call_p50", "us", {1000, {}, {}}, SendCallP50},
     {"packet_codec", "ns", {{}, 2.5, {}}, PacketCodec},
     {"envelope_1000", "ns", {{}, 1.25, {}}, EnvelopeOfThousand},
+    {"packet_kinds", "ns", {{}, 3.0, {}}, PacketKinds},
+    {"recipients_10000", "ns", {{}, 3.0, {}}, RecipientsTenThousand},
     {"log_off", "ns", {10, {}, {}}, LogOff},
     {"log_queued", "ns", {1500, {}, {}}, LogQueued},
     {"connect_p50", "us", {{}, 1.2, {}}, ConnectP50},
