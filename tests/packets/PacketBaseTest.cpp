@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "PacketKit.h"
 
 namespace {
@@ -111,6 +113,25 @@ TEST(PacketBase, ResultNodeOutlivesWhatItWasReadFrom)
     packet.reset();
     EXPECT_EQ(copy.m_objResponseResultNode.sourceText(), "<result type='xml'><item>i</item></result>");
     EXPECT_EQ(copy.m_objResponseResultNode["item"].value().str(), "i");
+}
+
+TEST(PacketBase, ResponsesOfOneEnvelopeMayBeReadByTwoThreads)
+{
+    VKMXPmEnvelope envelope;
+    std::string text;
+    for (int i = 0; i < 200; ++i)
+        text +=
+            kit::Response("exec-resp-action", "<name>n</name><params/>", "<result type='xml'><a>1</a><b/></result>");
+    ASSERT_TRUE(envelope.ParseXML(kit::Envelope(text)));
+    const auto read = [&](std::size_t from) {
+        for (std::size_t i = from; i < envelope.GetCount(); i += 2) {
+            XmlReaderWriter::Node result = envelope.Get(i)->m_objResponseResultNode;
+            EXPECT_EQ(result["a"].sourceText() + result["b"].sourceText(), "<a>1</a><b/>");
+        }
+    };
+    std::thread other(read, 1);
+    read(0);
+    other.join();
 }
 
 TEST(PacketBase, ResultTypesHaveTheirWords)

@@ -1,5 +1,7 @@
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <functional>
 
 #include "PacketKit.h"
@@ -216,6 +218,12 @@ TYPED_TEST(PacketKind, OddNumbersAreReadByTheirLeadingDigits)
     };
     const Odd table[] = {{"", "0"},    {"abc", "0"},  {" \t12", "12"}, {"+5", "5"}, {"+-5", "0"},
                          {"- 1", "0"}, {"0x10", "0"}, {"7 8", "7"},    {"9z", "9"}, {"007", "7"}};
+    // Beyond 32 bits: cut, kept by 64 bits, or as a real number.
+    const std::pair<const char*, std::array<const char*, 3>> large[] = {
+        {"2147483648", {"-2147483648", "2147483648", "2.14748e+09"}},
+        {"-4294967295", {"1", "18446744069414584321", "-4.29497e+09"}},
+        {"99999999999999999999", {"-1", "18446744073709551615", "1e+20"}},
+    };
     const auto check = [&](const std::string& whole, const Places& places, auto write) {
         for (const Place& place : places) {
             if (!place.number)
@@ -226,6 +234,11 @@ TYPED_TEST(PacketKind, OddNumbersAreReadByTheirLeadingDigits)
                 const auto packet = kit::Received<TypeParam>(With(whole, place, odd.text));
                 ASSERT_TRUE(packet) << place.path.back() << " " << odd.text;
                 EXPECT_EQ(At(write(*packet), place), odd.read) << place.path.back() << " '" << odd.text << "'";
+            }
+            for (const auto& [text, read] : large) {
+                const auto packet = kit::Received<TypeParam>(With(whole, place, text));
+                ASSERT_TRUE(packet) << place.path.back() << " " << text;
+                EXPECT_THAT(read, testing::Contains(At(write(*packet), place))) << place.path.back();
             }
         }
     };
