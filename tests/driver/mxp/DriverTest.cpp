@@ -487,6 +487,7 @@ TEST_F(Driver, AnnouncesAttachmentsInThePacket)
     EXPECT_TRUE(Send(plain));
     EXPECT_EQ(status, Reports::RS_SENT) << "the marker switches attachments off";
     s_root->RemoveConfig("mxp_no_attach");
+    EXPECT_TRUE(driver->Cleanup()) << "what becomes of the files is told while the message is still there";
 }
 
 TEST_F(Driver, TellsWhyAMessageCouldNotBeSent)
