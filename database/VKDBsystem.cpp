@@ -23,6 +23,8 @@ bool VKDBsystem::OpenSdb(const std::string& configDir, const std::string& dataRo
 bool VKDBsystem::Close()
 {
     is_Open = false;
+    rdb_database.reset();
+    rdb_database_custom.reset();
     return true;
 }
 

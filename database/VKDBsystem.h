@@ -1,9 +1,11 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "VKDirectoryPath.h"
 
+class VKRDBiDatabase;
 class VKsysEventLogInterface;
 
 /// Which database stores the entities.
@@ -22,7 +24,21 @@ public:
     /// of directories is copied (null: left as it is); the queue directories and the logger stay the caller's.
     bool OpenSdb(const std::string& configDir, const std::string& dataRootDir, const VK_DIRECTORY_PATH* directories,
                  VK_QUEUE_DIRECTORY_PATH* queueDirectories, int numQueues, VKsysEventLogInterface* eventLog);
+    /// The start of a relational server: opens the first connection. While something is open already it does nothing.
+    /// Throws VKDBexception with the driver's code and words.
+    bool OpenDatabase(const std::string& connectString, const std::string& userName, const std::string& userPassword,
+                      DbType type, const VK_DIRECTORY_PATH* directories, bool oracle, bool multipleConnections,
+                      bool dsn, VKsysEventLogInterface* eventLog);
+
     bool Close();
+
+    /// A new open connection; null in the file database. Throws VKDBexception.
+    std::shared_ptr<VKRDBiDatabase> CreateNewDatabaseInstance();
+
+    /// What the next entity works on: a new connection when there are to be many, else the custom one, which is used
+    /// once, else the one that all share.
+    std::shared_ptr<VKRDBiDatabase> GetDatabaseInstance();
+    void SetCustomDatabaseInstance(std::shared_ptr<VKRDBiDatabase> database);
 
     VKsysEventLogInterface* GetEventLog() const { return event_Log; }
 
@@ -36,11 +52,19 @@ public:
     void FreeCOMThread() {}
 
     static inline bool is_Open = false;
+    static inline bool isOracle = false;
+    static inline bool isDSN = false;
+    static inline bool mutiple_Connections = false;
     static inline DbType db_Type = DbTypeNone;
+    static inline std::string connect_String;
+    static inline std::string user_Name;
+    static inline std::string password; ///< never logged
     static inline VKsysEventLogInterface* event_Log = nullptr;
     static inline VK_DIRECTORY_PATH directory_Pathes{};
     static inline std::string sys_Config_Dir;
     static inline std::string data_Root_Dir;
     static inline VK_QUEUE_DIRECTORY_PATH* queue_Directory = nullptr;
     static inline int num_Queues = 0;
+    static inline std::shared_ptr<VKRDBiDatabase> rdb_database;
+    static inline std::shared_ptr<VKRDBiDatabase> rdb_database_custom;
 };

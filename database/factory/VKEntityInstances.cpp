@@ -4,6 +4,8 @@
 #include "VKBALReceiver.h"
 #include "VKDBexception.h"
 #include "VKDBsystem.h"
+#include "VKRDBDepartment.h"
+#include "VKRDBReceiver.h"
 #include "VKSQLite3Department.h"
 #include "VKSQLite3MessageQueue.h"
 #include "VKSQLite3Receiver.h"
@@ -14,12 +16,19 @@
 
 namespace {
 
-template <class Interface, class ValidatingLayer, class FileBackend> Interface* MakeLayers(VKDBsystem* system)
+template <class Interface, class FileBackend, class ServerBackend> std::unique_ptr<Interface> MakeBackend()
 {
-    if (VKDBsystem::db_Type != DbTypeSdb)
-        throw VKDBexception(vk::DbError::General, __FILE__, __LINE__,
-                            "The file database is not open, and there is no other one.");
-    auto backend = std::make_unique<FileBackend>();
+    if (VKDBsystem::db_Type == DbTypeSdb)
+        return std::make_unique<FileBackend>();
+    if (VKDBsystem::db_Type == DbTypeOdbc)
+        return std::make_unique<ServerBackend>();
+    throw VKDBexception(vk::DbError::General, __FILE__, __LINE__, "No database is open.");
+}
+
+template <class Interface, class ValidatingLayer, class FileBackend, class ServerBackend>
+Interface* MakeLayers(VKDBsystem* system)
+{
+    auto backend = MakeBackend<Interface, FileBackend, ServerBackend>();
     backend->Initialize(system);
     auto wrapper = std::make_unique<ValidatingLayer>(std::move(backend));
     wrapper->Initialize(system);
@@ -30,12 +39,12 @@ template <class Interface, class ValidatingLayer, class FileBackend> Interface* 
 
 VKDBiDepartment* VKDBiDepartment::CreateInstance(VKDBsystem* system)
 {
-    return MakeLayers<VKDBiDepartment, VKBALDepartment, VKSQLite3Department>(system);
+    return MakeLayers<VKDBiDepartment, VKBALDepartment, VKSQLite3Department, VKRDBDepartment>(system);
 }
 
 VKDBiReceiver* VKDBiReceiver::CreateInstance(VKDBsystem* system)
 {
-    return MakeLayers<VKDBiReceiver, VKBALReceiver, VKSQLite3Receiver>(system);
+    return MakeLayers<VKDBiReceiver, VKBALReceiver, VKSQLite3Receiver, VKRDBReceiver>(system);
 }
 
 /// The fax and voice queues, 6 and 7, are files on every installation. A queue has no validating layer.

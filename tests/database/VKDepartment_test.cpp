@@ -1,11 +1,17 @@
 #include <gmock/gmock.h>
 
 #include "FileDatabase.h"
+#include "PostgresServer.h"
 #include "VKBALMessages.h"
 #include "VKBALexception.h"
+#include "VKODBCResultSet.h"
+#include "VKPostgreSqlDialect.h"
+#include "VKRDBDepartment.h"
+#include "VKRDBiDatabase.h"
 #include "VKRecordText.h"
 #include "VKSQLite3Database.h"
 #include "VKSQLite3Department.h"
+#include "VKSqlRecord.h"
 
 namespace {
 
@@ -19,14 +25,39 @@ VK_DEPARTMENT Department(const std::string& name, long most = -1, long count = 0
     return department;
 }
 
-class VKDepartmentTest : public FileDatabase
+enum class Backend { Files, PostgreSql };
+
+/// The same cases on the file database and on a real server.
+class VKDepartmentTest : public FileDatabase, public testing::WithParamInterface<Backend>
 {
 protected:
-    VKDepartmentTest() : departments(VKDBiDepartment::CreateInstance(&system)) { store.Initialize(&system); }
+    VKDepartmentTest()
+    {
+        if (GetParam() == Backend::PostgreSql)
+            MoveToServer();
+        departments.reset(VKDBiDepartment::CreateInstance(&system));
+        if (GetParam() == Backend::Files)
+            store = std::make_unique<VKSQLite3Department>();
+        else
+            store = std::make_unique<VKRDBDepartment>();
+        store->Initialize(&system);
+    }
+    void MoveToServer()
+    {
+        PostgresServer::Get();
+        system.Close();
+        system.OpenDatabase(PostgresServer::kSource, "postgres", "", DbTypeOdbc, nullptr, false, false, true, nullptr);
+        const vk::SqlDialect& dialect = vk::PostgreSqlDialect::Get();
+        const std::string table = dialect.TableOf(vk::kDepartmentTable.name);
+        server = system.GetDatabaseInstance();
+        server->ExecuteCommand("DROP TABLE IF EXISTS " + table);
+        server->ExecuteCommand("CREATE TABLE " + table + " (" + vk::ColumnsText(dialect, vk::kDepartmentTable.fields) +
+                               ")");
+    }
 
     unsigned long Add(VK_DEPARTMENT department)
     {
-        store.Add(&department);
+        store->Add(&department);
         return department.id;
     }
     std::string Names()
@@ -43,16 +74,30 @@ protected:
     long CountOf(unsigned long id)
     {
         VK_DEPARTMENT department;
-        return store.GetByID(&department, id) ? department.num_receivers : -1;
+        return store->GetByID(&department, id) ? department.num_receivers : -1;
     }
 
     std::unique_ptr<VKDBiDepartment> departments;
-    VKSQLite3Department store; ///< without the rules, which refuse most of the odd texts
+    std::unique_ptr<vk::SqlDepartment> store; ///< without the rules, which refuse most of the odd texts
+    std::shared_ptr<VKRDBiDatabase> server;   ///< what all of them share; null on files
 };
+
+class VKDepartmentFileTest : public VKDepartmentTest
+{
+};
+
+class VKDepartmentServerTest : public VKDepartmentTest
+{
+};
+
+INSTANTIATE_TEST_SUITE_P(Backends, VKDepartmentTest, testing::Values(Backend::Files, Backend::PostgreSql),
+                         [](const auto& row) { return row.param == Backend::Files ? "Files" : "PostgreSql"; });
+INSTANTIATE_TEST_SUITE_P(Files, VKDepartmentFileTest, testing::Values(Backend::Files));
+INSTANTIATE_TEST_SUITE_P(PostgreSql, VKDepartmentServerTest, testing::Values(Backend::PostgreSql));
 
 } // namespace
 
-TEST_F(VKDepartmentTest, TableAndIndexStandInTheFile)
+TEST_P(VKDepartmentFileTest, TableAndIndexStandInTheFile)
 {
     EXPECT_STREQ(VKSQLite3Department::tTableDesc[0].columns,
                  "id INTEGER PRIMARY KEY AUTOINCREMENT, name VARCHAR(50) NOT NULL, description VARCHAR(100) NOT NULL, "
@@ -63,36 +108,36 @@ TEST_F(VKDepartmentTest, TableAndIndexStandInTheFile)
     EXPECT_EQ(result[0]["name"].GetValueString(), "name");
 }
 
-TEST_F(VKDepartmentTest, EveryTextComesBackAsItWentIn)
+TEST_P(VKDepartmentTest, EveryTextComesBackAsItWentIn)
 {
     for (const std::string& text :
          {std::string("O'Brien's \"ward\""), std::string("100% _ \\ [x] {}"), std::string("\xF0\x9F\x9A\x92 Zürich"),
           std::string("'); DROP TABLE department; --"), std::string("%s %d {}"), std::string(50, '\'')}) {
         VK_DEPARTMENT added = Department(text);
         vk::SetText(added.description, text + text, "description");
-        ASSERT_TRUE(store.Add(&added)) << text;
+        ASSERT_TRUE(store->Add(&added)) << text;
         VK_DEPARTMENT read;
-        ASSERT_TRUE(store.GetByID(&read, added.id));
+        ASSERT_TRUE(store->GetByID(&read, added.id));
         EXPECT_EQ(read.name, text);
         EXPECT_EQ(read.description, text + text);
-        ASSERT_TRUE(store.GetByName(&read, text)) << text;
+        ASSERT_TRUE(store->GetByName(&read, text)) << text;
         EXPECT_EQ(read.id, added.id);
-        EXPECT_FALSE(store.IsUniqueName(text, 0));
-        EXPECT_TRUE(store.IsUniqueName(text, added.id));
+        EXPECT_FALSE(store->IsUniqueName(text, 0));
+        EXPECT_TRUE(store->IsUniqueName(text, added.id));
         unsigned long id = 0;
-        EXPECT_TRUE(store.GetIDByName(id, text));
+        EXPECT_TRUE(store->GetIDByName(id, text));
         EXPECT_EQ(id, added.id);
-        store.SetFilter(text);
+        store->SetFilter(text);
         VK_DEPARTMENT_LIST list;
-        store.Get(&list);
+        store->Get(&list);
         EXPECT_EQ(list.count, 1) << text;
         EmptyDepartmentList(&list);
-        EXPECT_TRUE(store.Delete(added.id));
+        EXPECT_TRUE(store->Delete(added.id));
     }
-    EXPECT_EQ(store.GetTotalRecordCount(), 0);
+    EXPECT_EQ(store->GetTotalRecordCount(), 0);
 }
 
-TEST_F(VKDepartmentTest, TextsThatDoNotFitAreRefusedByName)
+TEST_P(VKDepartmentTest, TextsThatDoNotFitAreRefusedByName)
 {
     VK_DEPARTMENT department;
     EXPECT_EQ(ErrorOf([&] { vk::SetText(department.name, std::string(51, 'x'), "name"); }),
@@ -101,14 +146,14 @@ TEST_F(VKDepartmentTest, TextsThatDoNotFitAreRefusedByName)
               "-1 The text for 'name' holds a zero byte.");
     EXPECT_STREQ(department.name, "");
     memset(department.description, 'x', sizeof department.description);
-    EXPECT_EQ(ErrorOf([&] { store.Add(&department); }),
+    EXPECT_EQ(ErrorOf([&] { store->Add(&department); }),
               "-1 The text for 'description' has no end within its 101 bytes.");
-    EXPECT_THAT(ErrorOf([&] { store.IsUniqueName(std::string(600, 'x'), 0); }),
-                testing::HasSubstr("at most 511 are run [SELECT id FROM department"));
-    EXPECT_THAT(ErrorOf([&] { store.IsUniqueName(std::string("a\0b", 3), 0); }), testing::HasSubstr("zero byte"));
+    EXPECT_THAT(ErrorOf([&] { store->IsUniqueName(std::string(600, 'x'), 0); }),
+                testing::HasSubstr("at most 511 are run [SELECT id FROM "));
+    EXPECT_THAT(ErrorOf([&] { store->IsUniqueName(std::string("a\0b", 3), 0); }), testing::HasSubstr("zero byte"));
 }
 
-TEST_F(VKDepartmentTest, AllBrokenRulesAreToldAtOnce)
+TEST_P(VKDepartmentTest, AllBrokenRulesAreToldAtOnce)
 {
     Add(Department("Surgery"));
     const auto lines = [](std::initializer_list<int> numbers) {
@@ -146,7 +191,7 @@ TEST_F(VKDepartmentTest, AllBrokenRulesAreToldAtOnce)
     EXPECT_EQ(free.max_receivers, -1) << "without limits none is stored";
 }
 
-TEST_F(VKDepartmentTest, ModifyKeepsTheCountThatGrewMeanwhile)
+TEST_P(VKDepartmentTest, ModifyKeepsTheCountThatGrewMeanwhile)
 {
     const unsigned long id = Add(Department("Old", 5, 1));
     VK_DEPARTMENT department;
@@ -163,7 +208,7 @@ TEST_F(VKDepartmentTest, ModifyKeepsTheCountThatGrewMeanwhile)
     EXPECT_STREQ(department.name, "");
 }
 
-TEST_F(VKDepartmentTest, ReceiverCountKeepsToTheLimit)
+TEST_P(VKDepartmentTest, ReceiverCountKeepsToTheLimit)
 {
     const unsigned long limited = Add(Department("Limited", 2, 1));
     const unsigned long unlimited = Add(Department("Unlimited", -1, 7));
@@ -190,7 +235,7 @@ TEST_F(VKDepartmentTest, ReceiverCountKeepsToTheLimit)
                   "-1 Unknown department. The record may have been deleted.");
 }
 
-TEST_F(VKDepartmentTest, ListsAreOrderedFilteredAndPaged)
+TEST_P(VKDepartmentTest, ListsAreOrderedFilteredAndPaged)
 {
     for (const char* name : {"b_1", "a1", "B2", "bX1", "A0", "c"})
         Add(Department(name));
@@ -228,7 +273,7 @@ TEST_F(VKDepartmentTest, ListsAreOrderedFilteredAndPaged)
     EXPECT_EQ(names[0].id, 5u);
 }
 
-TEST_F(VKDepartmentTest, ADepartmentInUseIsNotDeleted)
+TEST_P(VKDepartmentFileTest, ADepartmentInUseIsNotDeleted)
 {
     const unsigned long own = Add(Department("Own"));
     const unsigned long guest = Add(Department("Guest"));
@@ -248,7 +293,7 @@ TEST_F(VKDepartmentTest, ADepartmentInUseIsNotDeleted)
     EXPECT_EQ(departments->GetTotalRecordCount(), 2);
 }
 
-TEST_F(VKDepartmentTest, MovedRecordsKeepTheirIds)
+TEST_P(VKDepartmentTest, MovedRecordsKeepTheirIds)
 {
     VK_DEPARTMENT_LIST list;
     for (const unsigned long id : {7ul, 3ul, 4000000000ul}) {
@@ -256,12 +301,65 @@ TEST_F(VKDepartmentTest, MovedRecordsKeepTheirIds)
         department.id = id;
         AddDepartment(&list, &department);
     }
-    ASSERT_TRUE(store.ConvertRecords(&list));
+    ASSERT_TRUE(store->ConvertRecords(&list));
     EXPECT_EQ(Names(), "d3;d4000000000;d7;");
     EXPECT_EQ(CountOf(4000000000ul), 2);
-    EXPECT_NE(ErrorOf([&] { store.ConvertRecords(&list); }), "") << "ids that are there already";
+    EXPECT_NE(ErrorOf([&] { store->ConvertRecords(&list); }), "") << "ids that are there already";
     list.list[0].id = 8;
-    EXPECT_NE(ErrorOf([&] { store.ConvertRecords(&list); }), "");
+    EXPECT_NE(ErrorOf([&] { store->ConvertRecords(&list); }), "");
     EXPECT_EQ(CountOf(8), -1) << "all or none";
     EmptyDepartmentList(&list);
+}
+
+TEST_P(VKDepartmentServerTest, IdsGoOnBehindMovedRecords)
+{
+    VK_DEPARTMENT department = Department("moved");
+    department.id = 70;
+    VK_DEPARTMENT_LIST list;
+    AddDepartment(&list, &department);
+    ASSERT_TRUE(store->ConvertRecords(&list));
+    EmptyDepartmentList(&list);
+    EXPECT_EQ(Add(Department("new")), 71u);
+}
+
+TEST_P(VKDepartmentServerTest, LongCellsArriveWholeAndErrorsCarryTheServersWords)
+{
+    VKODBCResultSet result;
+    ASSERT_TRUE(server->ExecuteSelectQuery("SELECT repeat('ab', 5000), NULL, ''", result));
+    EXPECT_EQ(result[0][0].GetValueString().size(), 10000u);
+    EXPECT_EQ(result[0][1].GetValuePtr(), nullptr);
+    EXPECT_STREQ(result[0][2].GetValuePtr(), "");
+    try {
+        server->ExecuteCommand("SELECT * FROM nowhere");
+        FAIL();
+    } catch (const VKDBexception& failure) {
+        EXPECT_EQ(failure.GetMsg(), "SQL query[SELECT * FROM nowhere]");
+        EXPECT_THAT(failure.GetSysMsg(), testing::HasSubstr("\"nowhere\" does not exist"));
+    }
+    EXPECT_THROW(server->ExecuteCommand("SELECT 7 AS ErrorCode"), VKDBexception);
+}
+
+TEST_P(VKDepartmentServerTest, ACutConnectionThrowsRollsBackAndOnlyTheTestConnectsAnew)
+{
+    const unsigned long kept = Add(Department("kept"));
+    ASSERT_TRUE(server->BeginTransaction());
+    ASSERT_TRUE(server->ExecuteCommand("DELETE FROM VK_DEPARTMENT"));
+    PostgresServer::Get().Stop();
+    EXPECT_THROW(server->ExecuteCommand("SELECT 1"), VKDBexception);
+    EXPECT_THROW(departments->GetTotalRecordCount(), VKDBexception);
+    EXPECT_FALSE(server->TestNReconnect()) << "nobody is there";
+    PostgresServer::Get().Start();
+    EXPECT_THROW(departments->GetTotalRecordCount(), VKDBexception) << "a statement never connects anew";
+    EXPECT_TRUE(server->TestNReconnect());
+    EXPECT_EQ(departments->GetTotalRecordCount(), 1);
+    EXPECT_EQ(CountOf(kept), 0);
+}
+
+TEST(VKRDBiDatabase, TheOneWithoutAServerDoesNothing)
+{
+    const std::unique_ptr<VKRDBiDatabase> none(VKRDBiDatabase::GetInstance(1, nullptr));
+    EXPECT_FALSE(none->Open("a", "b", "c", true, true));
+    EXPECT_FALSE(none->IsOpen());
+    EXPECT_FALSE(none->TestNReconnect());
+    EXPECT_FALSE(none->ExecuteCommand("SELECT 1"));
 }

@@ -5,40 +5,12 @@
 #include "VKSQLite3Dialect.h"
 #include "VKSqlDepartment.h"
 #include "VKSqlStore.h"
+#include "VKTransactSqlDialect.h"
 
 /// An entity's operations on another dialect than the file database's: the texts of a relational server, to the letter,
 /// from the same code.
 
 namespace {
-
-class ServerDialect : public vk::SqlDialect
-{
-public:
-    std::string TableOf(const vk::TableName& table) const override { return table.relational; }
-    std::string ColumnType(vk::ColumnKind, int) const override { return ""; }
-    std::string Page(const std::string& query, const std::string& order, long size, long offset) const override
-    {
-        return "SELECT * FROM (SELECT TOP " + std::to_string(offset + size) + " *, ROW_NUMBER() over ( ORDER BY " +
-               order + ") as rnum FROM (" + query + ") this_table_1 ) this_table_2 WHERE rnum > " +
-               std::to_string(offset);
-    }
-    std::string SelectEnd() const override { return ""; }
-    std::string InsertEnd() const override { return "; SELECT [id] = @@IDENTITY, ERRORCODE=@@ERROR "; }
-    std::string UpdateEnd() const override { return " SELECT ErrorCode = @@ERROR "; }
-    std::string KeepIdentity(const vk::TableName& table, bool on) const override
-    {
-        return std::string("SET IDENTITY_INSERT ") + table.relational + (on ? " ON" : " OFF");
-    }
-
-protected:
-    std::string LikeText(std::string_view text) const override
-    {
-        std::string escaped;
-        for (const char c : vk::SqlDialect::LikeText(text))
-            escaped += c == '[' ? std::string("\\[") : std::string(1, c);
-        return escaped;
-    }
-};
 
 /// Notes what is run, and answers as told.
 class NotingConnection : public vk::SqlConnection
@@ -46,7 +18,7 @@ class NotingConnection : public vk::SqlConnection
 public:
     explicit NotingConnection(std::vector<std::string>& notes) : m_notes(notes) {}
 
-    const vk::SqlDialect& Dialect() const override { return m_dialect; }
+    const vk::SqlDialect& Dialect() const override { return vk::TransactSqlDialect::Get(); }
     std::string GetPath() const override { return "server"; }
     std::unique_ptr<VKDBiResultSet> ExecuteSelectQuery(const std::string& query) override
     {
@@ -87,7 +59,6 @@ private:
         return answer;
     }
 
-    ServerDialect m_dialect;
     std::vector<std::string>& m_notes;
 };
 

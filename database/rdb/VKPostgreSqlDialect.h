@@ -1,0 +1,24 @@
+#pragma once
+
+#include "VKSqlDialect.h"
+
+namespace vk {
+
+/// The SQL of PostgreSQL.
+class PostgreSqlDialect final : public SqlDialect
+{
+public:
+    /// The one object; it has no state.
+    static const PostgreSqlDialect& Get();
+
+    std::string TableOf(const TableName& table) const override { return table.relational; }
+    std::string ColumnType(ColumnKind kind, int width) const override;
+    std::string Page(const std::string& query, const std::string& order, long size, long offset) const override;
+    std::string SelectEnd() const override { return ""; }
+    std::string InsertEnd() const override { return " RETURNING id"; }
+    std::string UpdateEnd() const override { return ""; }
+    /// A row takes the id it is given at any time; what counts the ids has to be told afterwards.
+    std::string KeepIdentity(const TableName& table, bool on) const override;
+};
+
+} // namespace vk

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "VKSqlDialect.h"
+
+namespace vk {
+
+/// The SQL of a server that speaks T-SQL.
+class TransactSqlDialect final : public SqlDialect
+{
+public:
+    /// The one object; it has no state.
+    static const TransactSqlDialect& Get();
+
+    std::string TableOf(const TableName& table) const override { return table.relational; }
+    std::string ColumnType(ColumnKind kind, int width) const override;
+    std::string Page(const std::string& query, const std::string& order, long size, long offset) const override;
+    std::string SelectEnd() const override { return ""; }
+    std::string InsertEnd() const override { return "; SELECT [id] = @@IDENTITY, ERRORCODE=@@ERROR "; }
+    std::string UpdateEnd() const override { return " SELECT ErrorCode = @@ERROR "; }
+    std::string KeepIdentity(const TableName& table, bool on) const override;
+
+protected:
+    /// A bracket opens a set of characters in LIKE here.
+    std::string LikeText(std::string_view text) const override;
+};
+
+} // namespace vk

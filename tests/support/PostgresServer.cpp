@@ -1,0 +1,110 @@
+#include "PostgresServer.h"
+
+#include <arpa/inet.h>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <pwd.h>
+#include <stdexcept>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+int FreePort()
+{
+    const int handle = socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    socklen_t size = sizeof address;
+    bind(handle, reinterpret_cast<sockaddr*>(&address), size);
+    getsockname(handle, reinterpret_cast<sockaddr*>(&address), &size);
+    close(handle);
+    return ntohs(address.sin_port);
+}
+
+std::string ProgramFolder()
+{
+    for (const auto& version : std::filesystem::directory_iterator("/usr/lib/postgresql"))
+        if (std::filesystem::exists(version.path() / "bin/postgres"))
+            return (version.path() / "bin").string() + "/";
+    throw std::runtime_error("no PostgreSQL server is installed");
+}
+
+/// How a command of the server's is run: by its user when the tests run as root.
+std::string AsServerUser()
+{
+    return geteuid() == 0 ? "setpriv --reuid=postgres --regid=postgres --clear-groups " : "";
+}
+
+} // namespace
+
+PostgresServer& PostgresServer::Get()
+{
+    static PostgresServer server;
+    return server;
+}
+
+PostgresServer::PostgresServer() : m_port(FreePort())
+{
+    if (const passwd* user = getpwnam("postgres"); user != nullptr && geteuid() == 0)
+        if (chown(m_dir.Path().c_str(), user->pw_uid, user->pw_gid) != 0)
+            throw std::system_error(errno, std::generic_category(), m_dir.Path().string());
+    m_dir.Write("odbcinst.ini", "[PostgreSQL]\nDriver=psqlodbca.so\n");
+    m_dir.Write("odbc.ini", std::string("[") + kSource + "]\nDriver=PostgreSQL\nServername=127.0.0.1\nPort=" +
+                                std::to_string(m_port) + "\nDatabase=postgres\nUsername=postgres\n" +
+                                "ConnSettings=SET client_encoding TO 'UTF8'\nMaxVarcharSize=4000\n");
+    setenv("ODBCSYSINI", m_dir.Path().c_str(), 1);
+    setenv("ODBCINI", (m_dir / "odbc.ini").c_str(), 1);
+    if (Run("initdb", "-D " + (m_dir / "data") + " -U postgres -A trust -E UTF8 --locale=C --no-sync", "initdb.out") !=
+        0)
+        throw std::runtime_error("initdb failed: " + m_dir.Read("initdb.out"));
+    Start();
+}
+
+PostgresServer::~PostgresServer() { Stop(); }
+
+int PostgresServer::Run(const std::string& program, const std::string& arguments, const char* output) const
+{
+    return std::system(
+        ("cd / && " + AsServerUser() + ProgramFolder() + program + " " + arguments + " >" + (m_dir / output) + " 2>&1")
+            .c_str());
+}
+
+void PostgresServer::Start()
+{
+    const std::string command = "cd / && exec " + AsServerUser() + ProgramFolder() + "postgres -D " + (m_dir / "data") +
+                                " -h 127.0.0.1 -p " + std::to_string(m_port) + " -k '' -F >" + (m_dir / "server.out") +
+                                " 2>&1";
+    m_pid = fork();
+    if (m_pid < 0)
+        throw std::system_error(errno, std::generic_category(), "fork");
+    if (m_pid == 0) {
+        execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+        _exit(127);
+    }
+    const std::string ready = "-q -h 127.0.0.1 -p " + std::to_string(m_port);
+    const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (Run("pg_isready", ready, "ready.out") != 0) {
+        if (std::chrono::steady_clock::now() > giveUp || waitpid(m_pid, nullptr, WNOHANG) == m_pid)
+            throw std::runtime_error("postgres did not start: " + m_dir.Read("server.out"));
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+}
+
+void PostgresServer::Stop()
+{
+    if (m_pid <= 0)
+        return;
+    kill(m_pid, SIGINT); // the server's word for: at once, but in order
+    while (waitpid(m_pid, nullptr, 0) < 0 && errno == EINTR) {
+    }
+    m_pid = -1;
+}
+
+/// The distribution's driver keeps a few bytes for each connection to itself.
+extern "C" const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions() { return "leak:psqlodbca.so\n"; }

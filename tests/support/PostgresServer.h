@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+#include <sys/types.h>
+
+#include "TempDir.h"
+
+/// A private PostgreSQL server on loopback for tests: its own data folder, run by the unprivileged user "postgres" (the
+/// server refuses root), reached as the ODBC data source "vktest" through private odbc.ini and odbcinst.ini files.
+/// Throws std::runtime_error with the server's own words when it does not come up.
+class PostgresServer
+{
+public:
+    /// The one of this test program, started on first use and stopped with it.
+    static PostgresServer& Get();
+
+    PostgresServer();
+    ~PostgresServer();
+    PostgresServer(const PostgresServer&) = delete;
+    PostgresServer& operator=(const PostgresServer&) = delete;
+
+    /// Returns when it takes connections; one that was stopped comes back on the same port.
+    void Start();
+    /// Cuts all connections and returns when it has ended.
+    void Stop();
+
+    static constexpr const char* kSource = "vktest";
+
+private:
+    int Run(const std::string& program, const std::string& arguments, const char* output) const;
+
+    TempDir m_dir;
+    int m_port = 0;
+    pid_t m_pid = -1;
+};
