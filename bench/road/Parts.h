@@ -14,3 +14,5 @@ Figure RecipientsTenThousand(Stage& stage);
 Figure LogOff(Stage& stage);
 /// What a record through the multi-threaded logger costs its caller.
 Figure LogQueued(Stage& stage);
+/// States of 1,000 jobs stored as one list, beside the same statements in the bare library in one transaction.
+Figure StatusListOfThousand(Stage& stage);

@@ -32,6 +32,7 @@ const Measurement kMeasurements[] = {
     {"envelope_1000", "ns", {{}, 1.25, {}}, EnvelopeOfThousand},
     {"packet_kinds", "ns", {{}, 3.0, {}}, PacketKinds},
     {"recipients_10000", "ns", {{}, 3.0, {}}, RecipientsTenThousand},
+    {"status_list_1000", "1/s", {{}, {}, 0.7}, StatusListOfThousand},
     {"log_off", "ns", {10, {}, {}}, LogOff},
     {"log_queued", "ns", {1500, {}, {}}, LogQueued},
     {"connect_p50", "us", {{}, 1.2, {}}, ConnectP50},

@@ -1,5 +1,6 @@
 #include "DepartmentNoun.h"
 #include "InitCommand.h"
+#include "JobStatusCommand.h"
 #include "PacketCommands.h"
 #include "QueueCommands.h"
 #include "ReceiverNoun.h"
@@ -66,6 +67,8 @@ constexpr vk::Option kQueueClean[] = {
     {"--keep", "N", "Delete the oldest until so many are left."},
 };
 
+constexpr vk::Operand kJobStatusShow[] = {{"JOB", "The job's id."}};
+
 constexpr vk::Operand kPacketParse[] = {{"FILE", "The file with the envelope; \"-\" is standard input."}};
 constexpr vk::Operand kPacketMakeFields[] = {
     {"NAME", "The packet's element, as docs/protocol.md has them."},
@@ -104,6 +107,7 @@ constexpr vk::Command kCommands[] = {
      &vk::UnlockQueue},
     {"queue clean", "Deletes old messages in the statuses M, Q and R.", kQueueClean, &vk::CleanQueue},
     {"department list", "Lists all departments by name.", {}, &Departments::List},
+    {"job-status show", "Shows the last known state of a job.", {}, &vk::ShowJobStatus, kJobStatusShow},
     {"packet parse", "Shows what an envelope of the protocol holds, or where and why it is refused. Needs no root.", {},
      &vk::ParsePacket, kPacketParse, vk::Scope::Alone},
     {"packet make", "Writes an envelope with one packet, as the side that sends it has to. Needs no root.", kPacketMake,
@@ -121,7 +125,8 @@ constexpr vk::ManualSection kSections[] = {
      "DIR/config/datasource  which database it is\n"
      "DIR/config/vklogs.ini  what is logged, and where\n"
      "DIR/config/*.sdb       the embedded database files\n"
-     "DIR/temp/xmpp_user_sessions.sdb  who is logged in"},
+     "DIR/temp/xmpp_user_sessions.sdb  who is logged in\n"
+     "report_msg_status.sdb  the jobs' states; in the report directory that DIR/config/dir names"},
     {"EXAMPLE",
      "vkadmin --root /srv/paging init\n"
      "vkadmin --root /srv/paging receiver add --name Alice --pin alice@example.org --type two-way\n"
