@@ -23,7 +23,7 @@ std::string PostgreSqlDialect::ColumnType(ColumnKind kind, int width) const
 
 std::string PostgreSqlDialect::Page(const std::string& query, const std::string& order, long size, long offset) const
 {
-    return query + " ORDER BY " + order + " LIMIT " + std::to_string(size) + " OFFSET " + std::to_string(offset);
+    return Sorted(query, order) + " LIMIT " + std::to_string(size) + " OFFSET " + std::to_string(offset);
 }
 
 std::string PostgreSqlDialect::KeepIdentity(const TableName& table, bool on) const

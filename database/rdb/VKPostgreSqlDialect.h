@@ -13,6 +13,11 @@ public:
 
     std::string TableOf(const TableName& table) const override { return table.relational; }
     std::string ColumnType(ColumnKind kind, int width) const override;
+    /// A query of its own around it: DISTINCT takes no other terms than its columns.
+    std::string Sorted(const std::string& query, const std::string& order) const override
+    {
+        return SqlDialect::Sorted("SELECT * FROM (" + query + ") this_table_1", order);
+    }
     std::string Page(const std::string& query, const std::string& order, long size, long offset) const override;
     std::string SelectEnd() const override { return ""; }
     std::string InsertEnd() const override { return " RETURNING id"; }

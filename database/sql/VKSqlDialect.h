@@ -40,6 +40,12 @@ public:
     /// A column's text with another first letter.
     virtual std::string WithFirstLetter(std::string_view column, char letter) const;
 
+    /// All of a query's rows in this order, whose terms are columns of the result.
+    virtual std::string Sorted(const std::string& query, const std::string& order) const
+    {
+        return query + " ORDER BY " + order;
+    }
+
     /// One page of a query's rows: at most `size` of them, behind the first `offset`, in this order.
     virtual std::string Page(const std::string& query, const std::string& order, long size, long offset) const = 0;
 

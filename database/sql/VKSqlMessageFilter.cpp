@@ -1,6 +1,6 @@
 #include "VKSqlMessageFilter.h"
 
-#include "VKSqlText.h"
+#include "VKSqlClause.h"
 
 namespace vk {
 
@@ -12,43 +12,18 @@ constexpr long kDaySeconds = 86400;
 /// A scheduled message may be this many minutes late.
 constexpr int kScheduleSpanMinutes = 29;
 
-/// Collects the parts of a WHERE clause.
-class Clause
+void AddSpan(SqlClause& clause, const char* column, time_t from, time_t to)
 {
-public:
-    explicit Clause(const SqlDialect& dialect) : m_dialect(dialect) {}
+    const SqlRaw name{column};
+    if (from != 0 && to != 0)
+        clause.Add("{} BETWEEN {} AND {}", name, from, to);
+    else if (from != 0)
+        clause.Add("{}>={}", name, from);
+    else if (to != 0)
+        clause.Add("{}<={}", name, to);
+}
 
-    template <class... Values> void Add(const char* pattern, const Values&... values)
-    {
-        AddRaw(SqlText(m_dialect, pattern, values...));
-    }
-    void AddRaw(const std::string& part) { m_text += (m_text.empty() ? "WHERE " : " AND ") + part; }
-
-    void AddBeginning(const char* column, const std::string& text)
-    {
-        if (!text.empty() && text != "*")
-            AddRaw(m_dialect.BeginsNoCase(column, text));
-    }
-
-    void AddSpan(const char* column, time_t from, time_t to)
-    {
-        const SqlRaw name{column};
-        if (from != 0 && to != 0)
-            Add("{} BETWEEN {} AND {}", name, from, to);
-        else if (from != 0)
-            Add("{}>={}", name, from);
-        else if (to != 0)
-            Add("{}<={}", name, to);
-    }
-
-    const std::string& Text() const { return m_text; }
-
-private:
-    const SqlDialect& m_dialect;
-    std::string m_text;
-};
-
-void AddReady(Clause& clause, const std::string& service, time_t now)
+void AddReady(SqlClause& clause, const std::string& service, time_t now)
 {
     clause.Add("((lock_time=0 OR last_lock_owner_svc_name={}) AND (msg_status IN ('M','D','E','F') OR (msg_status='Q' "
                "AND next_query_time<={}) OR (msg_status='R' AND last_lock_owner_svc_name={} AND last_modify_time<{}) "
@@ -56,7 +31,7 @@ void AddReady(Clause& clause, const std::string& service, time_t now)
                service, now, service, now - kHeldTooLong, now - kWaitSeconds);
 }
 
-void AddSchedule(Clause& clause, time_t now)
+void AddSchedule(SqlClause& clause, time_t now)
 {
     tm local{};
     localtime_r(&now, &local);
@@ -92,7 +67,7 @@ const char* SortColumn(SortFldOption field)
 std::string MessageFilterClause(const SqlDialect& dialect, const MessageFilter& filter, ReadyOption option,
                                 const std::string& service, time_t now)
 {
-    Clause clause(dialect);
+    SqlClause clause(dialect);
     if (filter.name.size() == 2 && filter.name[1] == '.')
         clause.Add("msg_status={}", filter.name.substr(0, 1));
     else
@@ -101,7 +76,7 @@ std::string MessageFilterClause(const SqlDialect& dialect, const MessageFilter& 
         clause.AddRaw(dialect.Matches("msg_protocol", filter.protocol));
     if (!filter.pin.empty() && filter.pin != "*")
         clause.AddRaw(dialect.MatchesNoCase("pin", filter.pin));
-    clause.AddSpan("last_modify_time", filter.from, filter.to);
+    AddSpan(clause, "last_modify_time", filter.from, filter.to);
     if (filter.expired)
         clause.Add("expiry_time<{}", now);
     if (option == ReadyOption::Normal)
@@ -118,7 +93,7 @@ std::string MessageFilterClause(const SqlDialect& dialect, const MessageFilter& 
     clause.AddBeginning("rcv_group_name", filter.group);
     clause.AddBeginning("pin", filter.pinBeginning);
     clause.AddBeginning("carrier_name", filter.carrier);
-    clause.AddSpan("create_time", filter.createdFrom, filter.createdTo);
+    AddSpan(clause, "create_time", filter.createdFrom, filter.createdTo);
     return clause.Text();
 }
 

@@ -3,41 +3,25 @@
 #include "VKDBexception.h"
 #include "VKSQLite3Database.h"
 #include "VKSQLite3Dialect.h"
-#include "VKstringSql.h"
+#include "VKSqlClause.h"
 
 /// \file
 /// Filters, sorting and pages of VKXmppGWUserSessionDB.
 
 namespace {
 
-/// Conditions joined to a WHERE clause.
-class Conditions
+constexpr const char* kNumberList = "0123456789, ";
+
+/// "column IN (ids)"; refuses what is no list of numbers, because the list goes into the statement as it stands.
+void AddIds(vk::SqlClause& clause, const char* column, const std::string& ids)
 {
-public:
-    explicit Conditions(std::string& clause) : m_clause(clause) {}
-    void Add(const std::string& condition) { m_clause.append(m_clause.empty() ? "WHERE " : " AND ").append(condition); }
-
-    void AddPrefix(const char* column, const std::string& text)
-    {
-        if (!text.empty() && text != "*")
-            Add(std::string("UPPER(XUSession.") + column + ") LIKE UPPER('" + VKstringSQLLikeEncode(text) +
-                "%') ESCAPE '\\'");
-    }
-
-    /// "column IN (ids)"; refuses what is no list of numbers, because the list goes into the statement as it stands.
-    void AddIds(const char* column, const std::string& ids)
-    {
-        if (ids.empty())
-            return;
-        if (ids.find_first_not_of("0123456789, ") != std::string::npos)
-            throw VKDBexception(vk::DbError::General, __FILE__, __LINE__,
-                                std::string("The filter for ") + column + " is no list of numbers.");
-        Add(std::string(column) + " IN (" + ids + ")");
-    }
-
-private:
-    std::string& m_clause;
-};
+    if (ids.empty())
+        return;
+    if (ids.find_first_not_of(kNumberList) != std::string::npos)
+        throw VKDBexception(vk::DbError::General, __FILE__, __LINE__,
+                            std::string("The filter for ") + column + " is no list of numbers.");
+    clause.Add("{} IN ({})", vk::SqlRaw{column}, vk::SqlRaw{ids});
+}
 
 constexpr const char* kSortTerms[] = {"UPPER(XUSession.user_name)",
                                       "XUSession.type",
@@ -55,39 +39,37 @@ constexpr const char* kInitialLetter = "UPPER(substr(XUSession.user_name, 1, 1))
 
 bool VKXmppGWUserSessionDB::Get(std::vector<VKXmppGWUserSession>* sessions, VKXmppGWSessionType type)
 {
-    std::string clause;
-    Conditions conditions(clause);
-    conditions.AddIds("activation_id", m_strFilterActivationIDs);
-    conditions.AddIds("user_id", m_strFilterUserIDs);
+    vk::SqlClause clause(vk::SQLite3Dialect::Get());
+    AddIds(clause, "activation_id", m_strFilterActivationIDs);
+    AddIds(clause, "user_id", m_strFilterUserIDs);
     if (type != VKXmppGWSessionNone)
-        conditions.Add("type=" + std::to_string(type));
-    return GetList("SELECT * FROM xmpp_user_sessions " + clause + " ORDER BY lower(user_name);", sessions);
+        clause.Add("type={}", type);
+    return GetList("SELECT * FROM xmpp_user_sessions " + clause.Text() + " ORDER BY lower(user_name);", sessions);
 }
 
-void VKXmppGWUserSessionDB::SetupFilterClause(std::string& clause) const
+void VKXmppGWUserSessionDB::SetupFilterClause(std::string& text) const
 {
-    clause.reserve(2048);
-    Conditions conditions(clause);
-    conditions.AddPrefix("user_name", m_strFilterUserName);
+    vk::SqlClause clause(vk::SQLite3Dialect::Get());
+    clause.AddPrefix("XUSession.user_name", m_strFilterUserName);
     if (m_FilterType != VKXmppGWSessionNone)
-        conditions.Add("XUSession.type=" + std::to_string(m_FilterType));
-    conditions.AddPrefix("assigned_user_name", m_strFilterAssignedUserName);
-    conditions.AddPrefix("user_ip_address", m_strFilterIpAddress);
-    conditions.AddPrefix("user_platform", m_strFilterPlatform);
-    conditions.AddPrefix("client_name", m_strFilterClientName);
-    conditions.AddPrefix("jid", m_strFilterJid);
+        clause.Add("XUSession.type={}", m_FilterType);
+    clause.AddPrefix("XUSession.assigned_user_name", m_strFilterAssignedUserName);
+    clause.AddPrefix("XUSession.user_ip_address", m_strFilterIpAddress);
+    clause.AddPrefix("XUSession.user_platform", m_strFilterPlatform);
+    clause.AddPrefix("XUSession.client_name", m_strFilterClientName);
+    clause.AddPrefix("XUSession.jid", m_strFilterJid);
     if (m_lFilterTo > 0 && m_lFilterFrom > 0 && m_lFilterTo > m_lFilterFrom)
-        conditions.Add("XUSession.created_time BETWEEN " + std::to_string(m_lFilterFrom) + " AND " +
-                       std::to_string(m_lFilterTo));
+        clause.Add("XUSession.created_time BETWEEN {} AND {}", m_lFilterFrom, m_lFilterTo);
     if (m_FilterEmergency != FltEither)
-        conditions.Add(m_FilterEmergency == FltOnlyEnabled ? "XUSession.is_emergency_mode=1"
-                                                           : "XUSession.is_emergency_mode=0");
+        clause.Add("XUSession.is_emergency_mode={}", m_FilterEmergency == FltOnlyEnabled);
     const std::string initial = kInitialLetter;
     if (m_FilterInitial == FltOnlyEnabled)
-        conditions.Add("(" + initial + " < 'A' OR " + initial + " > 'Z')");
+        clause.AddRaw("(" + initial + " < 'A' OR " + initial + " > 'Z')");
     else if (m_FilterInitial == FltOnlyDisabled)
-        conditions.Add("(" + initial + " >= 'A' AND " + initial + " <= 'Z')");
-    conditions.AddIds("XUSession.activation_id", m_strFilterActivationIDs);
+        clause.AddRaw("(" + initial + " >= 'A' AND " + initial + " <= 'Z')");
+    AddIds(clause, "XUSession.activation_id", m_strFilterActivationIDs);
+    text.reserve(2048);
+    text += clause.Text();
 }
 
 std::string VKXmppGWUserSessionDB::SortClause() const
