@@ -2,9 +2,11 @@
 
 #include "VKConfiguration.h"
 #include "VKDBexception.h"
+#include "VKDBiActiveMxpClient.h"
 #include "VKDBiDepartment.h"
 #include "VKDBiMessageQueue.h"
 #include "VKDBiReceiver.h"
+#include "VKDBiXmppGWUser.h"
 #include "VKDatabaseMultiThreaded.h"
 
 namespace {
@@ -156,6 +158,12 @@ template <class Entity, class... Keys> Entity* VKDatabase::ObjectOf(const std::s
 
 VKDBiDepartment* VKDatabase::getVKDBiDepartmentObject() { return ObjectOf<VKDBiDepartment>("VKDBiDepartment"); }
 VKDBiReceiver* VKDatabase::getVKDBiReceiverObject() { return ObjectOf<VKDBiReceiver>("VKDBiReceiver"); }
+VKDBiXmppGWUser* VKDatabase::getVKDBiXmppGWUserObject() { return ObjectOf<VKDBiXmppGWUser>("VKDBiXmppGWUser"); }
+
+VKDBiActiveMxpClient* VKDatabase::getVKDBiActiveMxpClientObject()
+{
+    return ObjectOf<VKDBiActiveMxpClient>("VKDBiActiveMxpClient");
+}
 
 VKDBiMessageQueue* VKDatabase::getVKDBiMessageQueueObject(int queueNumber)
 {

@@ -10,9 +10,11 @@
 #include "VKDBsystem.h"
 
 class VKConfiguration;
+class VKDBiActiveMxpClient;
 class VKDBiDepartment;
 class VKDBiMessageQueue;
 class VKDBiReceiver;
+class VKDBiXmppGWUser;
 class VKsysEventLogInterface;
 
 /// The database of the process: hands out entity objects, which stay its own, and keeps them so that the opening of a
@@ -67,6 +69,8 @@ public:
     // The factory: null when the database or the entity's file cannot be opened, with the reason in getLastErrorString.
     VKDBiDepartment* getVKDBiDepartmentObject();
     VKDBiReceiver* getVKDBiReceiverObject();
+    VKDBiXmppGWUser* getVKDBiXmppGWUserObject();
+    VKDBiActiveMxpClient* getVKDBiActiveMxpClientObject();
     /// One for each queue number, or for each queue number and service.
     VKDBiMessageQueue* getVKDBiMessageQueueObject(int queueNumber);
     VKDBiMessageQueue* getVKDBiMessageQueueObject(int queueNumber, const std::string& serviceName);

@@ -24,6 +24,11 @@ struct Varchar
     int width;
 };
 
+/// A std::string of any length: TEXT.
+struct LongText
+{
+};
+
 /// The column's default is '0'.
 struct DefaultZero
 {

@@ -4,11 +4,15 @@
 #include "VKBALReceiver.h"
 #include "VKDBexception.h"
 #include "VKDBsystem.h"
+#include "VKRDBActiveMxpClient.h"
 #include "VKRDBDepartment.h"
 #include "VKRDBReceiver.h"
+#include "VKRDBXmppGWUser.h"
+#include "VKSQLite3ActiveMxpClient.h"
 #include "VKSQLite3Department.h"
 #include "VKSQLite3MessageQueue.h"
 #include "VKSQLite3Receiver.h"
+#include "VKSQLite3XmppGWUser.h"
 
 /// \file
 /// The layers of each entity put together: the backend that the system is on, behind the validating layer. The one
@@ -35,6 +39,14 @@ Interface* MakeLayers(VKDBsystem* system)
     return wrapper.release();
 }
 
+/// An entity without rules has no validating layer.
+template <class Interface, class FileBackend, class ServerBackend> Interface* MakePlain(VKDBsystem* system)
+{
+    auto backend = MakeBackend<Interface, FileBackend, ServerBackend>();
+    backend->Initialize(system);
+    return backend.release();
+}
+
 } // namespace
 
 VKDBiDepartment* VKDBiDepartment::CreateInstance(VKDBsystem* system)
@@ -45,6 +57,16 @@ VKDBiDepartment* VKDBiDepartment::CreateInstance(VKDBsystem* system)
 VKDBiReceiver* VKDBiReceiver::CreateInstance(VKDBsystem* system)
 {
     return MakeLayers<VKDBiReceiver, VKBALReceiver, VKSQLite3Receiver, VKRDBReceiver>(system);
+}
+
+VKDBiXmppGWUser* VKDBiXmppGWUser::CreateInstance(VKDBsystem* system)
+{
+    return MakePlain<VKDBiXmppGWUser, VKSQLite3XmppGWUser, VKRDBXmppGWUser>(system);
+}
+
+VKDBiActiveMxpClient* VKDBiActiveMxpClient::CreateInstance(VKDBsystem* system)
+{
+    return MakePlain<VKDBiActiveMxpClient, VKSQLite3ActiveMxpClient, VKRDBActiveMxpClient>(system);
 }
 
 /// The fax and voice queues, 6 and 7, are files on every installation. A queue has no validating layer.

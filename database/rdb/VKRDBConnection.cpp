@@ -73,4 +73,9 @@ std::shared_ptr<VKRDBiDatabase> RequireConnection(VKDBsystem& system)
     return database;
 }
 
+std::unique_ptr<SqlStore> OpenServerStore(VKDBsystem& system, std::size_t statementLimit)
+{
+    return std::make_unique<SqlStore>(std::make_unique<RdbConnection>(RequireConnection(system)), statementLimit);
+}
+
 } // namespace vk

@@ -4,7 +4,7 @@
 
 #include "VKDBsystem.h"
 #include "VKRDBiDatabase.h"
-#include "VKSqlConnection.h"
+#include "VKSqlStore.h"
 
 namespace vk {
 
@@ -32,5 +32,8 @@ private:
 
 /// The connection that the next entity of the system works on. Throws VKDBexception when there is none.
 std::shared_ptr<VKRDBiDatabase> RequireConnection(VKDBsystem& system);
+
+/// That connection with its dialect, for an entity's operations.
+std::unique_ptr<SqlStore> OpenServerStore(VKDBsystem& system, std::size_t statementLimit);
 
 } // namespace vk

@@ -1,11 +1,9 @@
 #include "VKRDBDepartment.h"
 
 #include "VKRDBConnection.h"
-#include "VKSqlStore.h"
 
 bool VKRDBDepartment::Initialize(VKDBsystem* system)
 {
-    auto connection = std::make_unique<vk::RdbConnection>(vk::RequireConnection(*system));
-    UseStore(std::make_unique<vk::SqlStore>(std::move(connection), kStatementLimit));
+    UseStore(vk::OpenServerStore(*system, kStatementLimit));
     return VKDBbaseInterface::Initialize(system);
 }

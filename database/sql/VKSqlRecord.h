@@ -22,7 +22,9 @@ template <class Value> constexpr ColumnKind KindOf()
 
 template <class Row> constexpr ColumnKind KindOfField()
 {
-    return Row::template has<PrimaryKey> ? ColumnKind::Id : KindOf<typename Row::Value>();
+    if (Row::template has<PrimaryKey>)
+        return ColumnKind::Id;
+    return Row::template has<LongText> ? ColumnKind::Text : KindOf<typename Row::Value>();
 }
 
 template <class Row> int WidthOf(const Row& field)
@@ -47,7 +49,8 @@ inline void AddWithComma(std::string& list, const std::string& item)
 /// One column of CREATE TABLE.
 template <class Row> std::string ColumnDefinition(const SqlDialect& dialect, const Row& field)
 {
-    static_assert(!std::is_same_v<typename Row::Value, std::string> || Row::template has<Varchar>,
+    static_assert(!std::is_same_v<typename Row::Value, std::string> || Row::template has<Varchar> ||
+                      Row::template has<LongText>,
                   "a std::string needs the width of its column");
     std::string text =
         std::string(field.name) + " " + dialect.ColumnType(detail::KindOfField<Row>(), detail::WidthOf(field));
@@ -84,6 +87,17 @@ std::string FieldLiteral(const SqlDialect& dialect, const Row& field, const Reco
     } else {
         return SqlArgument(dialect, value);
     }
+}
+
+/// Refuses the first std::string of a record that is longer than its column, by name. The other members cannot be.
+template <class Fields, class Record> void RequireWidths(const Fields& fields, const Record& record)
+{
+    ForEachField(fields, [&](const auto& field) {
+        using Row = std::decay_t<decltype(field)>;
+        if constexpr (Row::template has<Varchar>)
+            RequireFits(field.of(record), static_cast<std::size_t>(field.template mark<Varchar>().width) + 1,
+                        field.name);
+    });
 }
 
 enum class RowId { FromStore, FromRecord };

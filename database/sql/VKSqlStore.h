@@ -70,14 +70,31 @@ public:
     }
 
     /// Stores records with the ids that they carry, as a move from another backend does; all or none. `what` names them
-    /// in an error: "department".
+    /// in an error: "department". `failure` is what an error of the insert says in place of its own words, which go to
+    /// the system message.
     template <class Fields, class Record>
-    void InsertRowsWithIds(const Table<Fields>& table, const Record* records, int count, const char* what)
+    void InsertRowsWithIds(const Table<Fields>& table, const Record* records, int count, const char* what,
+                           const char* failure = nullptr)
     {
         SwitchKeepIdentity(table.name, true);
         for (int i = 0; i < count; ++i)
-            RequireSameId(InsertRow(table, records[i], RowId::FromRecord), records[i].id, what);
+            RequireSameId(
+                Renaming(failure, [&] { return InsertRow(table, records[i], RowId::FromRecord); }), records[i].id,
+                what);
         SwitchKeepIdentity(table.name, false);
+    }
+
+    /// Runs a body; an error of it is thrown on with another message, and its own as system message.
+    template <class Body> static auto Renaming(const char* message, Body&& body)
+    {
+        try {
+            return body();
+        } catch (const VKDBexception& failure) {
+            if (message == nullptr)
+                throw;
+            throw VKDBexception(failure.GetErrorCode(), failure.GetFile(), failure.GetLine(), message,
+                                failure.GetSysMsg().empty() ? failure.GetMsg() : failure.GetSysMsg());
+        }
     }
 
 private:

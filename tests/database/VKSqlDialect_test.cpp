@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "VKDBexception.h"
+#include "NotingConnection.h"
 #include "VKRecordText.h"
 #include "VKSQLite3Dialect.h"
 #include "VKSqlDepartment.h"
@@ -11,56 +11,6 @@
 /// from the same code.
 
 namespace {
-
-/// Notes what is run, and answers as told.
-class NotingConnection : public vk::SqlConnection
-{
-public:
-    explicit NotingConnection(std::vector<std::string>& notes) : m_notes(notes) {}
-
-    const vk::SqlDialect& Dialect() const override { return vk::TransactSqlDialect::Get(); }
-    std::string GetPath() const override { return "server"; }
-    std::unique_ptr<VKDBiResultSet> ExecuteSelectQuery(const std::string& query) override
-    {
-        m_notes.push_back(query);
-        auto result = std::make_unique<VKDBiResultSet>();
-        if (query.find("COUNT(") != std::string::npos) {
-            VKDBiRow row;
-            row.Add(VKDBiRowField("", "25"));
-            result->Add(row);
-        }
-        return result;
-    }
-    long ExecuteUpdateQuery(const std::string& query) override
-    {
-        m_notes.push_back(query);
-        if (query == failing)
-            throw VKDBexception(8101, "failed");
-        return 1;
-    }
-    unsigned long ExecuteInsertQuery(const std::string& query) override
-    {
-        m_notes.push_back(query);
-        return 77;
-    }
-    bool StartTransactionShared(const std::string&, bool, int, long) override { return Note("shared", starts); }
-    bool StartTransactionExclusive(const std::string&, bool, int, long) override { return Note("exclusive", starts); }
-    bool EndTransactionCommit(const std::string&, bool, int, long) override { return Note("commit", commits); }
-    bool EndTransactionRollback(const std::string&, bool, int, long) override { return Note("rollback", true); }
-
-    bool starts = true;
-    bool commits = true;
-    std::string failing;
-
-private:
-    bool Note(const char* what, bool answer)
-    {
-        m_notes.push_back(what);
-        return answer;
-    }
-
-    std::vector<std::string>& m_notes;
-};
 
 class ServerDepartment : public vk::SqlDepartment
 {

@@ -1,0 +1,10 @@
+#include "VKRDBXmppGWUser.h"
+
+#include "VKRDBConnection.h"
+
+bool VKRDBXmppGWUser::Initialize(VKDBsystem* system)
+{
+    UseStore(vk::OpenServerStore(*system, kStatementLimit));
+    VKDBbaseInterface::Initialize(system);
+    return PopulateDefaultUsers();
+}

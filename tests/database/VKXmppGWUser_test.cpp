@@ -1,0 +1,364 @@
+#include <gmock/gmock.h>
+
+#include "GatewayDatabase.h"
+#include "NotingConnection.h"
+#include "VKDBiXmppGWUser.h"
+#include "VKRDBXmppGWUser.h"
+#include "VKSQLite3Database.h"
+#include "VKSQLite3Dialect.h"
+#include "VKSQLite3XmppGWUser.h"
+#include "VKSha256.h"
+#include "VKUser.h"
+#include "VKnetwork.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+VKXmppGWUser User(const std::string& login, const std::string& name)
+{
+    VKXmppGWUser user;
+    user.type = VKXmppGWUserNormal;
+    user.user_id = login;
+    user.user_password = "secret of " + login;
+    user.name = name;
+    user.ip = "10.0.0.1";
+    user.enabled = true;
+    return user;
+}
+
+class VKXmppGWUserTest : public GatewayDatabase
+{
+protected:
+    VKXmppGWUserTest()
+    {
+        MakeServerTable(vk::kXmppGWUserTable);
+        MakeServerTable(vk::kUserTable);
+        users.reset(VKDBiXmppGWUser::CreateInstance(&system));
+    }
+
+    unsigned long Add(VKXmppGWUser user)
+    {
+        EXPECT_TRUE(users->Add(&user, false));
+        return user.id;
+    }
+
+    /// A user of the server; the entity for them is not needed to read their names.
+    void AddServerUser(unsigned long id, const std::string& name)
+    {
+        VK_USER user;
+        user.id = id;
+        vk::SetText(user.name, name, "name");
+        if (!OnFiles()) {
+            system.GetDatabaseInstance()->ExecuteCommand(
+                vk::InsertText(vk::PostgreSqlDialect::Get(), vk::kUserTable, user, vk::RowId::FromRecord));
+            return;
+        }
+        VKSQLite3Database file(dir / "users.sdb", true);
+        VKSQLite3ResultSet result;
+        file.ExecuteUpdateQuery(
+            vk::InsertText(vk::SQLite3Dialect::Get(), vk::kUserTable, user, vk::RowId::FromRecord) + ";", result);
+    }
+
+    /// Logins of the visible accounts with their owners, in the view's order.
+    std::string View(bool visibleOnly = true)
+    {
+        std::vector<VKXmppGWUserView> view;
+        EXPECT_TRUE(users->Get(&view, visibleOnly));
+        std::string shown;
+        for (const VKXmppGWUserView& user : view)
+            shown += user.user_id + (user.vk_user_name.empty() ? "" : "/" + user.vk_user_name) + " ";
+        return shown;
+    }
+
+    std::unique_ptr<VKDBiXmppGWUser> users;
+};
+
+INSTANTIATE_TEST_SUITE_P(Backends, VKXmppGWUserTest,
+                         testing::Values(GatewayBackend::Files, GatewayBackend::PostgreSql), [](const auto& row) {
+                             return row.param == GatewayBackend::Files ? "Files" : "PostgreSql";
+                         });
+
+/// The accounts on a connection that only notes.
+class NotedUsers : public vk::SqlXmppGWUser
+{
+public:
+    explicit NotedUsers(const vk::SqlDialect& dialect)
+    {
+        UseStore(std::make_unique<vk::SqlStore>(std::make_unique<NotingConnection>(notes, dialect), kStatementLimit));
+    }
+
+    std::vector<std::string> notes;
+};
+
+} // namespace
+
+TEST(VKXmppGWUserTable, ColumnsAreAsOtherProgramsKnowThem)
+{
+    EXPECT_STREQ(VKSQLite3XmppGWUser::tTableDesc[0].columns,
+                 "id INTEGER PRIMARY KEY AUTOINCREMENT, type INTEGER, user_id VARCHAR(50) NOT NULL, user_password "
+                 "VARCHAR(128) NOT NULL, name VARCHAR(50) NOT NULL, nick_name VARCHAR(50), resource VARCHAR(50), ip "
+                 "VARCHAR(50) NOT NULL, creation_time INTEGER, enabled BOOLEAN, vk_user_id INTEGER, enable_readonly "
+                 "BOOLEAN, enable_hidden BOOLEAN, enable_roster BOOLEAN, enable_multi_login BOOLEAN, misc_settings "
+                 "TEXT");
+    const char* const words[] = {"None", "Emergency", "MXPCarrier", "Normal", "XmppGWUser"};
+    for (int type = 0; type < 5; ++type) {
+        EXPECT_EQ(VKDBiXmppGWUser::GetUserTypeString(static_cast<VKXmppGWUserType>(type)), words[type]);
+        EXPECT_EQ(VKDBiXmppGWUser::GetUserType(words[type]), type);
+    }
+    EXPECT_EQ(VKDBiXmppGWUser::GetUserType("emergency"), VKXmppGWUserEmergency);
+    EXPECT_EQ(VKDBiXmppGWUser::GetUserType("Robot"), VKXmppGWUserNone);
+}
+
+TEST_P(VKXmppGWUserTest, TheSystemMakesItsOwnAccountsOnce)
+{
+    std::vector<VKXmppGWUser> made;
+    ASSERT_TRUE(users->Get(&made));
+    ASSERT_EQ(made.size(), 3u);
+    const struct
+    {
+        const char* name;
+        const char* resource;
+        std::string ip;
+        bool multiLogin;
+    } expected[] = {{"_vk_agent_", "_vk_agent_", VKutilGetLocalHostIp(), false},
+                    {"_vk_emerg_user_", "", "", true},
+                    {"_vk_msgr_user_", "", VKutilGetLocalHostIp(), true}};
+    for (int i = 0; i < 3; ++i) {
+        const VKXmppGWUser& user = made[static_cast<std::size_t>(i)];
+        SCOPED_TRACE(expected[i].name);
+        EXPECT_EQ(user.user_id, expected[i].name);
+        EXPECT_EQ(user.name, expected[i].name);
+        EXPECT_EQ(user.user_password, vk::Sha256Text(expected[i].name));
+        EXPECT_EQ(user.type, VKXmppGWUserXmppGWUser);
+        EXPECT_EQ(user.resource, expected[i].resource);
+        EXPECT_EQ(user.ip, expected[i].ip);
+        EXPECT_EQ(user.nick_name, "");
+        EXPECT_GT(user.creation_time, 1700000000);
+        EXPECT_TRUE(user.enabled && user.enable_readonly && user.enable_hidden && !user.enable_roster);
+        EXPECT_EQ(user.enable_multi_login, expected[i].multiLogin);
+    }
+    EXPECT_EQ(users->GetTotalRecordCount(true), 0);
+
+    EXPECT_TRUE(users->Delete(made[1].id));
+    VKDBiXmppGWUser::s_ulDefaultVKUserID = 7;
+    users.reset(VKDBiXmppGWUser::CreateInstance(&system));
+    EXPECT_EQ(users->GetTotalRecordCount(false), 3);
+    VKXmppGWUser again;
+    EXPECT_TRUE(users->GetByName(&again, "_VK_EMERG_USER_", false));
+    EXPECT_GT(again.id, made[2].id);
+    EXPECT_EQ(again.vk_user_id, 0u);
+    EXPECT_TRUE(users->GetByID(made[0].id, &again, false)) << "what was there stays";
+    EXPECT_TRUE(users->Delete(made[0].id) && users->PopulateDefaultUsers());
+    EXPECT_TRUE(users->GetByName(&again, "_vk_agent_", false));
+    EXPECT_EQ(again.vk_user_id, 7u);
+    VKDBiXmppGWUser::s_ulDefaultVKUserID = 0;
+}
+
+TEST_P(VKXmppGWUserTest, EveryFieldComesBackAndLoginsAreFoundWhateverTheCase)
+{
+    VKXmppGWUser added = User("Ann'1", "Ann \"O'Hara\" Zürich");
+    added.nick_name = "%_\\{}";
+    added.resource = "'); DROP TABLE xmpp_user; --";
+    added.creation_time = 5000000000;
+    added.vk_user_id = 9;
+    added.enable_readonly = added.enable_roster = added.enable_multi_login = true;
+    added.misc_settings = std::string(5000, 'x') + R"({"a":"it's"})";
+    ASSERT_TRUE(users->Add(&added, false));
+    const auto expectSame = [&] {
+        VKXmppGWUser read;
+        ASSERT_TRUE(users->GetByID(added.id, &read, false));
+        vk::ForEachField(vk::kXmppGWUserTable.fields,
+                         [&](const auto& field) { EXPECT_EQ(field.of(read), field.of(added)) << field.name; });
+    };
+    expectSame();
+    added.name = "Anna";
+    added.creation_time = 1;
+    added.enable_hidden = true;
+    added.type = VKXmppGWUserEmergency;
+    ASSERT_TRUE(users->Modify(&added));
+    ASSERT_TRUE(users->UpdateStatus(added.id, 0));
+    added.enabled = false;
+    expectSame();
+
+    VKXmppGWUser read;
+    EXPECT_TRUE(users->GetByName(&read, "ANN'1", false));
+    EXPECT_FALSE(users->GetByName(&read, "Anna", false)) << "the login, not the name";
+    EXPECT_EQ(read.id, 0u);
+    EXPECT_EQ(users->GetIDByName("aNNa"), added.id);
+    EXPECT_EQ(users->GetIDByName("ANN'1"), 0u);
+    unsigned long holder = 0;
+    EXPECT_FALSE(users->IsUniqueName("ann'1", &holder));
+    EXPECT_EQ(holder, added.id);
+    EXPECT_FALSE(users->IsUniqueName("ann'1", nullptr));
+    EXPECT_TRUE(users->IsUniqueName("anna", &holder));
+    std::map<unsigned long, std::string> names;
+    EXPECT_TRUE(users->GetAllNameList(names));
+    EXPECT_EQ(names.size(), 4u);
+    EXPECT_EQ(names[added.id], "Anna");
+
+    EXPECT_TRUE(users->IsXmppGWUserPresent(added.id));
+    EXPECT_TRUE(users->Delete(added.id));
+    EXPECT_FALSE(users->IsXmppGWUserPresent(added.id));
+    EXPECT_FALSE(users->Delete(added.id) || users->Modify(&added) || users->UpdateStatus(added.id, 1));
+}
+
+TEST_P(VKXmppGWUserTest, WhatDoesNotFitIsRefusedByNameAndNoPasswordIsTold)
+{
+    VKXmppGWUser user = User(std::string(51, 'x'), "name");
+    EXPECT_THAT(ErrorOf([&] { users->Add(&user, false); }), testing::HasSubstr("user_id"));
+    user = User("zero", std::string("a\0b", 3));
+    EXPECT_THAT(ErrorOf([&] { users->Add(&user, false); }), testing::HasSubstr("name"));
+    user = User("ann", "Ann");
+    user.user_password = "hunter2 ";
+    user.misc_settings = std::string(70000, 'x');
+    const std::string error = ErrorOf([&] { users->Add(&user, false); });
+    EXPECT_NE(error, "");
+    EXPECT_THAT(error, testing::Not(testing::HasSubstr("hunter2")));
+    EXPECT_EQ(users->GetTotalRecordCount(true), 0);
+}
+
+TEST_P(VKXmppGWUserTest, TheViewIsFilteredSortedAndPaged)
+{
+    AddServerUser(1, "root");
+    AddServerUser(2, "Operator");
+    const auto add = [&](const char* login, const char* name, VKXmppGWUserType type, unsigned long owner, bool enabled) {
+        VKXmppGWUser user = User(login, name);
+        user.type = type;
+        user.vk_user_id = owner;
+        user.enabled = enabled;
+        Add(user);
+    };
+    add("a", "Cy_d", VKXmppGWUserNormal, 2, true);
+    add("C", "ann", VKXmppGWUserEmergency, 0, true);
+    add("b", "Bob%", VKXmppGWUserMXPCarrier, 1, false);
+    EXPECT_EQ(View(), "C b/root a/Operator ") << "by name when nothing else is asked for";
+    EXPECT_THAT(View(false), testing::HasSubstr("_vk_agent_ "));
+
+    using Sort = VKDBiXmppGWUser::SortFld;
+    const struct
+    {
+        Sort field;
+        const char* ascending;
+        const char* descending;
+    } sorts[] = {{Sort::SortType, "C b/root a/Operator ", "a/Operator b/root C "},
+                 {Sort::SortUserID, "a/Operator b/root C ", "C b/root a/Operator "},
+                 {Sort::SortName, "C b/root a/Operator ", "a/Operator b/root C "}};
+    for (const auto& row : sorts) {
+        users->SetSort(row.field, true);
+        EXPECT_EQ(View(), row.ascending) << row.field;
+        users->SetSort(row.field, false);
+        EXPECT_EQ(View(), row.descending) << row.field;
+    }
+    users->SetSort(Sort::SortEnabled, true);
+    EXPECT_EQ(View().substr(0, 6), "b/root");
+    users->SetSort(Sort::SortVKUserName, true);
+    EXPECT_THAT(View(), testing::HasSubstr("a/Operator b/root "));
+    users->SetFilterAssignedVKUser(2);
+    EXPECT_EQ(View(), "a/Operator ");
+    users->SetFilterAssignedVKUser(0);
+
+    const std::pair<const char*, const char*> filters[] = {
+        {"*", "C b/root a/Operator "}, {"", "C b/root a/Operator "}, {"B", "b/root "}, {"bob%", "b/root "},
+        {"%", ""},                     {"cy_", "a/Operator "},       {"b_", ""},       {"'", ""}};
+    users->ClearSort();
+    for (const auto& [filter, shown] : filters) {
+        users->SetFilter(filter);
+        EXPECT_EQ(View(), shown) << filter;
+    }
+    users->ClearFilter();
+
+    users->SetSort(Sort::SortUserID, true);
+    users->SetFilter(2, 2);
+    EXPECT_EQ(View(), "C ");
+    EXPECT_EQ(users->GetPageCount(), 2);
+    EXPECT_EQ(users->GetTotalRecords(), 3);
+    users->SetFilter(3, 1);
+    EXPECT_EQ(View(), "a/Operator b/root C ");
+    EXPECT_EQ(users->GetPageCount(), 1);
+    users->SetFilter(0, 0);
+    EXPECT_EQ(View(), "a/Operator b/root C ");
+}
+
+TEST_P(VKXmppGWUserTest, RecordsFromAnotherBackendKeepTheirIds)
+{
+    std::unique_ptr<vk::SqlXmppGWUser> store;
+    if (OnFiles())
+        store = std::make_unique<VKSQLite3XmppGWUser>();
+    else
+        store = std::make_unique<VKRDBXmppGWUser>();
+    ASSERT_TRUE(store->Initialize(&system));
+    std::vector<VKXmppGWUser> moved = {User("a", "a"), User("b", "b")};
+    moved[0].id = 70;
+    moved[1].id = 71;
+    ASSERT_TRUE(store->ConvertRecords(moved));
+    EXPECT_EQ(store->GetIDByName("b"), 71u);
+    EXPECT_GT(Add(User("c", "c")), 71u);
+    moved[0].id = 90;
+    EXPECT_THAT(ErrorOf([&] { store->ConvertRecords(moved); }), testing::HasSubstr("Execution of insert query failed."));
+    EXPECT_FALSE(store->IsXmppGWUserPresent(90)) << "all or none";
+}
+
+TEST(VKXmppGWUserView, SpeaksTheFilesSqlToTheLetter)
+{
+    NotedUsers users(vk::SQLite3Dialect::Get());
+    users.SetFilter("a");
+    users.SetFilter(10, 2);
+    users.SetSort(VKDBiXmppGWUser::SortUserID, true);
+    std::vector<VKXmppGWUserView> view;
+    EXPECT_TRUE(users.Get(&view, false));
+    const std::string filter = "WHERE UPPER(xmpp_user.name) LIKE UPPER('a%') ESCAPE '\\'";
+    EXPECT_THAT(users.notes,
+                ElementsAre("shared",
+                            "SELECT DISTINCT xmpp_user.id, xmpp_user.type, xmpp_user.user_id, xmpp_user.name, "
+                            "xmpp_user.enabled, xmpp_user.vk_user_id, xmpp_user.enable_readonly, "
+                            "xmpp_user.enable_hidden, dbUsers.user.name AS VKUserName FROM xmpp_user LEFT OUTER JOIN "
+                            "dbUsers.user ON xmpp_user.vk_user_id=dbUsers.user.id " +
+                                filter + " ORDER BY UPPER(xmpp_user.user_id) ASC LIMIT 10 OFFSET 10;",
+                            "SELECT COUNT(DISTINCT xmpp_user.id) FROM xmpp_user LEFT OUTER JOIN dbUsers.user ON "
+                            "xmpp_user.vk_user_id=dbUsers.user.id " +
+                                filter + ";",
+                            "commit"));
+    users.notes.clear();
+    users.SetSort(VKDBiXmppGWUser::SortVKUserName, false);
+    EXPECT_TRUE(users.Get(&view, false));
+    EXPECT_THAT(users.notes[1], testing::HasSubstr(" ORDER BY UPPER(dbUsers.user.name) DESC LIMIT"));
+}
+
+TEST(VKXmppGWUserView, SpeaksTheServersSqlToTheLetter)
+{
+    NotedUsers users(vk::TransactSqlDialect::Get());
+    VKXmppGWUser user = User("ann", "Ann");
+    EXPECT_TRUE(users.Add(&user, false));
+    EXPECT_THAT(std::exchange(users.notes, {}),
+                ElementsAre("exclusive",
+                            "INSERT INTO VK_XMPP_USER (type, user_id, user_password, name, nick_name, resource, ip, "
+                            "creation_time, enabled, vk_user_id, enable_readonly, enable_hidden, enable_roster, "
+                            "enable_multi_login, misc_settings) VALUES (3, 'ann', 'secret of ann', 'Ann', '', '', "
+                            "'10.0.0.1', 0, 1, 0, 0, 0, 0, 0, ''); SELECT [id] = @@IDENTITY, ERRORCODE=@@ERROR ",
+                            "commit"));
+    EXPECT_TRUE(users.Add(&user, true));
+    EXPECT_EQ(std::exchange(users.notes, {}).size(), 1u) << "inside the caller's transaction";
+    EXPECT_TRUE(users.UpdateStatus(7, 1));
+    EXPECT_EQ(users.notes[1], "UPDATE VK_XMPP_USER set enabled=1 WHERE id=7 SELECT ErrorCode = @@ERROR ");
+
+    users.notes.clear();
+    users.SetFilter("a'[");
+    users.SetFilter(10, 2);
+    users.SetSort(VKDBiXmppGWUser::SortVKUserName, false);
+    std::vector<VKXmppGWUserView> view;
+    EXPECT_TRUE(users.Get(&view, true));
+    const std::string tables = "FROM VK_XMPP_USER LEFT OUTER JOIN VK_USER ON VK_XMPP_USER.vk_user_id=VK_USER.id WHERE "
+                               "UPPER(VK_XMPP_USER.name) LIKE UPPER('a''\\[%') ESCAPE '\\' AND "
+                               "VK_XMPP_USER.enable_hidden=0";
+    EXPECT_THAT(users.notes,
+                ElementsAre("shared",
+                            "SELECT * FROM (SELECT TOP 20 *, ROW_NUMBER() over ( ORDER BY UPPER(VKUserName) DESC) as "
+                            "rnum FROM (SELECT DISTINCT VK_XMPP_USER.id, VK_XMPP_USER.type, VK_XMPP_USER.user_id, "
+                            "VK_XMPP_USER.name, VK_XMPP_USER.enabled, VK_XMPP_USER.vk_user_id, "
+                            "VK_XMPP_USER.enable_readonly, VK_XMPP_USER.enable_hidden, VK_USER.name AS VKUserName " +
+                                tables + ") this_table_1 ) this_table_2 WHERE rnum > 10",
+                            "SELECT COUNT(DISTINCT VK_XMPP_USER.id) " + tables, "commit"));
+    EXPECT_EQ(users.GetTotalRecords(), 25);
+    EXPECT_EQ(users.GetPageCount(), 3);
+}
