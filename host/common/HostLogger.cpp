@@ -36,7 +36,7 @@ std::FILE* OpenForAppending(const std::string& file)
 } // namespace
 
 HostLogger::HostLogger(const std::string& name, const std::string& file, LogLevel level)
-    : m_name(name), m_level(level), m_file(OpenForAppending(file), &std::fclose)
+    : m_name(name), m_path(file), m_level(level), m_file(OpenForAppending(file), &std::fclose)
 {
 }
 
@@ -64,6 +64,12 @@ bool HostLogger::Write(LogLevel level, const std::string& message)
         line += "[TID:" + std::to_string(gettid()) + "] ";
     // Flushed line by line: lines of several processes do not mix, and none is lost in a crash.
     line += message + "\n";
+    if (std::ftell(m_file.get()) > kSetAsideAt) {
+        try {
+            m_file.reset(OpenForAppending(m_path));
+        } catch (const InputError&) { // better a file too long than a line lost
+        }
+    }
     return std::fwrite(line.data(), 1, line.size(), m_file.get()) == line.size() && std::fflush(m_file.get()) == 0;
 }
 

@@ -22,8 +22,8 @@ inline constexpr CodeText<VKLogInterface::LogLevel> kLogLevelWords[] = {
 class HostLogger final : public VKLogInterface
 {
 public:
-    /// Opens the file for appending; one that has grown past ten megabytes is first set aside as "FILE.1". Throws
-    /// InputError when it cannot be written.
+    /// Opens the file for appending; one that has grown past ten megabytes, now or later, is set aside as "FILE.1".
+    /// Throws InputError when it cannot be written.
     HostLogger(const std::string& name, const std::string& file, LogLevel level);
     ~HostLogger() = default;
     HostLogger(const HostLogger&) = delete;
@@ -47,6 +47,7 @@ private:
     bool Write(LogLevel level, const std::string& message);
 
     const std::string m_name;
+    const std::string m_path;
     const LogLevel m_level;
     std::mutex m_mutex;
     // Guarded by m_mutex.

@@ -68,6 +68,10 @@ std::string Joined(const std::vector<std::string>& words)
     return text;
 }
 
+bool IsNeeded(Need need) { return need == Need::Required || need == Need::OneOrMore; }
+
+bool IsRepeatable(Need need) { return need == Need::Any || need == Need::OneOrMore; }
+
 bool IsOneOf(const char* words, std::string_view value)
 {
     const std::string all = "|" + std::string(words) + "|";
@@ -90,13 +94,13 @@ void CheckAgainstTable(const Program& program, const Command& command,
             option = FindOption(command.options, name);
         if (option == nullptr)
             throw UsageError(name + " is no option of '" + command.words + "'");
-        if (given.size() > 1 && option->need != Need::OneOrMore)
+        if (given.size() > 1 && !IsRepeatable(option->need))
             throw UsageError(name + " is given twice");
     }
     const Slice<Option> all[] = {command.scope == Scope::Alone ? Slice<Option>() : program.options, command.options};
     for (const auto& options : all)
         for (const Option& option : options)
-            if (option.need != Need::Optional && values.find(option.name) == values.end())
+            if (IsNeeded(option.need) && values.find(option.name) == values.end())
                 throw UsageError(std::string(option.name) + " is missing");
 }
 
@@ -137,10 +141,10 @@ std::string Synopsis(const Program& program, const Command& command)
     for (const auto& options : {program.options, command.options})
         for (const Option& option : options) {
             const std::string word = OptionWord(option);
-            if (alone && options.data == program.options.data && option.need != Need::Optional)
+            if (alone && options.data == program.options.data && IsNeeded(option.need))
                 continue;
-            line += option.need == Need::Optional ? " [" + word + "]" : " " + word;
-            line += option.need == Need::OneOrMore ? " ..." : "";
+            line += IsNeeded(option.need) ? " " + word : " [" + word + "]";
+            line += IsRepeatable(option.need) ? " ..." : "";
         }
     for (const Operand& operand : command.operands)
         line += std::string(operand.need == Need::Optional ? " [" : " ") + operand.name +

@@ -24,7 +24,8 @@ enum ExitCode {
     kExitUnavailable = 3
 };
 
-enum class Need { Optional, Required, OneOrMore };
+/// How often an option may be given: at most once, once, any number of times, once or more.
+enum class Need { Optional, Required, Any, OneOrMore };
 
 /// One option. A null `value` makes a switch, otherwise it names the value in the manual.
 struct Option

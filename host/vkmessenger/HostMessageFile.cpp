@@ -106,4 +106,11 @@ void HostMessageFile::DropReports()
     m_reports.clear();
 }
 
+void HostMessageFile::StartOver()
+{
+    const std::lock_guard guard(m_mutex);
+    m_reports.clear();
+    m_now = {};
+}
+
 } // namespace vk

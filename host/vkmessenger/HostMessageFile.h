@@ -50,6 +50,9 @@ public:
     /// through its result, not through the return queue.
     void DropReports();
 
+    /// Forgets all that was reported, before the file is handed over another time.
+    void StartOver();
+
     const std::string& CarrierReference() const { return m_carrierReference; }
 
 private:

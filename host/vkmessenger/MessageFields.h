@@ -10,6 +10,10 @@
 
 namespace vk {
 
+/// What became of a message, as a queue keeps it beside the message's own keys. Passed over when a message is read, so
+/// that one from the archive can be sent again as it is.
+inline constexpr char kReportKey[] = "report";
+
 /// The key must be there and must not be empty.
 struct Required
 {

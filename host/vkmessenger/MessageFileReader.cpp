@@ -162,13 +162,24 @@ Json::Value ParseJson(std::string_view text)
 
 } // namespace
 
-void ParseMessage(std::string_view json, VKMessageFile& file)
+Json::Value ParseObject(std::string_view json)
 {
-    const Json::Value root = ParseJson(json);
+    Json::Value root = ParseJson(json);
     if (!root.isObject())
         throw InputError("must be one JSON object");
-    ReadObject(root, kMessageFields, file, "");
+    return root;
 }
+
+void ReadMessage(const Json::Value& object, VKMessageFile& file)
+{
+    if (!object.isMember(kReportKey))
+        return ReadObject(object, kMessageFields, file, "");
+    Json::Value message = object;
+    message.removeMember(kReportKey);
+    ReadObject(message, kMessageFields, file, "");
+}
+
+void ParseMessage(std::string_view json, VKMessageFile& file) { ReadMessage(ParseObject(json), file); }
 
 std::unique_ptr<HostMessageFile> ReadMessageFile(const std::string& path)
 {

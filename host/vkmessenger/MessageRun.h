@@ -1,8 +1,7 @@
 #pragma once
 
-#include "HostMessageFile.h"
+#include "DriverExchange.h"
 #include "Timeline.h"
-#include "VKProtocolDriverInterface.h"
 
 #include <atomic>
 #include <chrono>
@@ -17,8 +16,11 @@ class MessageRun
 {
 public:
     /// `stop` ends the waiting when it becomes true. All references must outlive the object.
-    MessageRun(VKProtocolDriverInterface& driver, VKMsgFileQueue& queue, Timeline& timeline,
-               const std::atomic<bool>& stop);
+    MessageRun(DriverExchange& exchange, Timeline& timeline, const std::atomic<bool>& stop);
+    /// The driver lets go of the files first.
+    ~MessageRun() { m_exchange.End(); }
+    MessageRun(const MessageRun&) = delete;
+    MessageRun& operator=(const MessageRun&) = delete;
 
     /// Hands one message over. What the driver answers at once is shown as event "send".
     void Send(std::unique_ptr<HostMessageFile> file);
@@ -39,12 +41,10 @@ private:
         bool open;
     };
 
-    VKMessageFile* PopFile();
-    bool ShowNextReport();
+    void ShowReport(VKMessageFile* file);
     bool AnyOpen() const;
 
-    VKProtocolDriverInterface& m_driver;
-    VKMsgFileQueue& m_queue;
+    DriverExchange& m_exchange;
     Timeline& m_timeline;
     const std::atomic<bool>& m_stop;
     std::vector<Entry> m_entries;

@@ -26,6 +26,12 @@ std::string JsonText(const std::string& jobId, const char* event, const MessageR
     return JsonLine(line);
 }
 
+std::string Padded(std::string text, std::size_t width)
+{
+    text.resize(std::max(text.size(), width), ' ');
+    return text;
+}
+
 /// "03:00:12.345  job-1  report  DELIVERED       DELIVERED-READ, more may follow"
 std::string ReadableText(const std::string& jobId, const char* event, const MessageReport& report)
 {
@@ -41,10 +47,8 @@ std::string ReadableText(const std::string& jobId, const char* event, const Mess
         add(report.failureReason);
     if (report.keepOpen)
         add("more may follow");
-    std::string status = ReportsStatusWord(report.status);
-    status.resize(std::max<std::size_t>(status.size(), 15), ' ');
-    std::string line = ClockTime(report.time) + "  " + jobId + "  " + (event[0] == 's' ? "send    " : "report  ") + status +
-                       " " + Printable(details);
+    std::string line = ClockTime(report.time) + "  " + jobId + "  " + Padded(event, 8) +
+                       Padded(ReportsStatusWord(report.status), 15) + " " + Printable(details);
     line.erase(line.find_last_not_of(' ') + 1);
     return line;
 }

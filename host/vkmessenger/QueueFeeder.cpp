@@ -1,0 +1,251 @@
+#include "QueueFeeder.h"
+
+#include "StopSignal.h"
+#include "VKDBexception.h"
+#include "VKLog.h"
+#include "VKMessageName.h"
+
+#include <algorithm>
+#include <ctime>
+#include <thread>
+
+namespace vk {
+
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+constexpr int kPage = 50;
+/// More than so many messages that are neither asked about nor gone are not taken in.
+constexpr std::size_t kMostInHand = 4000;
+constexpr seconds kHousekeeping(60);
+constexpr milliseconds kRetry(1000);
+/// The driver is asked about all open messages every ten milliseconds, more rarely when they are thousands.
+constexpr milliseconds kAskInterval(10);
+constexpr std::chrono::microseconds kAskShare(10);
+/// What was handed over last has so long to leave before the driver is ended.
+constexpr milliseconds kLastWords(500);
+
+} // namespace
+
+QueueFeeder::QueueFeeder(const QueueSettings& settings, QueueRouter& router, WaitingRoom& waiting,
+                         DriverExchange& exchange, Timeline& timeline, VKLogInterface& logger, TellErrors tellErrors,
+                         const std::atomic<bool>& stop)
+    : m_settings(settings), m_router(router), m_waiting(waiting), m_exchange(exchange), m_timeline(timeline),
+      m_logger(logger), m_tellErrors(std::move(tellErrors)), m_stop(stop)
+{
+}
+
+/// The driver lets go of the files first.
+QueueFeeder::~QueueFeeder() { m_exchange.End(); }
+
+/// Does something with the store. What does not come out is told, once as long as it is the same, and is tried again by
+/// whoever comes back to it.
+bool QueueFeeder::Attempt(const std::function<void()>& work)
+{
+    try {
+        work();
+        return true;
+    } catch (const VKDBexception& error) {
+        const std::string trouble = error.ToString();
+        if (trouble != m_lastTrouble)
+            VK_LOG_ERROR(&m_logger, "Queue %d: %s", m_settings.queue, trouble.c_str());
+        m_lastTrouble = trouble;
+        m_tellErrors("queue " + std::to_string(m_settings.queue));
+        return false;
+    }
+}
+
+void QueueFeeder::Run()
+{
+    m_router.Own().GiveBack(m_settings.service);
+    m_router.Waiting().GiveBack(m_settings.service);
+    m_lastSent = Clock::now();
+    while (!m_stop && !IsDone()) {
+        Round();
+        if (!m_stop)
+            SleepUntilStop(Pause());
+    }
+    Finish();
+}
+
+void QueueFeeder::Round()
+{
+    KeepHouse();
+    Poll();
+    StepAll();
+    Ask();
+    TakeReports();
+    DropThoseGone();
+    m_exchange.KeepGoing();
+    m_tellErrors("while waiting");
+}
+
+void QueueFeeder::KeepHouse()
+{
+    Attempt([&] { m_waiting.Check([&](QueueMessage& message) { Show(message, message.Target()); }); });
+    if (Clock::now() < m_nextHousekeeping)
+        return;
+    m_nextHousekeeping = Clock::now() + kHousekeeping;
+    Attempt([&] {
+        m_router.Own().GiveBackForgotten();
+        m_router.Waiting().GiveBackForgotten();
+    });
+}
+
+void QueueFeeder::Poll()
+{
+    if (Clock::now() < m_nextPoll || CountInHand() >= kMostInHand)
+        return;
+    QueueStore::Headers ready;
+    const bool polled = Attempt([&] { ready = m_router.Own().TakeReady(m_settings.protocol, "", kPage); });
+    m_foundNothing = polled && ready.empty();
+    m_nextPoll = Clock::now() + (polled ? milliseconds(m_settings.pollMilliseconds) : kRetry);
+    if (ready.size() == kPage)
+        m_nextPoll = {};
+    for (const VK_MESSAGE_HEADER& header : ready)
+        if (!m_stop && !Attempt([&] { Take(header); }))
+            m_nextPoll = Clock::now() + kRetry;
+}
+
+void QueueFeeder::Take(const VK_MESSAGE_HEADER& header)
+{
+    const auto held = m_entries.find(header.id);
+    const bool asked = MessageName::Parse(header.msg_name).status == 'Q';
+    if (held != m_entries.end() && held->second.stage == Stage::Asking)
+        Renew(held->second);
+    else if (held != m_entries.end())
+        m_router.Own().Touch(header.msg_name);
+    else if (asked)
+        TakeOver(header);
+    else
+        TakeNew(header);
+}
+
+void QueueFeeder::TakeNew(const VK_MESSAGE_HEADER& header)
+{
+    MessageName name = MessageName::Parse(header.msg_name);
+    name.status = 'R';
+    QueueStore& own = m_router.Own();
+    if (!own.Rename(header.msg_name, name.Text()))
+        return;
+    VK_MESSAGE_HEADER row;
+    std::string body;
+    try {
+        if (!own.Load(name.Text(), row, body))
+            return;
+    } catch (const VKDBexception&) {
+        // A file that cannot be read is left alone for half an hour, and does not stand in the way of others.
+        MessageName later = name;
+        later.status = 'W';
+        own.Rename(name.Text(), later.Text());
+        own.Unlock({header});
+        throw;
+    }
+    if (row.create_time == 0)
+        row.create_time = header.last_modify_time;
+    auto message = std::make_unique<QueueMessage>(row, body);
+    const std::string job = message->File().strJobID;
+    const bool isExpired = message->ExpiresAt(m_settings.expireSeconds) <= std::time(nullptr);
+    const bool isOpenAlready = message->Fault().empty() && m_jobs.count(job) != 0;
+    const std::string fault = message->Fault();
+    Entry& entry = Keep(std::move(message), Stage::Sending);
+    if (!fault.empty())
+        Fail(entry, "The body is no message: " + fault);
+    else if (isOpenAlready)
+        Fail(entry, "Another message with the job_id '" + job + "' is still open.");
+    else if (isExpired)
+        Fail(entry, "The message expired before it could be sent.");
+    else
+        Send(entry);
+}
+
+/// A message that was handed over before, by this service or by another that is not there any more.
+void QueueFeeder::TakeOver(const VK_MESSAGE_HEADER& header)
+{
+    VK_MESSAGE_HEADER row;
+    std::string body;
+    if (!m_router.Own().Load(header.msg_name, row, body))
+        return;
+    auto message = std::make_unique<QueueMessage>(row, body);
+    if (m_router.Knows(message->Target())) {
+        const int target = message->Target();
+        m_router.FinishMove(*message, m_router.Own());
+        Show(*message, target);
+        return;
+    }
+    Entry& entry = Keep(std::move(message), Stage::Asking);
+    const long sent = entry.message->SentAt() != 0 ? entry.message->SentAt() : std::time(nullptr);
+    Enter(entry, Stage::Asking, seconds(std::max<long>(sent + m_settings.answerSeconds - std::time(nullptr), 0)));
+    Renew(entry);
+}
+
+QueueFeeder::Entry& QueueFeeder::Keep(std::unique_ptr<QueueMessage> message, Stage stage)
+{
+    const unsigned long id = message->Header().id;
+    m_ids[&message->File()] = id;
+    m_jobs.insert(message->File().strJobID);
+    Entry& entry = m_entries[id];
+    entry.message = std::move(message);
+    entry.stage = stage;
+    ++m_counts[static_cast<std::size_t>(stage)];
+    return entry;
+}
+
+void QueueFeeder::Ask()
+{
+    if (Clock::now() < m_nextAsking)
+        return;
+    std::size_t open = 0;
+    for (auto& [id, entry] : m_entries)
+        if (entry.stage == Stage::Settling || entry.stage == Stage::Travelling || entry.stage == Stage::Asking) {
+            m_exchange.Ask(entry.message->File());
+            ++open;
+        }
+    m_nextAsking = Clock::now() + std::max<Clock::duration>(kAskInterval, kAskShare * open);
+}
+
+bool QueueFeeder::IsDone() const
+{
+    if (m_settings.follow || !m_foundNothing)
+        return false;
+    const bool waitedEnough = Clock::now() - m_lastSent >= seconds(m_settings.waitSeconds);
+    return m_entries.empty() || (waitedEnough && CountOf(Stage::Sending) == 0 && CountOf(Stage::Settling) == 0);
+}
+
+milliseconds QueueFeeder::Pause() const
+{
+    Clock::time_point next = m_nextPoll;
+    if (CountOf(Stage::Settling) + CountOf(Stage::Travelling) + CountOf(Stage::Asking) > 0)
+        next = std::min(next, m_nextAsking);
+    return std::chrono::ceil<milliseconds>(std::max(next - Clock::now(), Clock::duration::zero()));
+}
+
+/// Nothing more is taken. What was handed over gets the time to leave and a last question, then each row is left as it
+/// is to be found by the next service.
+void QueueFeeder::Finish()
+{
+    const auto wait = std::min(kLastWords, milliseconds(m_settings.settleMilliseconds));
+    const auto end = CountOf(Stage::Settling) > 0 ? m_lastSent + wait : Clock::now();
+    do {
+        m_nextAsking = {};
+        Ask();
+        TakeReports();
+        std::this_thread::sleep_for(std::clamp<Clock::duration>(end - Clock::now(), {}, kAskInterval));
+    } while (Clock::now() < end);
+    for (auto& [id, entry] : m_entries) {
+        if (entry.stage == Stage::Settling)
+            Attempt([&, &held = entry] { Settle(held); });
+        if (entry.stage == Stage::Leaving)
+            Attempt([&, &held = entry] { Move(held); });
+    }
+    m_exchange.End();
+    Attempt([&] {
+        m_router.Own().GiveBack(m_settings.service);
+        m_router.Waiting().GiveBack(m_settings.service);
+    });
+    m_tellErrors("at the end");
+}
+
+} // namespace vk

@@ -1,0 +1,116 @@
+#pragma once
+
+#include "DriverExchange.h"
+#include "QueueRouter.h"
+#include "QueueSettings.h"
+#include "Timeline.h"
+#include "WaitingRoom.h"
+
+#include <atomic>
+#include <functional>
+#include <unordered_map>
+#include <unordered_set>
+
+namespace vk {
+
+/// A service at work on a queue: takes what is ready, hands it to the driver, and moves each message to where it belongs.
+///
+/// A message in its hands goes through these stages; its row's letter stands behind them.
+///
+///   Sending    R  to be handed over, at once or again after a failure
+///   Settling   R  handed over a moment ago; should the process die now, it is sent again
+///   Travelling R  handed over, its files are on their way
+///   Asking     Q  wants an answer; its row is renewed from time to time, so that it stays with this service
+///   Leaving       on its way to another queue
+///
+/// Works on the thread that calls it. Failures of the store are logged and tried again.
+class QueueFeeder
+{
+public:
+    /// What the driver logged as errors is told after each message.
+    using TellErrors = std::function<void(const std::string& about)>;
+
+    /// The references must outlive the object. `stop` ends Run when it becomes true.
+    QueueFeeder(const QueueSettings& settings, QueueRouter& router, WaitingRoom& waiting, DriverExchange& exchange,
+                Timeline& timeline, VKLogInterface& logger, TellErrors tellErrors, const std::atomic<bool>& stop);
+    ~QueueFeeder();
+    QueueFeeder(const QueueFeeder&) = delete;
+    QueueFeeder& operator=(const QueueFeeder&) = delete;
+
+    /// Works until it is told to stop; without `follow` until nothing is ready and every message is final, or until the
+    /// answers that are still missing have been waited for long enough. Then ends the driver and gives back what is
+    /// left. Throws VKDBexception when the queue cannot be used at the start.
+    void Run();
+
+    bool AnyFailed() const { return m_anyFailed; }
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    enum class Stage { Sending, Settling, Travelling, Asking, Leaving, Gone };
+
+    struct Entry
+    {
+        std::unique_ptr<QueueMessage> message;
+        Stage stage = Stage::Sending;
+        /// When the stage is to be looked at.
+        Clock::time_point due{};
+        int tries = 0;
+        int target = 0; ///< of one that leaves
+    };
+
+    // QueueFeeder.cpp: the loop, and what comes in.
+    bool Attempt(const std::function<void()>& work);
+    void Round();
+    void KeepHouse();
+    void Poll();
+    void Take(const VK_MESSAGE_HEADER& header);
+    void TakeNew(const VK_MESSAGE_HEADER& header);
+    void TakeOver(const VK_MESSAGE_HEADER& header);
+    Entry& Keep(std::unique_ptr<QueueMessage> message, Stage stage);
+    void Ask();
+    bool IsDone() const;
+    std::size_t CountOf(Stage stage) const { return m_counts[static_cast<std::size_t>(stage)]; }
+    std::size_t CountInHand() const { return m_entries.size() - CountOf(Stage::Asking); }
+    std::chrono::milliseconds Pause() const;
+    void Finish();
+
+    // QueueFeederStages.cpp: what becomes of one message.
+    void StepAll();
+    void Step(Entry& entry);
+    void Send(Entry& entry);
+    void Settle(Entry& entry);
+    void Renew(Entry& entry);
+    bool Store(Entry& entry, int queryCount);
+    void Leave(Entry& entry, int target);
+    void Move(Entry& entry);
+    void Fail(Entry& entry, const std::string& reason);
+    void TakeReports();
+    void TakeReport(Entry& entry, const MessageReport& report);
+    void Show(QueueMessage& message, int target);
+    void Enter(Entry& entry, Stage stage, std::chrono::milliseconds until = {});
+    void DropThoseGone();
+
+    const QueueSettings& m_settings;
+    QueueRouter& m_router;
+    WaitingRoom& m_waiting;
+    DriverExchange& m_exchange;
+    Timeline& m_timeline;
+    VKLogInterface& m_logger;
+    const TellErrors m_tellErrors;
+    const std::atomic<bool>& m_stop;
+
+    std::unordered_map<unsigned long, Entry> m_entries; ///< by the row's id
+    std::unordered_map<const VKMessageFile*, unsigned long> m_ids;
+    std::unordered_multiset<std::string> m_jobs; ///< of all entries
+    std::size_t m_counts[6] = {};           ///< of the entries in each stage
+    Clock::time_point m_nextPoll{};
+    Clock::time_point m_nextHousekeeping{};
+    Clock::time_point m_nextAsking{};
+    Clock::time_point m_lastSent{};
+    bool m_foundNothing = false;
+    bool m_anyFailed = false;
+    std::string m_lastTrouble; ///< so that the same is not told every second
+};
+
+} // namespace vk

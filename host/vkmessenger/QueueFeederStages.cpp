@@ -1,0 +1,228 @@
+// What becomes of one message in a service's hands, stage by stage.
+
+#include "QueueFeeder.h"
+
+#include "VKDBexception.h"
+#include "VKLog.h"
+#include "VKRecordText.h"
+
+#include <algorithm>
+#include <ctime>
+
+namespace vk {
+
+namespace {
+
+using Reports = VKMessengerReportsMngrInterface;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+/// A driver's reason after which another try would be in vain.
+constexpr const char* kReceiverOffline = "Receiver is offline.";
+constexpr milliseconds kRetry(1000);
+/// A row that is being sent is given to others when it has not changed for 20 minutes.
+constexpr seconds kTouchInterval(300);
+
+struct QueueWord
+{
+    int queue;
+    const char* word;
+};
+constexpr QueueWord kQueueWords[] = {{kArchiveQueue, "archive"}, {kErrorQueue, "error"}, {kWaitingQueue, "waiting"}};
+
+std::string WordOf(int queue)
+{
+    for (const QueueWord& row : kQueueWords)
+        if (row.queue == queue)
+            return row.word;
+    return "queue " + std::to_string(queue);
+}
+
+} // namespace
+
+void QueueFeeder::Enter(Entry& entry, Stage stage, milliseconds until)
+{
+    --m_counts[static_cast<std::size_t>(entry.stage)];
+    ++m_counts[static_cast<std::size_t>(stage)];
+    entry.stage = stage;
+    entry.due = Clock::now() + until;
+}
+
+void QueueFeeder::StepAll()
+{
+    const auto now = Clock::now();
+    for (auto& [id, entry] : m_entries) {
+        if (m_stop)
+            return;
+        if (entry.stage != Stage::Gone && entry.due <= now && !Attempt([&, &held = entry] { Step(held); }))
+            entry.due = Clock::now() + kRetry;
+    }
+}
+
+void QueueFeeder::Step(Entry& entry)
+{
+    switch (entry.stage) {
+    case Stage::Sending: return Send(entry);
+    case Stage::Settling: return Settle(entry);
+    case Stage::Travelling:
+        m_router.Own().Touch(entry.message->Name());
+        entry.due = Clock::now() + kTouchInterval;
+        return;
+    case Stage::Asking:
+        entry.message->NoteReason("No answer came within " + std::to_string(m_settings.answerSeconds) + " seconds.");
+        Leave(entry, kArchiveQueue);
+        return Move(entry);
+    case Stage::Leaving: return Move(entry);
+    case Stage::Gone: return;
+    }
+}
+
+void QueueFeeder::Send(Entry& entry)
+{
+    QueueMessage& message = *entry.message;
+    const long now = std::time(nullptr);
+    const long expiry = message.ExpiresAt(m_settings.expireSeconds);
+    message.File().iSecondsToLive = static_cast<int>(std::clamp<long>(expiry - now, 0, INT32_MAX));
+    const MessageReport report = m_exchange.Send(message.File());
+    m_lastSent = Clock::now();
+    message.Note(report);
+    m_timeline.Show(message.Job(), "send", report);
+    m_tellErrors(message.Job());
+    switch (report.status) {
+    case Reports::RS_FAILED:
+        if (++entry.tries >= m_settings.tries || report.failureReason == kReceiverOffline)
+            return Fail(entry, report.failureReason);
+        entry.due = Clock::now() + seconds(m_settings.retrySeconds);
+        return;
+    case Reports::RS_DEVICE_OFFLINE:
+        message.Header().expiry_time = expiry;
+        return Leave(entry, kWaitingQueue);
+    case Reports::RS_SENT:
+        message.NoteSent(now, m_settings.service);
+        return Enter(entry, Stage::Settling, milliseconds(m_settings.settleMilliseconds));
+    case Reports::RS_PENDING:
+        message.NoteSent(now, m_settings.service);
+        return Enter(entry, Stage::Travelling, kTouchInterval);
+    default: return Leave(entry, kArchiveQueue);
+    }
+}
+
+/// It has left this process, or its device has it: it will not be sent again.
+void QueueFeeder::Settle(Entry& entry)
+{
+    if (entry.message->File().bTwoWay == 0) {
+        Leave(entry, kArchiveQueue);
+        return Move(entry);
+    }
+    if (Store(entry, std::max(entry.message->QueryCount(), 1)))
+        Enter(entry, Stage::Asking, seconds(m_settings.answerSeconds));
+}
+
+void QueueFeeder::Renew(Entry& entry) { Store(entry, entry.message->QueryCount() + 1); }
+
+/// Stores it as one that is asked about, with its report, and so that it is due for the next question in time.
+bool QueueFeeder::Store(Entry& entry, int queryCount)
+{
+    QueueMessage& message = *entry.message;
+    VK_MESSAGE_HEADER row = message.Header();
+    row.next_query_time = std::time(nullptr) + m_settings.querySeconds;
+    SetText(row.msg_name, message.NameAs('Q', queryCount), "msg_name");
+    if (m_router.Own().Change(row, message.Body(), message.Name())) {
+        message.Header() = row;
+        return true;
+    }
+    VK_LOG_WARN(&m_logger, "Job ID: [%s] >> The message '%s' is not in queue %d any more.", message.Job().c_str(),
+                message.Name().c_str(), m_settings.queue);
+    Enter(entry, Stage::Gone);
+    return false;
+}
+
+void QueueFeeder::Leave(Entry& entry, int target)
+{
+    entry.target = target;
+    Enter(entry, Stage::Leaving);
+}
+
+void QueueFeeder::Move(Entry& entry)
+{
+    if (m_router.Move(*entry.message, m_router.Own(), entry.target))
+        Show(*entry.message, entry.target);
+    else
+        VK_LOG_WARN(&m_logger, "Job ID: [%s] >> The message '%s' is not in queue %d any more.",
+                    entry.message->Job().c_str(), entry.message->Name().c_str(), m_settings.queue);
+    Enter(entry, Stage::Gone);
+}
+
+void QueueFeeder::Fail(Entry& entry, const std::string& reason)
+{
+    MessageReport report = entry.message->File().Now();
+    report.status = Reports::RS_FAILED;
+    report.failureReason = reason;
+    entry.message->Note(report);
+    m_anyFailed = true;
+    Leave(entry, kErrorQueue);
+}
+
+void QueueFeeder::TakeReports()
+{
+    while (VKMessageFile* const file = m_exchange.NextReturned()) {
+        const auto id = m_ids.find(file);
+        if (id == m_ids.end())
+            continue;
+        Entry& entry = m_entries.at(id->second);
+        HostMessageFile& own = entry.message->File();
+        if (own.bDelete) {
+            Attempt([&] { m_router.Own().Delete(entry.message->Name()); });
+            Enter(entry, Stage::Gone);
+        } else {
+            TakeReport(entry, own.TakeReport().value_or(own.Now()));
+        }
+    }
+}
+
+void QueueFeeder::TakeReport(Entry& entry, const MessageReport& report)
+{
+    QueueMessage& message = *entry.message;
+    message.Note(report);
+    m_timeline.Show(message.Job(), "report", report);
+    if (entry.stage == Stage::Leaving || entry.stage == Stage::Gone)
+        return;
+    if (!report.keepOpen) {
+        const bool failed = report.status == Reports::RS_FAILED;
+        m_anyFailed = m_anyFailed || failed;
+        Leave(entry, failed ? kErrorQueue : kArchiveQueue);
+    } else if (entry.stage == Stage::Settling) {
+        entry.due = {};
+    } else if (entry.stage == Stage::Asking) {
+        Attempt([&] { Store(entry, message.QueryCount()); });
+    }
+}
+
+void QueueFeeder::Show(QueueMessage& message, int target)
+{
+    MessageReport report = message.File().Now();
+    report.status = message.Status();
+    report.text = "to " + WordOf(target);
+    report.failureReason = message.Reason();
+    report.deliveryStatus.clear();
+    m_timeline.Show(message.Job(), "move", report);
+}
+
+/// At the end of a round, when nothing that the driver pushed back points to them any more.
+void QueueFeeder::DropThoseGone()
+{
+    if (CountOf(Stage::Gone) == 0)
+        return;
+    for (auto entry = m_entries.begin(); entry != m_entries.end();) {
+        if (entry->second.stage != Stage::Gone) {
+            ++entry;
+            continue;
+        }
+        m_ids.erase(&entry->second.message->File());
+        m_jobs.erase(m_jobs.find(entry->second.message->File().strJobID));
+        entry = m_entries.erase(entry);
+    }
+    m_counts[static_cast<std::size_t>(Stage::Gone)] = 0;
+}
+
+} // namespace vk

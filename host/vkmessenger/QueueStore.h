@@ -1,0 +1,52 @@
+#pragma once
+
+#include "VKDBiMessageQueue.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace vk {
+
+/// A message queue as a service uses it, with what it takes held by value. Operations throw VKDBexception. One thread.
+class QueueStore
+{
+public:
+    /// Throws std::runtime_error that names the queue when it cannot be opened.
+    QueueStore(VKDBsystem& system, int number, const std::string& service);
+
+    int Number() const { return m_number; }
+    const std::string& Service() const { return m_service; }
+
+    using Headers = std::vector<VK_MESSAGE_HEADER>;
+    /// What is ready, of a protocol ("mxp*") and of one receiver or of all (""): the service's own from now on.
+    Headers TakeReady(const std::string& protocol, const std::string& pin, int most);
+    Headers List(const std::string& protocol, const std::string& pin);
+    /// Gives what was taken back.
+    void Unlock(const Headers& headers);
+    /// Gives all back that a service holds.
+    void GiveBack(const std::string& service);
+    /// Gives back what services have held for too long.
+    void GiveBackForgotten();
+
+    /// False when there is no such message.
+    bool Load(const std::string& name, VK_MESSAGE_HEADER& header, std::string& body);
+    /// The row alone.
+    bool Find(const std::string& name, VK_MESSAGE_HEADER& header);
+    /// Stores another name, and that it changed now. False when there is no such message.
+    bool Rename(const std::string& oldName, const std::string& newName);
+    bool Touch(const std::string& name);
+    /// Stores a message that was found by its old name, and that it changed now. False when there is no such message.
+    bool Change(VK_MESSAGE_HEADER& header, const std::string& body, const std::string& oldName);
+    void Add(const VK_MESSAGE_HEADER& header, const std::string& body);
+    bool Delete(const std::string& name) { return m_queue->Delete(name); }
+
+private:
+    void Select(const std::string& protocol, const std::string& pin, int most);
+
+    const int m_number;
+    const std::string m_service;
+    std::unique_ptr<VKDBiMessageQueue> m_queue;
+};
+
+} // namespace vk
