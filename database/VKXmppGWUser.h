@@ -64,7 +64,7 @@ inline constexpr Table kXmppGWUserTable{
            Field<&VKXmppGWUser::enable_hidden>("enable_hidden"),
            Field<&VKXmppGWUser::enable_roster>("enable_roster"),
            Field<&VKXmppGWUser::enable_multi_login>("enable_multi_login"),
-           Field<&VKXmppGWUser::misc_settings>("misc_settings", LongText{}))};
+           Field<&VKXmppGWUser::misc_settings>("misc_settings", LongText{}, Secret{}))};
 
 /// The columns of the view's rows in order.
 inline constexpr auto kXmppGWUserViewFields =

@@ -96,6 +96,8 @@ void CheckAgainstTable(const Program& program, const Command& command,
             throw UsageError(name + " is no option of '" + command.words + "'");
         if (given.size() > 1 && !IsRepeatable(option->need))
             throw UsageError(name + " is given twice");
+        for (const std::string& value : given)
+            CheckValue(*option, value);
     }
     const Slice<Option> all[] = {command.scope == Scope::Alone ? Slice<Option>() : program.options, command.options};
     for (const auto& options : all)
@@ -199,6 +201,23 @@ long long Arguments::Number(std::string_view option, long long least, long long 
     return number;
 }
 
+void RequireOneOf(const Arguments& arguments, const char* one, const char* other)
+{
+    if (arguments.Has(one) == arguments.Has(other))
+        throw UsageError(std::string("give one of ") + one + " and " + other);
+}
+
+unsigned long IdOption(const Arguments& arguments, const char* option)
+{
+    return static_cast<unsigned long>(arguments.Number(option, 0, std::numeric_limits<long long>::max(), 0));
+}
+
+Page::Page(const Arguments& arguments)
+    : size(static_cast<int>(arguments.Number("--page-size", 0, 1000000, 0))),
+      number(static_cast<int>(arguments.Number("--page", 1, 1000000, 1)))
+{
+}
+
 Arguments ParseArguments(const Program& program, const std::vector<std::string>& words)
 {
     Arguments arguments;
@@ -228,7 +247,6 @@ Arguments ParseArguments(const Program& program, const std::vector<std::string>&
         } else {
             throw UsageError(name + " needs a value: " + option->value);
         }
-        CheckValue(*option, value);
         arguments.m_values[name].push_back(value);
     }
     const std::string command = Joined(commandWords);

@@ -38,6 +38,22 @@ struct Option
     const char* words = nullptr;
 };
 
+/// Two lists of options as one, for commands that share most of theirs.
+template <std::size_t N>
+struct OptionRows
+{
+    Option rows[N];
+};
+
+template <std::size_t N, std::size_t M>
+constexpr OptionRows<N + M> Joined(const Option (&first)[N], const Option (&second)[M])
+{
+    OptionRows<N + M> joined{};
+    for (std::size_t i = 0; i < N + M; ++i)
+        joined.rows[i] = i < N ? first[i] : second[i - N];
+    return joined;
+}
+
 template <class T>
 struct Slice
 {
@@ -138,6 +154,21 @@ private:
     const Command* m_command = nullptr;
     std::vector<std::string> m_operands;
     std::map<std::string, std::vector<std::string>, std::less<>> m_values;
+};
+
+/// Throws UsageError unless exactly one of two options is given.
+void RequireOneOf(const Arguments& arguments, const char* one, const char* other);
+
+/// A record's id; 0 when it is not given.
+unsigned long IdOption(const Arguments& arguments, const char* option = "--id");
+
+/// The options "--page-size" and "--page" of a list; a size of 0 is all of it.
+struct Page
+{
+    explicit Page(const Arguments& arguments);
+
+    int size;
+    int number;
 };
 
 /// Reads a command line without the program's name. Takes "--name value" and "--name=value" anywhere before a "--"; "-" is

@@ -2,9 +2,9 @@
 
 #include "Options.h"
 
-#include <string>
+#include "VKDatabase.h"
 
-class VKDatabase;
+#include <string>
 
 namespace vk {
 
@@ -14,5 +14,16 @@ std::string UseRoot(const Arguments& arguments);
 
 /// The database of the root. Throws std::runtime_error with the database's own words when it cannot be opened.
 VKDatabase& UseDatabase(const Arguments& arguments);
+
+/// An entity of that database, by its factory operation. Throws std::runtime_error when it cannot be opened.
+template <class Entity>
+Entity& UseEntity(const Arguments& arguments, Entity* (VKDatabase::*factory)())
+{
+    VKDatabase& database = UseDatabase(arguments);
+    Entity* const entity = (database.*factory)();
+    if (entity == nullptr)
+        throw std::runtime_error("the database cannot be opened: " + database.getLastErrorString());
+    return *entity;
+}
 
 } // namespace vk

@@ -14,9 +14,8 @@ struct DepartmentNoun
     static constexpr const auto& kFields = kDepartmentTable.fields;
     static constexpr const char* kColumns[] = {"id", "name", "max_receivers", "num_receivers", "description"};
     static constexpr Slice<ColumnWords> kWords{};
-    static constexpr Slice<const char*> kSecrets{};
 
-    static VKDBiDepartment* Store(VKDatabase& database) { return database.getVKDBiDepartmentObject(); }
+    static constexpr auto kStore = &VKDatabase::getVKDBiDepartmentObject;
 
     static bool Add(VKDBiDepartment& store, Record& department) { return store.Add(&department); }
 

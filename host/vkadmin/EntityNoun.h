@@ -6,7 +6,6 @@
 #include "VKDBexception.h"
 #include "VKDatabase.h"
 
-#include <limits>
 #include <string>
 #include <vector>
 
@@ -29,8 +28,7 @@ struct ListGuard
 ///         static constexpr const auto& kFields = kDepartmentTable.fields;
 ///         static constexpr const char* kColumns[] = {"id", "name"};   // of "list"
 ///         static constexpr Slice<ColumnWords> kWords{};
-///         static constexpr Slice<const char*> kSecrets{};
-///         static VKDBiDepartment* Store(VKDatabase& database);        // null when it cannot be opened
+///         static constexpr auto kStore = &VKDatabase::getVKDBiDepartmentObject;
 ///         static bool Add(VKDBiDepartment& store, Record& record);    // the id comes back in the record
 ///         static void ForEach(VKDBiDepartment& store, Visit&& visit);
 ///         static void Empty(Record& record);                          // frees what a record owns
@@ -59,15 +57,12 @@ public:
 
     static int Show(const Arguments& arguments)
     {
-        if (arguments.Has("--id") == arguments.Has("--name"))
-            throw UsageError("give one of --id and --name");
+        RequireOneOf(arguments, "--id", "--name");
         auto& store = Store(arguments);
         Owned record;
         const std::string name = arguments.Text("--name");
-        const auto id = static_cast<unsigned long>(
-            arguments.Number("--id", 0, std::numeric_limits<long long>::max(), 0));
-        const bool found =
-            arguments.Has("--id") ? store.GetByID(&record.value, id) : store.GetByName(&record.value, name);
+        const bool found = arguments.Has("--id") ? store.GetByID(&record.value, IdOption(arguments))
+                                                 : store.GetByName(&record.value, name);
         if (!found)
             return Refused(std::string("there is no ") + Noun::kName + " " + arguments.Text("--id", "'" + name + "'"));
         PrintRecord(Shown(record.value), arguments.Has("--json"));
@@ -98,16 +93,12 @@ private:
 
     static auto& Store(const Arguments& arguments)
     {
-        VKDatabase& database = UseDatabase(arguments);
-        auto* const store = Noun::Store(database);
-        if (store == nullptr)
-            throw std::runtime_error("the database cannot be opened: " + database.getLastErrorString());
-        return *store;
+        return UseEntity(arguments, Noun::kStore);
     }
 
     static ShownRecord Shown(const Record& record)
     {
-        return ShownValues(Noun::kFields, Noun::kWords, Noun::kSecrets, record);
+        return ShownValues(Noun::kFields, Noun::kWords, {}, record);
     }
 };
 

@@ -1,5 +1,6 @@
 #include "PacketCommands.h"
 
+#include "AdminInput.h"
 #include "PacketFields.h"
 #include "VKMXPmEnvelope.h"
 #include "VKMXPmFields.h"
@@ -23,26 +24,6 @@ namespace {
 constexpr char kResultPrefix[] = "result.";
 constexpr char kBlanks[] = " \t\r\n";
 constexpr char kLine[] = "line ";
-
-/// A file or standard input, without the white space around it, as a server reads a body.
-std::string ReadInput(const std::string& name)
-{
-    std::string text;
-    try {
-        std::ifstream file;
-        if (name != "-")
-            file.open(name, std::ios::binary);
-        std::istream& in = name == "-" ? std::cin : file;
-        if (!in)
-            throw InputError(name + ": " + std::strerror(errno));
-        text.assign(std::istreambuf_iterator<char>(in), {});
-    } catch (const std::ios_base::failure&) {
-        throw InputError(name + ": " + std::strerror(errno));
-    }
-    text.erase(0, std::min(text.find_first_not_of(kBlanks), text.size()));
-    text.erase(text.find_last_not_of(kBlanks) + 1);
-    return text;
-}
 
 // Showing.
 

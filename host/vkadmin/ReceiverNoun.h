@@ -16,9 +16,8 @@ struct ReceiverNoun
     static constexpr CodeText<int> kTypes[] = {
         {VKReceiverAlpha, "alpha"}, {VKReceiverNumeric, "numeric"}, {VKReceiverTwoWay, "two-way"}, {VKReceiverFax, "fax"}};
     static constexpr ColumnWords kWords[] = {{"type", kTypes}};
-    static constexpr const char* kSecrets[] = {"acct_pwd", "security_code", "misc_settings"};
 
-    static VKDBiReceiver* Store(VKDatabase& database) { return database.getVKDBiReceiverObject(); }
+    static constexpr auto kStore = &VKDatabase::getVKDBiReceiverObject;
 
     static bool Add(VKDBiReceiver& store, Record& receiver)
     {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Options.h"
-#include "VKField.h"
+#include "VKTableField.h"
 
 #include <json/json.h>
 
@@ -64,6 +64,10 @@ void SetFromText(Value& member, const std::string& text, const std::string& opti
             throw UsageError(option + ": '" + text + "' is no number");
     } else if constexpr (std::is_same_v<Value, std::string>) {
         member = text;
+    } else if constexpr (std::is_enum_v<Value>) {
+        std::underlying_type_t<Value> number{};
+        SetFromText(number, text, option);
+        member = static_cast<Value>(number);
     } else {
         throw UsageError(option + " cannot be set");
     }
@@ -82,6 +86,19 @@ void FillFromOptions(const Fields& fields, Slice<ColumnWords> words, const Argum
             if (text == word.text)
                 text = std::to_string(word.code);
         SetFromText(row.of(record), text, option);
+    });
+}
+
+/// Throws UsageError for the first std::string that is longer than its column.
+template <class Fields, class Record>
+void RequireLengths(const Fields& fields, const Record& record)
+{
+    ForEachField(fields, [&](const auto& row) {
+        if constexpr (std::decay_t<decltype(row)>::template has<Varchar>) {
+            const int width = row.template mark<Varchar>().width;
+            if (row.of(record).size() > static_cast<std::size_t>(width))
+                throw UsageError(OptionOfColumn(row.name) + ": is longer than " + std::to_string(width) + " bytes");
+        }
     });
 }
 
@@ -107,15 +124,17 @@ Json::Value ValueToJson(const Value& member, Slice<CodeText<int>> words)
     }
 }
 
-/// The record as the keys and values that are shown, in table order. Secrets are left out.
+/// The record as the keys and values that are shown, in table order. Secrets and what is hidden are left out.
 template <class Fields, class Record>
 std::vector<std::pair<std::string, Json::Value>> ShownValues(const Fields& fields, Slice<ColumnWords> words,
-                                                             Slice<const char*> secrets, const Record& record)
+                                                             Slice<const char*> hidden, const Record& record)
 {
     std::vector<std::pair<std::string, Json::Value>> values;
     ForEachField(fields, [&](const auto& row) {
-        for (const char* secret : secrets)
-            if (std::strcmp(secret, row.name) == 0)
+        if (std::decay_t<decltype(row)>::template has<Secret>)
+            return;
+        for (const char* name : hidden)
+            if (std::strcmp(name, row.name) == 0)
                 return;
         values.emplace_back(row.name, ValueToJson(row.of(record), WordsOfColumn(words, row.name)));
     });

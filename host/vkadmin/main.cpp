@@ -1,4 +1,6 @@
+#include "ClientCommands.h"
 #include "DepartmentNoun.h"
+#include "GatewayUserCommands.h"
 #include "InitCommand.h"
 #include "JobStatusCommand.h"
 #include "PacketCommands.h"
@@ -67,6 +69,67 @@ constexpr vk::Option kQueueClean[] = {
     {"--keep", "N", "Delete the oldest until so many are left."},
 };
 
+constexpr vk::Option kPageSize = {"--page-size", "N", "So many at a time; all when not given."};
+constexpr vk::Option kPage = {"--page", "N", "Which page of them; 1 when not given."};
+constexpr vk::Option kDescending = {"--descending", nullptr, "The other way round."};
+constexpr const char* kTrueFalse = "true|false";
+constexpr const char* kGatewayUserTypes = "None|Emergency|MXPCarrier|Normal|XmppGWUser";
+
+constexpr vk::Option kGatewayUserList[] = {
+    {"--name", "TEXT", "Those whose name begins with this."},
+    {"--vk-user-id", "N", "Those of this user of the server."},
+    {"--all", nullptr, "Also the hidden ones."},
+    {"--sort", "FIELD", "What to sort by; name when not given.", Need::Optional, "type|user-id|name|enabled|owner"},
+    kDescending, kPageSize, kPage,
+};
+constexpr vk::Option kGatewayUserShow[] = {
+    {"--id", "N", "The one with this id."},
+    {"--user-id", "LOGIN", "The one with this login, letters of either case."},
+};
+constexpr vk::Option kGatewayUserFields[] = {
+    {"--name", "NAME", "Its name; that of a new one is its login when not given."},
+    {"--type", "TYPE", "Whose account it is; that of a new one is Normal when not given.", Need::Optional,
+     kGatewayUserTypes},
+    {"--nick-name", "NAME", "Its nick name."},
+    {"--resource", "NAME", "Its XMPP resource."},
+    {"--ip", "ADDRESS", "From where it may log in."},
+    {"--vk-user-id", "N", "The user of the server who owns it."},
+    {"--enabled", "BOOL", "Whether it may log in; a new one may when not given.", Need::Optional, kTrueFalse},
+    {"--enable-readonly", "BOOL", "Whether it may only read.", Need::Optional, kTrueFalse},
+    {"--enable-hidden", "BOOL", "Whether lists leave it out.", Need::Optional, kTrueFalse},
+    {"--enable-roster", "BOOL", "Whether it has a roster.", Need::Optional, kTrueFalse},
+    {"--enable-multi-login", "BOOL", "Whether it may log in more than once.", Need::Optional, kTrueFalse},
+};
+constexpr auto kGatewayUserAdd = vk::Joined(
+    {
+        {"--user-id", "LOGIN", "Its login, unique.", Need::Required},
+        {"--password-file", "FILE", "Its password, the first line of a file; \"-\" is standard input.", Need::Required},
+    },
+    kGatewayUserFields);
+constexpr auto kGatewayUserModify = vk::Joined(
+    {
+        {"--id", "N", "The one with this id.", Need::Required},
+        {"--user-id", "LOGIN", "Its new login, unique."},
+        {"--password-file", "FILE", "Its new password, the first line of a file; \"-\" is standard input."},
+    },
+    kGatewayUserFields);
+
+constexpr vk::Option kClientId = {"--id", "N", "The client's id.", Need::Required};
+constexpr vk::Option kOneClient[] = {kClientId};
+constexpr vk::Option kClientList[] = {
+    {"--name", "TEXT", "Those whose name begins with this."},
+    {"--from", "SECONDS", "Those enrolled since then, seconds since 1970."},
+    {"--to", "SECONDS", "Those enrolled until then."},
+    kDescending, kPageSize, kPage,
+};
+constexpr vk::Option kClientShow[] = {
+    {"--id", "N", "The one with this id."},
+    {"--name", "NAME", "The one with this name."},
+};
+constexpr vk::Option kClientAuthorize[] = {kClientId, {"--revoke", nullptr, "Takes the authorization back."}};
+constexpr vk::Option kClientMode[] = {
+    kClientId, {"--mode", "MODE", "What it may do from now on.", Need::Required, "Basic|Advanced"}};
+
 constexpr vk::Operand kJobStatusShow[] = {{"JOB", "The job's id."}};
 
 constexpr vk::Operand kPacketParse[] = {{"FILE", "The file with the envelope; \"-\" is standard input."}};
@@ -107,6 +170,21 @@ constexpr vk::Command kCommands[] = {
      &vk::UnlockQueue},
     {"queue clean", "Deletes old messages in the statuses M, Q and R.", kQueueClean, &vk::CleanQueue},
     {"department list", "Lists all departments by name.", {}, &Departments::List},
+    {"gateway-user list", "Lists the accounts of the XMPP gateway.", kGatewayUserList, &vk::ListGatewayUsers},
+    {"gateway-user show", "Shows all of one account but its secrets.", kGatewayUserShow, &vk::ShowGatewayUser},
+    {"gateway-user add", "Adds an account and prints its id.", kGatewayUserAdd.rows, &vk::AddGatewayUser},
+    {"gateway-user modify", "Changes what is given of an account.", kGatewayUserModify.rows, &vk::ModifyGatewayUser},
+    {"gateway-user delete", "Deletes an account; the system makes its own ones again.", kGatewayUserShow,
+     &vk::DeleteGatewayUser},
+    {"gateway-user enable", "Lets an account log in.", kGatewayUserShow, &vk::EnableGatewayUser},
+    {"gateway-user disable", "Lets an account no longer log in.", kGatewayUserShow, &vk::DisableGatewayUser},
+    {"client list", "Lists the enrolled mobile clients by the time of enrolment.", kClientList, &vk::ListClients},
+    {"client show", "Shows all of one client but its key.", kClientShow, &vk::ShowClient},
+    {"client delete", "Deletes a client; it has to enrol anew.", kOneClient, &vk::DeleteClient},
+    {"client authorize", "Authorizes a client.", kClientAuthorize, &vk::AuthorizeClient},
+    {"client mode", "Sets what a client may do.", kClientMode, &vk::SetClientMode},
+    {"client suspend", "Suspends a client.", kOneClient, &vk::SuspendClient},
+    {"client resume", "Ends a suspension.", kOneClient, &vk::ResumeClient},
     {"job-status show", "Shows the last known state of a job.", {}, &vk::ShowJobStatus, kJobStatusShow},
     {"packet parse", "Shows what an envelope of the protocol holds, or where and why it is refused. Needs no root.", {},
      &vk::ParsePacket, kPacketParse, vk::Scope::Alone},
