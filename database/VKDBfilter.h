@@ -9,3 +9,10 @@ enum FltEnabled : int {
 
 /// Which of a user group's rights on departments a filter asks for.
 enum DeptPerm : int;
+
+/// Which names a list shows by their first letter.
+enum FltNameLetter : int {
+    FltAnyLetter = 0,
+    FltOnlyLetters = 1, ///< A to Z
+    FltNoLetters = 2    ///< anything else, such as digits
+};

@@ -32,16 +32,29 @@ private:
 constexpr vk::CodeText<int> kTypeNames[] = {
     {VKReceiverAlpha, "Alpha"}, {VKReceiverNumeric, "Num"}, {VKReceiverTwoWay, "2Way"}, {VKReceiverFax, "Fax"}};
 
+/// Runs a body with the record's texts as they are stored: the settings in their JSON, the password as its digest.
+template <class Body> bool WithStoredTexts(VK_RECEIVER& receiver, bool hashPassword, Body&& body)
+{
+    ConvertMiscSettingsToJSON(&receiver, VKMiscSettingsMxp);
+    const std::string_view clear = vk::GetText(receiver.acct_pwd, sizeof receiver.acct_pwd, "acct_pwd");
+    if (!hashPassword || clear.empty())
+        return body();
+    const Replaced digest(receiver.acct_pwd, vk::Md5Text(clear));
+    return body();
+}
+
 } // namespace
 
 bool VKDBiReceiver::Add(VK_RECEIVER* receiver, bool hashPassword)
 {
-    ConvertMiscSettingsToJSON(receiver, VKMiscSettingsMxp);
-    const std::string_view clear = vk::GetText(receiver->acct_pwd, sizeof receiver->acct_pwd, "acct_pwd");
-    if (!hashPassword || clear.empty())
-        return AddImpl(receiver);
-    const Replaced digest(receiver->acct_pwd, vk::Md5Text(clear));
-    return AddImpl(receiver);
+    return WithStoredTexts(*receiver, hashPassword, [&] { return AddImpl(receiver); });
+}
+
+bool VKDBiReceiver::Modify(VK_RECEIVER* receiver, unsigned long oldDepartmentId, bool hashPassword,
+                           VK_DISABLE_HISTORY* update, VK_DISABLE_HISTORY* add, bool keepHistory)
+{
+    return WithStoredTexts(*receiver, hashPassword,
+                           [&] { return ModifyImpl(receiver, oldDepartmentId, update, add, keepHistory); });
 }
 
 bool VKDBiReceiver::FillStructFromResultSet(VK_RECEIVER* receiver, VKDBiResultSet& result, int row)

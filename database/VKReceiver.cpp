@@ -7,7 +7,9 @@
 void EmptyReceiver(VK_RECEIVER* receiver)
 {
     std::free(receiver->misc_settings);
+    delete receiver->adv_messaging;
     std::free(receiver->mxp);
+    std::free(receiver->block);
     vk::FreeRecords(receiver->dept_rights, receiver->dept_rights_count);
     vk::FreeRecords(receiver->schedules, receiver->schedule_count);
     *receiver = VK_RECEIVER{};
@@ -20,12 +22,16 @@ void DuplicateReceiver(VK_RECEIVER* dst, const VK_RECEIVER* src)
     EmptyReceiver(dst);
     *dst = *src;
     dst->misc_settings = nullptr; // what fails below must not leave src's own in dst
+    dst->adv_messaging = nullptr;
     dst->mxp = nullptr;
+    dst->block = nullptr;
     dst->dept_rights = nullptr;
     dst->schedules = nullptr;
     dst->dept_rights_count = dst->schedule_count = 0;
     if (src->misc_settings != nullptr && (dst->misc_settings = strdup(src->misc_settings)) == nullptr)
         throw std::bad_alloc();
+    if (src->adv_messaging != nullptr)
+        *NeedAdvMessaging(dst) = *src->adv_messaging;
     if (src->mxp != nullptr)
         *NeedMxpFields(dst) = *src->mxp;
     vk::CopyRecords(dst->dept_rights, dst->dept_rights_count, src->dept_rights, src->dept_rights_count);

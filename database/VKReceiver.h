@@ -61,8 +61,10 @@ struct VK_RECEIVER
     VK_DEPT_RIGHTS* dept_rights = nullptr; ///< guest departments
     int schedule_count = 0;
     VK_ONDUTY_SCHEDULE* schedules = nullptr;
-    VK_MXP_FIELDS* mxp = nullptr; ///< the MXP part of misc_settings when it was decoded or is to be stored
-    unsigned int protocol_id = 0; ///< of the carrier, when a view joined it
+    VK_ADV_MESSAGING* adv_messaging = nullptr; ///< of misc_settings, when it was decoded or is to be stored
+    VK_MXP_FIELDS* mxp = nullptr;              ///< likewise
+    void* block = nullptr;                     ///< the caller's own (malloc): neither stored nor copied
+    unsigned int protocol_id = 0;              ///< of the carrier, when a view joined it
 };
 
 /// Receivers in an array that the list owns (malloc).

@@ -2,18 +2,18 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <json/json.h>
 #include <memory>
 #include <new>
 
 #include "VKDBexception.h"
+#include "VKJson.h"
+#include "VKMXPPolicyJson.h"
 #include "VKReceiver.h"
 #include "VKRecordText.h"
 #include "VKsysCodec.h"
 
 namespace {
 
-constexpr const char* kMxp = "MXP";
 constexpr bool kEncodeBlanks = false;
 
 struct MxpKey
@@ -30,30 +30,29 @@ constexpr MxpKey kMxpKeys[] = {
     {"DeviceID", &VK_MXP_FIELDS::device_id, &VK_MXP_FIELDS::device_id_set, false},
     {"DevicePushService", &VK_MXP_FIELDS::device_push_service, &VK_MXP_FIELDS::device_push_service_set, false}};
 
-[[noreturn]] void ThrowUnreadable(const VK_RECEIVER& receiver, const std::string& why)
+/// A part of misc_settings: the name of its object, and what an error calls it.
+struct Part
 {
+    const char* name;
+    const char* title;
+};
+
+constexpr Part kMxp = {"MXP", "MXP Settings Data"};
+constexpr Part kAdvMsgng = {"AdvMsgng", "Advanced Messaging Data"};
+
+/// The whole of misc_settings, empty for an empty text; throws unless the part in it is an object or missing.
+Json::Value Parse(const VK_RECEIVER& receiver, const Part& part)
+{
+    Json::Value root(Json::objectValue);
+    if (receiver.misc_settings == nullptr || *receiver.misc_settings == '\0')
+        return root;
+    const bool isObject = vk::ParseJsonObject(receiver.misc_settings, root);
+    if (isObject && (!root.isMember(part.name) || root[part.name].isObject()))
+        return root;
     const std::string name(vk::GetText(receiver.name, sizeof receiver.name, "name"));
     throw VKDBexception(vk::DbError::General, __FILE__, __LINE__,
-                        "Unable to parse MXP Settings Data for Receiver[ " + name + " ].", why);
-}
-
-/// The object in misc_settings; an empty one for an empty text.
-Json::Value Parse(const VK_RECEIVER& receiver)
-{
-    if (receiver.misc_settings == nullptr || *receiver.misc_settings == '\0')
-        return Json::Value(Json::objectValue);
-    const std::unique_ptr<Json::CharReader> reader(Json::CharReaderBuilder().newCharReader());
-    const char* const end = receiver.misc_settings + std::strlen(receiver.misc_settings);
-    Json::Value root;
-    std::string why = "not an object";
-    try {
-        if (reader->parse(receiver.misc_settings, end, &root, &why) && root.isObject() &&
-            (!root.isMember(kMxp) || root[kMxp].isObject()))
-            return root;
-    } catch (const std::exception& failure) { // nested too deeply
-        why = failure.what();
-    }
-    ThrowUnreadable(receiver, why);
+                        std::string("Unable to parse ") + part.title + " for Receiver[ " + name + " ].",
+                        isObject ? std::string(part.name) + " is not an object" : "not a JSON object");
 }
 
 void Store(VK_RECEIVER& receiver, const Json::Value& root)
@@ -81,26 +80,45 @@ VK_MXP_FIELDS* NeedMxpFields(VK_RECEIVER* receiver)
     return receiver->mxp;
 }
 
+VK_ADV_MESSAGING* NeedAdvMessaging(VK_RECEIVER* receiver)
+{
+    if (receiver->adv_messaging == nullptr)
+        receiver->adv_messaging = std::make_unique<VK_ADV_MESSAGING>().release();
+    return receiver->adv_messaging;
+}
+
 void ConvertMiscSettingsToJSON(VK_RECEIVER* receiver, VKMiscSettings_Rece part)
 {
-    if (part != VKMiscSettingsMxp || receiver->mxp == nullptr)
-        return;
-    Json::Value root = Parse(*receiver);
-    for (const MxpKey& row : kMxpKeys) {
-        if (!(receiver->mxp->*row.given))
-            continue;
-        const std::string text(vk::GetText(receiver->mxp->*row.text, sizeof(receiver->mxp->*row.text), row.key));
-        root[kMxp][row.key] = row.encoded ? VKsysCodec::EncodeWebInputData(text, kEncodeBlanks) : text;
+    if ((part & VKMiscSettingsMxp) != 0 && receiver->mxp != nullptr) {
+        Json::Value root = Parse(*receiver, kMxp);
+        for (const MxpKey& row : kMxpKeys) {
+            if (!(receiver->mxp->*row.given))
+                continue;
+            const std::string text(vk::GetText(receiver->mxp->*row.text, sizeof(receiver->mxp->*row.text), row.key));
+            root[kMxp.name][row.key] = row.encoded ? VKsysCodec::EncodeWebInputData(text, kEncodeBlanks) : text;
+        }
+        Store(*receiver, root);
     }
-    Store(*receiver, root);
+    if ((part & VKMiscSettingsAdvMsgng) != 0 && receiver->adv_messaging != nullptr) {
+        Json::Value root = Parse(*receiver, kAdvMsgng);
+        vk::WritePolicyGroups(root[kAdvMsgng.name], receiver->adv_messaging->settings,
+                              receiver->adv_messaging->permissions, vk::AbsentValue::Kept);
+        Store(*receiver, root);
+    }
+}
+
+bool ConvertJSONToMiscSettingsData(VK_RECEIVER* receiver)
+{
+    const bool mxp = ConvertJSONToMXPFieldsData(receiver);
+    return ConvertJSONToAdvMessagingData(receiver) || mxp;
 }
 
 bool ConvertJSONToMXPFieldsData(VK_RECEIVER* receiver)
 {
-    const Json::Value root = Parse(*receiver);
+    const Json::Value root = Parse(*receiver, kMxp);
     VK_MXP_FIELDS fields;
     for (const MxpKey& row : kMxpKeys) {
-        const Json::Value& value = root[kMxp][row.key];
+        const Json::Value& value = vk::JsonMember(vk::JsonMember(root, kMxp.name), row.key);
         if (!value.isString())
             continue;
         const std::string text = value.asString();
@@ -109,5 +127,14 @@ bool ConvertJSONToMXPFieldsData(VK_RECEIVER* receiver)
         fields.*row.given = true;
     }
     *NeedMxpFields(receiver) = fields;
-    return root.isMember(kMxp);
+    return root.isMember(kMxp.name);
+}
+
+bool ConvertJSONToAdvMessagingData(VK_RECEIVER* receiver)
+{
+    const Json::Value root = Parse(*receiver, kAdvMsgng);
+    VK_ADV_MESSAGING data;
+    vk::ReadPolicyGroups(vk::JsonMember(root, kAdvMsgng.name), data.settings, data.permissions);
+    *NeedAdvMessaging(receiver) = std::move(data);
+    return root.isMember(kAdvMsgng.name);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "VKMXPGeneralPolicy.h"
+
 struct VK_RECEIVER;
 
 /// What a mobile client needs to be reached over MXP. Each value has a flag that says that it is given: what is not
@@ -16,15 +18,26 @@ struct VK_MXP_FIELDS
     char device_push_service[256] = {};
 };
 
-/// Which part of the JSON text in misc_settings is meant.
-enum VKMiscSettings_Rece : int { VKMiscSettingsMxp = 2 };
+/// The receiver's own settings and permissions of its mobile client. A value that is not present keeps its stored one.
+/// Made with new, owned by the receiver that points to it.
+struct VK_ADV_MESSAGING
+{
+    VKMXPPolicySettings settings;
+    VKMXPPolicyPermissions permissions;
+};
 
-/// Gives the receiver an empty block of MXP fields unless it has one.
+/// Which part of the JSON text in misc_settings is meant.
+enum VKMiscSettings_Rece : int { VKMiscSettingsAdvMsgng = 1, VKMiscSettingsMxp = 2, VKMiscSettingsBoth = 3 };
+
+/// Gives the receiver an empty block of MXP fields, or of advanced messaging data, unless it has one.
 VK_MXP_FIELDS* NeedMxpFields(VK_RECEIVER* receiver);
+VK_ADV_MESSAGING* NeedAdvMessaging(VK_RECEIVER* receiver);
 
 /// Writes the given values of the part into misc_settings; all else that is stored there stays. Throws VKDBexception
-/// when misc_settings holds no JSON object.
+/// when misc_settings cannot be read.
 void ConvertMiscSettingsToJSON(VK_RECEIVER* receiver, VKMiscSettings_Rece part);
 
-/// Reads the MXP fields from misc_settings. False, with none set, when there are none; throws as above.
+/// Read a part, or both, from misc_settings. False, with none set, when there are none; throw as above.
+bool ConvertJSONToMiscSettingsData(VK_RECEIVER* receiver);
 bool ConvertJSONToMXPFieldsData(VK_RECEIVER* receiver);
+bool ConvertJSONToAdvMessagingData(VK_RECEIVER* receiver);

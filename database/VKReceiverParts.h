@@ -44,6 +44,38 @@ struct VK_RECEIVER_ATTRIBUTE
     char attribute_values[101] = {};
 };
 
+// Lists: arrays that the list owns (malloc). Add... adds a copy at the end, Empty... frees all and zeroes the list.
+
+struct VK_DISABLE_HISTORY_LIST
+{
+    int count = 0;
+    VK_DISABLE_HISTORY* list = nullptr;
+};
+
+struct VK_ATTRIBUTE_LIST
+{
+    int count = 0;
+    VK_ATTRIBUTE* list = nullptr;
+};
+
+struct VK_RECEIVER_ATTRIBUTE_LIST
+{
+    int count = 0;
+    VK_RECEIVER_ATTRIBUTE* list = nullptr;
+};
+
+void AddDisableHistory(VK_DISABLE_HISTORY_LIST* list, const VK_DISABLE_HISTORY* history);
+void EmptyDisableHistoryList(VK_DISABLE_HISTORY_LIST* list);
+
+/// Frees what the record owns and clears it.
+void EmptyAttribute(VK_ATTRIBUTE* attribute);
+/// The copy gets texts of its own.
+void AddAttribute(VK_ATTRIBUTE_LIST* list, const VK_ATTRIBUTE* attribute);
+void EmptyAttributeList(VK_ATTRIBUTE_LIST* list);
+
+void AddReceiverAttribute(VK_RECEIVER_ATTRIBUTE_LIST* list, const VK_RECEIVER_ATTRIBUTE* attribute);
+void EmptyReceiverAttributeList(VK_RECEIVER_ATTRIBUTE_LIST* list);
+
 namespace vk {
 
 inline constexpr Table kReceiverDeptTable{TableName{"receiver_dept", "VK_RECEIVER_DEPT"},

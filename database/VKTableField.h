@@ -4,7 +4,7 @@
 
 /// \file
 /// The words with which a record's field table describes a database table. The member's type gives the column: bool
-/// BOOLEAN, numbers and enumerations INTEGER, char[N] VARCHAR(N - 1), std::string VARCHAR with the width of its mark,
+/// BOOLEAN, numbers and enumerations INTEGER, double REAL, char[N] VARCHAR(N - 1), std::string VARCHAR with the width of its mark,
 /// char* TEXT. The marks say the rest.
 
 namespace vk {

@@ -26,6 +26,8 @@ template <class Value> void ReadValue(Value& member, const VKDBiRowField& field,
             throw std::bad_alloc();
     } else if constexpr (std::is_same_v<Value, bool>) {
         member = field.GetValueBool();
+    } else if constexpr (std::is_floating_point_v<Value>) {
+        member = static_cast<Value>(field.GetValueDouble());
     } else if constexpr (std::is_unsigned_v<Value>) {
         member = static_cast<Value>(field.GetValueULong());
     } else {

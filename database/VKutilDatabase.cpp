@@ -11,5 +11,11 @@ bool VKutilDatabase::IsDepartmentBeingUsed(unsigned long departmentId, VKDBsyste
 
 bool VKutilDatabase::IsUniqueDeviceName(const std::string& name, unsigned long excludeId, VKDBsystem* system)
 {
-    return std::unique_ptr<VKDBiReceiver>(VKDBiReceiver::CreateInstance(system))->IsUniqueName(name, excludeId);
+    return IsUniqueDeviceName(name, excludeId,
+                              *std::unique_ptr<VKDBiReceiver>(VKDBiReceiver::CreateInstance(system)));
+}
+
+bool VKutilDatabase::IsUniqueDeviceName(const std::string& name, unsigned long excludeId, VKDBiReceiver& receivers)
+{
+    return receivers.IsUniqueName(name, excludeId) && !receivers.IsGroupName(name);
 }

@@ -12,6 +12,7 @@ class BrokenRules
 {
 public:
     void Add(int number);
+    void AddText(const std::string& text);
 
     /// Throws VKBALexception with code 1000 and all texts unless there is none.
     void ThrowIfAny() const;

@@ -1,18 +1,36 @@
 #include "VKBALReceiver.h"
 
+#include <algorithm>
+#include <charconv>
+#include <strings.h>
+
 #include "VKBALMessages.h"
 #include "VKBALUtility.h"
+#include "VKBALexception.h"
+#include "VKFieldValidators.h"
+#include "VKPinTemplate.h"
+#include "VKReceiverRules.h"
 #include "VKRecordText.h"
-#include "VKutilDatabase.h"
+#include "VKascii.h"
 
 namespace {
 
 constexpr int kWithoutValidation = 2;
+constexpr unsigned int kHighestOaiPin = 9999;
+
+/// A whole text as a number of this base, from 0 to 9999.
+bool IsOaiNumber(const std::string& pin, int base)
+{
+    unsigned int number = 0;
+    const char* const end = pin.data() + pin.size();
+    const auto [rest, error] = std::from_chars(pin.data(), end, number, base);
+    return error == std::errc() && rest == end && number <= kHighestOaiPin;
+}
 
 } // namespace
 
 VKBALReceiver::VKBALReceiver(std::unique_ptr<VKDBiReceiver> implementation)
-    : m_pImplementation(std::move(implementation))
+    : vk::ReceiverForwarding(std::move(implementation))
 {
 }
 
@@ -21,68 +39,112 @@ VKBALReceiver::~VKBALReceiver() = default;
 bool VKBALReceiver::AddImpl(VK_RECEIVER* receiver)
 {
     if (m_iValidationMode != kWithoutValidation)
-        CheckBALConstraints(*receiver);
+        CheckBALConstraints(*receiver, true);
     return m_pImplementation->AddImpl(receiver);
 }
 
-void VKBALReceiver::CheckBALConstraints(const VK_RECEIVER& receiver)
+bool VKBALReceiver::ModifyImpl(VK_RECEIVER* receiver, unsigned long oldDepartmentId, VK_DISABLE_HISTORY* update,
+                               VK_DISABLE_HISTORY* add, bool keepHistory)
 {
-    const std::string name(vk::GetText(receiver.name, sizeof receiver.name, "name"));
+    if (m_iValidationMode != kWithoutValidation)
+        CheckBALConstraints(*receiver, false);
+    return m_pImplementation->ModifyImpl(receiver, oldDepartmentId, update, add, keepHistory);
+}
+
+void VKBALReceiver::CheckBALConstraints(const VK_RECEIVER& receiver, bool isNew)
+{
+    vk::ReceiverRules(
+        *m_pImplementation, [this](unsigned long carrierId) { return ProtocolOf(carrierId); },
+        [this](unsigned long id, const std::string& pin, unsigned long carrierId) {
+            return ValidateReceiverPin(id, pin, carrierId);
+        })
+        .Check(receiver, isNew);
+}
+
+bool VKBALReceiver::Delete(unsigned long id, unsigned long departmentId)
+{
+    if (id == 0)
+        throw VKBALexception(vk::DbError::RuleOrConstraint, __FILE__, __LINE__,
+                             "Receiver ID should be greater than zero.");
+    if (vk::CoversAnyone(*m_pImplementation, id))
+        throw VKDBexception(vk::DbError::RuleOrConstraint, __FILE__, __LINE__, "Foreign Key constraints failed.");
+    return m_pImplementation->Delete(id, departmentId);
+}
+
+VKDBiCarrier& VKBALReceiver::Carriers()
+{
+    if (!m_pCarriers)
+        m_pCarriers.reset(VKDBiCarrier::CreateInstance(GetDbSystem()));
+    return *m_pCarriers;
+}
+
+/// 0 for none, for a special carrier, and for one that is not there.
+int VKBALReceiver::ProtocolOf(unsigned long carrierId)
+{
+    if (carrierId == 0 || carrierId >= VK_FAX_CARRIER_ID)
+        return 0;
+    VK_CARRIER carrier;
+    return Carriers().GetByID(&carrier, carrierId, false) ? carrier.protocol_id : 0;
+}
+
+bool VKBALReceiver::ValidateReceiverPin(unsigned long receiverId, const std::string& pin, unsigned long carrierId)
+{
+    constexpr int hexadecimal = 16;
+    if (carrierId == 0 || carrierId >= VK_FAX_CARRIER_ID)
+        return true;
+    VK_CARRIER carrier;
+    if (!Carriers().GetByID(&carrier, carrierId, false))
+        return true;
+    const bool isOai = carrier.protocol_id == VKProtocolOaiOneWay || carrier.protocol_id == VKProtocolOaiTwoWay;
+    if (isOai && !IsOaiNumber(pin, hexadecimal))
+        return false;
+    if (IsMxpProtocol(carrier.protocol_id) && !ValidatePinForMXPReceiver(pin, receiverId))
+        return false;
+    return ValidatePinAgainstPinTemplate(pin, carrier.pin_template);
+}
+
+bool VKBALReceiver::ValidatePinForMXPReceiver(const std::string& pin, unsigned long receiverId)
+{
+    if (std::any_of(pin.begin(), pin.end(), vk::IsSpace))
+        return false;
+    VK_RECEIVER_VIEW_LIST views;
+    m_pImplementation->GetViewsByPin(&views, pin);
+    const bool taken = std::any_of(views.list, views.list + views.count, [&](const VK_RECEIVER_VIEW& view) {
+        return view.id != receiverId && IsMxpProtocol(view.protocol_id) && strcasecmp(view.pin, pin.c_str()) == 0;
+    });
+    EmptyReceiverViewList(&views);
+    return !taken;
+}
+
+bool VKBALReceiver::ValidatePinForOAIReceiver(const std::string& pin)
+{
+    constexpr int decimal = 10;
+    return IsOaiNumber(pin, decimal);
+}
+
+bool VKBALReceiver::AddAttribute(VK_ATTRIBUTE* attribute)
+{
+    CheckAttribute(*attribute);
+    return m_pImplementation->AddAttribute(attribute);
+}
+
+bool VKBALReceiver::ModifyAttribute(VK_ATTRIBUTE* attribute)
+{
+    CheckAttribute(*attribute);
+    return m_pImplementation->ModifyAttribute(attribute);
+}
+
+void VKBALReceiver::CheckAttribute(const VK_ATTRIBUTE& attribute)
+{
+    const std::string name(vk::GetText(attribute.name, sizeof attribute.name, "name"));
     vk::BrokenRules broken;
     if (VKBALUtility::IsBlank(name))
-        broken.Add(1110);
-    else if (!VKBALUtility::IsValidDeviceName(name))
-        broken.Add(1111);
-    if (VKBALUtility::IsBlank(std::string(vk::GetText(receiver.pin, sizeof receiver.pin, "pin"))))
-        broken.Add(1113);
-    if (!VKutilDatabase::IsUniqueDeviceName(name, receiver.id, GetDbSystem()))
-        broken.Add(1114);
+        broken.AddText("The attribute name is missing. Enter a name of 1 to 256 characters.");
+    else if (!VKReceiverAttribNameValidator().validate(name))
+        broken.AddText("The attribute name is not valid. Letters, digits, blanks and the characters _ - . are "
+                       "accepted.");
+    if (!m_pImplementation->IsUniqueAttributeName(name, attribute.id))
+        broken.AddText("The attribute name is already in use. Enter a name that no other attribute has; upper and "
+                       "lower case count as the same.");
     broken.ThrowIfAny();
-}
-
-bool VKBALReceiver::Get(VK_RECEIVER_LIST* list) { return m_pImplementation->Get(list); }
-long VKBALReceiver::GetTotalRecordCount() { return m_pImplementation->GetTotalRecordCount(); }
-void VKBALReceiver::ClearFilter() { m_pImplementation->ClearFilter(); }
-void VKBALReceiver::ClearSort() { m_pImplementation->ClearSort(); }
-
-bool VKBALReceiver::GetByID(VK_RECEIVER* receiver, unsigned long id)
-{
-    return m_pImplementation->GetByID(receiver, id);
-}
-
-bool VKBALReceiver::GetByName(VK_RECEIVER* receiver, const std::string& name)
-{
-    return m_pImplementation->GetByName(receiver, name);
-}
-
-bool VKBALReceiver::GetByPin(VK_RECEIVER* receiver, const std::string& pin)
-{
-    return m_pImplementation->GetByPin(receiver, pin);
-}
-
-bool VKBALReceiver::GetNamesList(std::vector<VK_NAME_RECORD>& names) { return m_pImplementation->GetNamesList(names); }
-
-bool VKBALReceiver::GetIDByName(unsigned long& id, const std::string& name)
-{
-    return m_pImplementation->GetIDByName(id, name);
-}
-
-bool VKBALReceiver::IsUniqueName(const std::string& name, unsigned long excludeId)
-{
-    return m_pImplementation->IsUniqueName(name, excludeId);
-}
-
-bool VKBALReceiver::IsDepartmentRecvLimitReached(unsigned long departmentId)
-{
-    return m_pImplementation->IsDepartmentRecvLimitReached(departmentId);
-}
-
-bool VKBALReceiver::FillStructFromResultSet(VK_RECEIVER* receiver, VKDBiResultSet& result, int row)
-{
-    return m_pImplementation->FillStructFromResultSet(receiver, result, row);
-}
-
-bool VKBALReceiver::IsDepartmentBeingUsed(unsigned long departmentId)
-{
-    return m_pImplementation->IsDepartmentBeingUsed(departmentId);
 }

@@ -1,35 +1,40 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
-#include "VKDBiReceiver.h"
+#include "VKDBiCarrier.h"
+#include "VKReceiverForwarding.h"
 
 /// The receivers behind their rules: forwards every operation to the layer below, and refuses what breaks a rule.
-class VKBALReceiver : public VKDBiReceiver
+class VKBALReceiver : public vk::ReceiverForwarding
 {
 public:
     /// Takes the implementation over.
     explicit VKBALReceiver(std::unique_ptr<VKDBiReceiver> implementation);
     ~VKBALReceiver() override;
 
-    bool Get(VK_RECEIVER_LIST* list) override;
-    bool GetByID(VK_RECEIVER* receiver, unsigned long id) override;
-    bool GetByName(VK_RECEIVER* receiver, const std::string& name) override;
-    bool GetByPin(VK_RECEIVER* receiver, const std::string& pin) override;
-    bool GetNamesList(std::vector<VK_NAME_RECORD>& names) override;
-    long GetTotalRecordCount() override;
-    bool GetIDByName(unsigned long& id, const std::string& name) override;
-    bool IsUniqueName(const std::string& name, unsigned long excludeId) override;
-    bool IsDepartmentRecvLimitReached(unsigned long departmentId) override;
-    bool FillStructFromResultSet(VK_RECEIVER* receiver, VKDBiResultSet& result, int row) override;
-    bool IsDepartmentBeingUsed(unsigned long departmentId) override;
-    void ClearFilter() override;
-    void ClearSort() override;
     bool AddImpl(VK_RECEIVER* receiver) override;
+    bool ModifyImpl(VK_RECEIVER* receiver, unsigned long oldDepartmentId, VK_DISABLE_HISTORY* update,
+                    VK_DISABLE_HISTORY* add, bool keepHistory) override;
+    bool Delete(unsigned long id, unsigned long departmentId) override;
+    bool AddAttribute(VK_ATTRIBUTE* attribute) override;
+    bool ModifyAttribute(VK_ATTRIBUTE* attribute) override;
+
+    /// Throws VKBALexception with all rules that the record breaks.
+    void CheckBALConstraints(const VK_RECEIVER& receiver, bool isNew);
+
+    /// Whether a PIN is one that its carrier takes, for the receiver that is to have it (0 for a new one).
+    bool ValidateReceiverPin(unsigned long receiverId, const std::string& pin, unsigned long carrierId);
+    /// No white space, and no other receiver on an MXP carrier has it.
+    bool ValidatePinForMXPReceiver(const std::string& pin, unsigned long receiverId);
+    /// A decimal number from 0 to 9999.
+    static bool ValidatePinForOAIReceiver(const std::string& pin);
 
 private:
-    /// Throws VKBALexception with all rules that the record breaks.
-    void CheckBALConstraints(const VK_RECEIVER& receiver);
+    VKDBiCarrier& Carriers();
+    int ProtocolOf(unsigned long carrierId);
+    void CheckAttribute(const VK_ATTRIBUTE& attribute);
 
-    std::unique_ptr<VKDBiReceiver> m_pImplementation;
+    std::unique_ptr<VKDBiCarrier> m_pCarriers; ///< opened when a rule first asks for a carrier
 };

@@ -1,5 +1,6 @@
 #include <memory>
 
+#include "VKBALCarrier.h"
 #include "VKBALDepartment.h"
 #include "VKBALReceiver.h"
 #include "VKDBexception.h"
@@ -8,11 +9,13 @@
 #include "VKRDBDepartment.h"
 #include "VKRDBReceiver.h"
 #include "VKRDBXmppGWUser.h"
+#include "VKRDBcarrier.h"
 #include "VKSQLite3ActiveMxpClient.h"
 #include "VKSQLite3Department.h"
 #include "VKSQLite3MessageQueue.h"
 #include "VKSQLite3Receiver.h"
 #include "VKSQLite3XmppGWUser.h"
+#include "VKSQLite3carrier.h"
 
 /// \file
 /// The layers of each entity put together: the backend that the system is on, behind the validating layer. The one
@@ -67,6 +70,11 @@ VKDBiXmppGWUser* VKDBiXmppGWUser::CreateInstance(VKDBsystem* system)
 VKDBiActiveMxpClient* VKDBiActiveMxpClient::CreateInstance(VKDBsystem* system)
 {
     return MakePlain<VKDBiActiveMxpClient, VKSQLite3ActiveMxpClient, VKRDBActiveMxpClient>(system);
+}
+
+VKDBiCarrier* VKDBiCarrier::CreateInstance(VKDBsystem* system)
+{
+    return MakeLayers<VKDBiCarrier, VKBALCarrier, VKSQLite3carrier, VKRDBcarrier>(system);
 }
 
 /// The fax and voice queues, 6 and 7, are files on every installation. A queue has no validating layer.

@@ -13,6 +13,7 @@ std::string TransactSqlDialect::ColumnType(ColumnKind kind, int width) const
     switch (kind) {
     case ColumnKind::Id: return "BIGINT IDENTITY(1,1) PRIMARY KEY";
     case ColumnKind::Integer: return "BIGINT";
+    case ColumnKind::Real: return "FLOAT";
     case ColumnKind::Boolean: return "BIT";
     case ColumnKind::Varchar: return "VARCHAR(" + std::to_string(width) + ")";
     case ColumnKind::Text: return "VARCHAR(MAX)";

@@ -18,6 +18,7 @@ public:
     {
         return SqlDialect::Sorted("SELECT * FROM (" + query + ") this_table_1", order);
     }
+    std::string Substring() const override { return "SUBSTRING"; }
     std::string Page(const std::string& query, const std::string& order, long size, long offset) const override;
     std::string SelectEnd() const override { return ""; }
     std::string InsertEnd() const override { return "; SELECT [id] = @@IDENTITY, ERRORCODE=@@ERROR "; }

@@ -40,6 +40,7 @@ public:
 
     /// Makes the tables of another entity reachable, outside any transaction; where all tables stand together there is
     /// nothing to do.
+    virtual bool CanAttach(const SqlFile&) { return true; }
     virtual void Attach(const SqlFile&) {}
     virtual void Detach(const SqlFile&) {}
 };

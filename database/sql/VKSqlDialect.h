@@ -7,7 +7,7 @@
 
 namespace vk {
 
-enum class ColumnKind { Id, Integer, Boolean, Varchar, Text };
+enum class ColumnKind { Id, Integer, Real, Boolean, Varchar, Text };
 
 /// What differs from one SQL to the next, and the one place where a value is made safe to stand in a statement. What
 /// stands here is what all of them share. Stateless; used by any number of threads.
@@ -44,6 +44,25 @@ public:
     virtual std::string Sorted(const std::string& query, const std::string& order) const
     {
         return query + " ORDER BY " + order;
+    }
+
+    /// An expression with another one in place of NULL is FUNCTION(expression, other); this is the function's name.
+    virtual std::string IfNull() const { return "COALESCE"; }
+
+    /// The function that takes a part of a text.
+    virtual std::string Substring() const { return "substr"; }
+
+    /// A condition as a column of a list: 1 or 0.
+    virtual std::string ConditionColumn(const std::string& condition) const
+    {
+        return "(CASE WHEN " + condition + " THEN 1 ELSE 0 END)";
+    }
+
+    /// A query that gives a row when a table is there; the name may be one in an attached file.
+    virtual std::string TableProbe(const TableName& table) const
+    {
+        return std::string("SELECT table_name FROM information_schema.tables WHERE UPPER(table_name)='") +
+               table.relational + "'";
     }
 
     /// One page of a query's rows: at most `size` of them, behind the first `offset`, in this order.

@@ -1,195 +1,496 @@
 #include "VKSqlReceiver.h"
 
-#include <optional>
-
-#include "VKDBiDepartment.h"
-#include "VKRecordList.h"
-#include "VKSqlStore.h"
-#include "VKTableRow.h"
+#include "VKCarrier.h"
+#include "VKMD5.h"
+#include "VKRecipientRights.h"
+#include "VKSqlReceiverAttributes.h"
+#include "VKSqlReceiverChange.h"
+#include "VKSqlReceiverLists.h"
+#include "VKSqlReceiverSchedules.h"
 
 namespace vk {
 
 namespace {
 
 constexpr const TableName& kName = kReceiverTable.name;
-constexpr const char* kByName = "UPPER(name) ASC";
-constexpr SqlFile kDepartments = {"dbDepartments", "departments.sdb"};
+constexpr int kRecipientIsReceiver = 1;
 
-constexpr int kOffDutyWithCover = 2;
+/// The receivers of one user in a list of recipients.
+template <class List> std::vector<unsigned long> ReceiversOf(const List& list, unsigned long userId)
+{
+    std::vector<unsigned long> ids;
+    for (int i = 0; i < list.count; ++i)
+        if (list.list[i].user_id == userId && list.list[i].recipient_type == kRecipientIsReceiver)
+            ids.push_back(list.list[i].recipient_id);
+    return ids;
+}
+
+bool Grants(const VK_DEPT_PERMISSION& permission, DeptPerm right)
+{
+    switch (right) {
+    case DeptPermSendReceiver:
+        return permission.send_receiver;
+    case DeptPermSendGroup:
+        return permission.send_group;
+    case DeptPermModReceiver:
+        return permission.mod_receiver > 0;
+    case DeptPermModGroup:
+        return permission.mod_group > 0;
+    }
+    return false;
+}
 
 } // namespace
+
+struct SqlReceiver::Parts
+{
+    Parts(std::unique_ptr<SqlStore> ownStore, SqlReceiver& owner)
+        : store(std::move(ownStore)), files(*store, owner), history(*store), change(*store, files, history),
+          lists(*store, files, owner), schedules(*store), attributes(*store)
+    {
+    }
+
+    /// Runs a SELECT that gives one number in a transaction of its own.
+    template <class... Values> long Number(std::string_view pattern, const Values&... values)
+    {
+        return store->Shared([&] { return store->SelectNumber(pattern, values...); });
+    }
+
+    std::unique_ptr<SqlStore> store;
+    SqlReceiverFiles files;
+    SqlReceiverHistory history;
+    SqlReceiverChange change;
+    SqlReceiverLists lists;
+    SqlReceiverSchedules schedules;
+    SqlReceiverAttributes attributes;
+};
 
 SqlReceiver::SqlReceiver() = default;
 SqlReceiver::~SqlReceiver() = default;
 
-void SqlReceiver::UseStore(std::unique_ptr<SqlStore> store) { m_store = std::move(store); }
+void SqlReceiver::UseStore(std::unique_ptr<SqlStore> store)
+{
+    m_parts = std::make_unique<Parts>(std::move(store), *this);
+}
+
+// Change.
 
 bool SqlReceiver::AddImpl(VK_RECEIVER* receiver)
 {
-    std::optional<SqlAttachment> departments;
-    if (VKDBiDepartment::s_bRecLimit) {
-        MakeDepartments();
-        departments.emplace(m_store->Connection(), kDepartments);
-    }
-    receiver->id = m_store->Exclusive([&] {
-        if (departments && IsLimitReached(receiver->department_id))
-            throw VKDBexception(DbError::DepartmentLimit, __FILE__, __LINE__,
-                                "Department maximum receivers limit exceeds.");
-        return InsertWithParts(*receiver);
-    });
+    m_parts->change.Add(*receiver);
     return true;
 }
 
-unsigned long SqlReceiver::InsertWithParts(const VK_RECEIVER& receiver)
+bool SqlReceiver::ModifyImpl(VK_RECEIVER* receiver, unsigned long oldDepartmentId, VK_DISABLE_HISTORY* update,
+                             VK_DISABLE_HISTORY* add, bool keepHistory)
 {
-    const unsigned long id = m_store->InsertRow(kReceiverTable, receiver);
-    InsertDeptRights(receiver, id);
-    if (receiver.status_code == kOffDutyWithCover && receiver.forward_to_id == 0 && receiver.disable_start_date > 0)
-        AddDisableHistory(receiver, id);
-    return id;
+    return m_parts->change.Modify(*receiver, oldDepartmentId, update, add, keepHistory);
 }
 
-void SqlReceiver::InsertDeptRights(const VK_RECEIVER& receiver, unsigned long id)
+/// The password is no part of what is written.
+bool SqlReceiver::ModifyDepartment(VK_RECEIVER* receiver, unsigned long oldDepartmentId, bool,
+                                   VK_DISABLE_HISTORY* update, VK_DISABLE_HISTORY* add, bool keepHistory)
 {
-    for (int i = 0; i < receiver.dept_rights_count; ++i) {
-        VK_DEPT_RIGHTS rights = receiver.dept_rights[i];
-        rights.owner_id = id;
-        m_store->InsertRow(kReceiverDeptTable, rights);
-    }
+    return m_parts->change.ModifyDepartment(*receiver, oldDepartmentId, update, add, keepHistory);
 }
 
-void SqlReceiver::AddDisableHistory(const VK_RECEIVER& receiver, unsigned long id)
+/// Receivers are counted where they are, so that their department need not be told.
+bool SqlReceiver::Delete(unsigned long id, unsigned long) { return m_parts->change.Delete(id); }
+
+bool SqlReceiver::ChangeStatus(VK_RECEIVER* receiver, VK_DISABLE_HISTORY* update, VK_DISABLE_HISTORY* add,
+                               bool keepHistory)
 {
-    VK_DISABLE_HISTORY history;
-    history.receiver_id = id;
-    history.disable_start_date = receiver.disable_start_date;
-    history.disable_end_date = receiver.disable_end_date;
-    SetText(history.forward_to_number,
-            GetText(receiver.forward_to_number, sizeof receiver.forward_to_number, "forward_to_number"),
-            "forward_to_number");
-    unsigned long row = 0;
-    try {
-        row = m_store->InsertRow(kDisableHistoryTable, history);
-    } catch (const VKDBexception& failure) {
-        throw VKDBexception(failure.GetErrorCode(), __FILE__, __LINE__,
-                            "Failed to insert record in Disable History Table.", failure.GetSysMsg());
-    }
-    if (row == 0)
-        throw VKDBexception(DbError::General, __FILE__, __LINE__,
-                            "Record could not be inserted in Disable History Table successfully.");
+    return m_parts->change.ChangeStatus(*receiver, update, add, keepHistory);
 }
 
-/// The departments stand in a file of their own, which is made when it is not there yet.
-void SqlReceiver::MakeDepartments()
+bool SqlReceiver::UpdateMXPServiceName(const std::string& oldName, const std::string& newName)
 {
-    std::unique_ptr<VKDBiDepartment>(VKDBiDepartment::CreateInstance(GetDbSystem()));
+    return m_parts->change.MovePins({VKProtocolMxpOneWay, VKProtocolMxpTwoWay}, oldName, newName) > 0;
 }
 
-bool SqlReceiver::IsDepartmentRecvLimitReached(unsigned long departmentId)
+bool SqlReceiver::UpdateXMPPServiceName(const std::string& oldName, const std::string& newName)
 {
-    MakeDepartments();
-    const SqlAttachment departments(m_store->Connection(), kDepartments);
-    return m_store->Shared([&] { return IsLimitReached(departmentId); });
+    return m_parts->change.MovePins({VKProtocolXmpp}, oldName, newName) > 0;
 }
 
-bool SqlReceiver::IsLimitReached(unsigned long departmentId)
+bool SqlReceiver::UpdateReceiverSecureStatus(unsigned long receiverId, bool secure)
 {
-    const long most =
-        m_store->SelectNumber("SELECT max_receivers FROM {} WHERE id={}", kDepartmentTable.name, departmentId);
-    return most >= 1 &&
-           m_store->SelectNumber("SELECT COUNT(id) FROM {} WHERE department_id={}", kName, departmentId) >= most;
+    return m_parts->change.SetSecure(receiverId, secure);
 }
 
-bool SqlReceiver::IsDepartmentBeingUsed(unsigned long departmentId)
+bool SqlReceiver::SaveAdvMessagingData(VK_RECEIVER* receiver)
 {
-    return m_store->Shared([&] {
-        for (const TableName& table : {kName, kReceiverDeptTable.name})
-            if (m_store->SelectNumber("SELECT COUNT(id) FROM {} WHERE department_id={}", table, departmentId) > 0)
-                return true;
-        return false;
-    });
+    return m_parts->change.SaveAdvMessagingData(*receiver);
 }
 
-bool SqlReceiver::Get(VK_RECEIVER_LIST* list)
+bool SqlReceiver::AddGuestDepartment(unsigned long receiverId, unsigned long departmentId)
 {
-    EmptyReceiverList(list);
-    const auto rows =
-        m_store->Shared([&] { return m_store->Select("SELECT * FROM {} ORDER BY {}", kName, SqlRaw{kByName}); });
-    for (int row = 0; row < rows->GetReturnedRowsCount(); ++row) {
-        AppendRecord(list->list, list->count, VK_RECEIVER{});
-        FillStructFromResultSet(&list->list[list->count - 1], *rows, row);
-    }
+    return m_parts->change.AddGuestDepartment(receiverId, departmentId);
+}
+
+bool SqlReceiver::DeleteGuestDepartment(unsigned long receiverId, unsigned long departmentId)
+{
+    return m_parts->change.DeleteGuestDepartment(receiverId, departmentId);
+}
+
+// Reads.
+
+bool SqlReceiver::Get(VK_RECEIVER_LIST* list, bool withDepartments, bool withSchedules, bool withMiscSettings)
+{
+    SqlReceiverLists::Extras extras;
+    extras.departments = withDepartments;
+    extras.schedules = withSchedules;
+    extras.miscSettings = withMiscSettings;
+    m_parts->lists.Get(list, extras);
+    return true;
+}
+
+bool SqlReceiver::GetByIDs(VK_RECEIVER_LIST* list, const std::vector<unsigned long>& ids)
+{
+    m_parts->lists.GetWhere(list, m_parts->store->Part("id IN {}", SqlRaw{SqlIdList(ids)}).text);
+    return true;
+}
+
+bool SqlReceiver::GetForSend(VK_RECEIVER_LIST* list, bool withDepartments, bool withSchedules, bool withMiscSettings,
+                             bool onlyEnabled)
+{
+    m_parts->lists.Get(list, {withDepartments, withSchedules, withMiscSettings, true, onlyEnabled});
+    return true;
+}
+
+bool SqlReceiver::GetForMemberDetails(VK_RECEIVER_LIST* list)
+{
+    m_parts->lists.GetBrief(list,
+                            "{receiver}.id, {receiver}.name, {receiver}.description, {receiver}.pin, {receiver}.email, "
+                            "{receiver}.type, {receiver}.two_way, {receiver}.carrier_id, {receiver}.department_id, "
+                            "{receiver}.disable_start_date, {receiver}.disable_end_date, {receiver}.status_code, "
+                            "{receiver}.first_name, {receiver}.last_name, {receiver}.forward_to_id, "
+                            "{receiver}.advanced_messaging, {receiver}.is_secure",
+                            true);
+    return true;
+}
+
+bool SqlReceiver::GetForScheduler(VK_RECEIVER_LIST* list, bool withSchedules)
+{
+    m_parts->lists.GetForScheduler(list, withSchedules);
+    return true;
+}
+
+bool SqlReceiver::GetForFavorites(VK_RECEIVER_LIST* list)
+{
+    m_parts->lists.GetBrief(list, "{receiver}.id, {receiver}.name, {receiver}.type, {receiver}.department_id", false);
     return true;
 }
 
 bool SqlReceiver::GetByID(VK_RECEIVER* receiver, unsigned long id)
 {
-    return ReadOne(receiver, m_store->Part("id={}", id).text);
+    return m_parts->lists.GetOne(receiver, "id=" + std::to_string(id));
 }
 
 bool SqlReceiver::GetByName(VK_RECEIVER* receiver, const std::string& name)
 {
-    return ReadOne(receiver, m_store->Dialect().EqualsNoCase("name", name));
+    return m_parts->lists.GetOne(receiver, m_parts->store->Dialect().EqualsNoCase("name", name));
 }
 
 bool SqlReceiver::GetByPin(VK_RECEIVER* receiver, const std::string& pin)
 {
-    return ReadOne(receiver, m_store->Dialect().EqualsNoCase("pin", pin));
+    return m_parts->lists.GetOne(receiver, m_parts->store->Dialect().EqualsNoCase("pin", pin));
 }
 
-bool SqlReceiver::ReadOne(VK_RECEIVER* receiver, const std::string& condition)
+bool SqlReceiver::GetByNameForScheduler(VK_RECEIVER* receiver, const std::string& name)
 {
-    EmptyReceiver(receiver);
-    return m_store->Shared([&] {
-        const auto rows = m_store->Select("SELECT * FROM {} WHERE {}", kName, SqlRaw{condition});
-        if (!FillStructFromResultSet(receiver, *rows, 0))
-            return false;
-        ReadDeptRights(*receiver);
-        return true;
-    });
-}
-
-void SqlReceiver::ReadDeptRights(VK_RECEIVER& receiver)
-{
-    const auto rows =
-        m_store->Select("SELECT * FROM {} WHERE owner_id={} ORDER BY id", kReceiverDeptTable.name, receiver.id);
-    for (int row = 0; row < rows->GetReturnedRowsCount(); ++row) {
-        VK_DEPT_RIGHTS rights;
-        ReadRow(kReceiverDeptTable.fields, (*rows)[row], rights);
-        AppendRecord(receiver.dept_rights, receiver.dept_rights_count, rights);
-    }
+    if (!m_parts->lists.GetOne(receiver, m_parts->store->Dialect().EqualsNoCase("name", name), true))
+        return false;
+    const std::string disabled = m_parts->lists.DisabledAt(time(nullptr));
+    receiver->disabled =
+        m_parts->Number("SELECT COUNT(id) FROM {} WHERE id={} AND {}", kName, receiver->id, SqlRaw{disabled}) > 0;
+    return true;
 }
 
 bool SqlReceiver::GetNamesList(std::vector<VK_NAME_RECORD>& names)
 {
-    names.clear();
-    const auto rows =
-        m_store->Shared([&] { return m_store->Select("SELECT id, name FROM {} ORDER BY {}", kName, SqlRaw{kByName}); });
-    for (int row = 0; row < rows->GetReturnedRowsCount(); ++row)
-        names.push_back({(*rows)[row][0].GetValueULong(), (*rows)[row][1].GetValueString()});
+    m_parts->lists.GetNames(names);
     return true;
 }
 
-long SqlReceiver::GetTotalRecordCount()
+bool SqlReceiver::GetOnlyEnabled(VK_RECEIVER_LIST* list)
 {
-    return m_store->Shared([&] { return m_store->SelectNumber("SELECT COUNT(id) FROM {}", kName); });
+    SqlReceiverLists::Extras extras;
+    extras.onlyEnabled = true;
+    m_parts->lists.Get(list, extras);
+    return true;
 }
+
+bool SqlReceiver::GetDepartmentList(std::map<unsigned long, unsigned long>& departments)
+{
+    m_parts->lists.GetDepartments(departments);
+    return true;
+}
+
+bool SqlReceiver::GetReceiverProperties(std::vector<VKReceProperty>& properties)
+{
+    m_parts->lists.GetProperties(properties);
+    return true;
+}
+
+bool SqlReceiver::Get(VK_RECEIVER_VIEW_LIST* list)
+{
+    m_parts->lists.GetViews(list, m_parts->lists.Filter());
+    return true;
+}
+
+bool SqlReceiver::GetViewsByPin(VK_RECEIVER_VIEW_LIST* list, const std::string& pin)
+{
+    SqlReceiverFilter filter;
+    filter.exactPin = pin;
+    m_parts->lists.GetViews(list, filter);
+    return true;
+}
+
+bool SqlReceiver::GetDisableHistory(VK_DISABLE_HISTORY_LIST* list, unsigned long receiverId, long from, long to)
+{
+    m_parts->history.List(list, receiverId, from, to);
+    return true;
+}
+
+bool SqlReceiver::GetAdvMessagingData(VK_RECEIVER* receiver, unsigned long id)
+{
+    return GetByID(receiver, id) && ConvertJSONToAdvMessagingData(receiver);
+}
+
+bool SqlReceiver::GetCoveredBy(VK_RECEIVER_LIST* list, unsigned long coverId)
+{
+    m_parts->lists.GetWhere(list, m_parts->store->Part("forward_to_id={}", coverId).text);
+    return true;
+}
+
+long SqlReceiver::GetTotalRecordCount() { return m_parts->Number("SELECT COUNT(id) FROM {}", kName); }
 
 /// Compares with LOWER where all other name tests use UPPER; this is meant.
 bool SqlReceiver::GetIDByName(unsigned long& id, const std::string& name)
 {
-    const auto rows = m_store->Shared(
-        [&] { return m_store->Select("SELECT id FROM {} WHERE LOWER(name) = LOWER({})", kName, name); });
+    SqlStore& store = *m_parts->store;
+    const auto rows =
+        store.Shared([&] { return store.Select("SELECT id FROM {} WHERE LOWER(name) = LOWER({})", kName, name); });
     id = (*rows)[0][0].GetValueULong();
     return rows->GetReturnedRowsCount() > 0;
 }
 
+// Tests.
+
 bool SqlReceiver::IsUniqueName(const std::string& name, unsigned long excludeId)
 {
-    const SqlRaw same{m_store->Dialect().EqualsNoCase("name", name)};
-    const auto rows = m_store->Shared(
-        [&] { return m_store->Select("SELECT id FROM {} WHERE {} AND id<>{}", kName, same, excludeId); });
-    return rows->GetReturnedRowsCount() == 0;
+    const SqlRaw same{m_parts->store->Dialect().EqualsNoCase("name", name)};
+    return m_parts->Number("SELECT id FROM {} WHERE {} AND id<>{}", kName, same, excludeId) == 0;
+}
+
+bool SqlReceiver::IsUniqueScheduleName(const std::string& name, unsigned long receiverId, unsigned long excludeId)
+{
+    return m_parts->schedules.IsUniqueName(name, receiverId, excludeId);
+}
+
+bool SqlReceiver::IsFaxReceiverPresent()
+{
+    return m_parts->Number("SELECT COUNT(id) FROM {} WHERE carrier_id={}", kName, VK_FAX_CARRIER_ID) > 0;
+}
+
+bool SqlReceiver::IsVoiceReceiverPresent()
+{
+    return m_parts->Number("SELECT COUNT(id) FROM {} WHERE carrier_id={}", kName, VK_VOICE_CARRIER_ID) > 0;
+}
+
+bool SqlReceiver::IsTimeZoneBeingUsed(unsigned long timeZoneId)
+{
+    return m_parts->Number("SELECT * FROM {} WHERE time_zone_id={}", kName, timeZoneId) > 0;
+}
+
+bool SqlReceiver::IsDepartmentRecvLimitReached(unsigned long departmentId)
+{
+    SqlDepartmentLimit limit(*m_parts->store, m_parts->files);
+    return m_parts->store->Shared([&] { return limit.IsReached(departmentId); });
+}
+
+bool SqlReceiver::IsDepartmentBeingUsed(unsigned long departmentId)
+{
+    for (const TableName& table : {kName, kReceiverDeptTable.name})
+        if (m_parts->Number("SELECT COUNT(id) FROM {} WHERE department_id={}", table, departmentId) > 0)
+            return true;
+    return false;
+}
+
+bool SqlReceiver::IsCarrierBeingUsed(unsigned long carrierId)
+{
+    return m_parts->Number("SELECT COUNT(id) FROM {} WHERE carrier_id={} OR bk_carrier_id={}", kName, carrierId,
+                           carrierId) > 0;
+}
+
+bool SqlReceiver::IsGroupName(const std::string& name)
+{
+    const auto groups = m_parts->files.Groups();
+    const SqlRaw same{m_parts->store->Dialect().EqualsNoCase("name", name)};
+    return groups && m_parts->store->Shared([&] {
+        return m_parts->files.HasGroupTable() && m_parts->store->SelectNumber("SELECT COUNT(id) FROM {} WHERE {}",
+                                                                              SqlReceiverFiles::kGroupTable, same) > 0;
+    });
+}
+
+// Schedules.
+
+bool SqlReceiver::AddSchedule(VK_ONDUTY_SCHEDULE* schedule) { return m_parts->schedules.Add(schedule); }
+bool SqlReceiver::ModifySchedule(VK_ONDUTY_SCHEDULE* schedule) { return m_parts->schedules.Modify(*schedule); }
+bool SqlReceiver::DeleteSchedule(unsigned long id) { return m_parts->schedules.Delete(id); }
+
+bool SqlReceiver::DeleteSchedule(unsigned long ownerId, unsigned long memberId, int memberType)
+{
+    return m_parts->schedules.DeleteOf(ownerId, memberId, memberType);
+}
+
+bool SqlReceiver::GetSchedule(VK_ONDUTY_SCHEDULE* schedule, unsigned long id)
+{
+    return m_parts->schedules.Get(schedule, id);
+}
+
+// Attributes.
+
+bool SqlReceiver::AddAttribute(VK_ATTRIBUTE* attribute) { return m_parts->attributes.Add(attribute); }
+bool SqlReceiver::ModifyAttribute(VK_ATTRIBUTE* attribute) { return m_parts->attributes.Modify(*attribute); }
+bool SqlReceiver::DeleteAttributeByID(unsigned long id) { return m_parts->attributes.Delete(id); }
+
+bool SqlReceiver::GetAllAttributes(VK_ATTRIBUTE_LIST* list)
+{
+    m_parts->attributes.List(list);
+    return true;
+}
+
+bool SqlReceiver::AddReceiverAttribute(VK_RECEIVER_ATTRIBUTE* attribute)
+{
+    return m_parts->attributes.AddValue(attribute);
+}
+
+bool SqlReceiver::DeleteReceiverAttributeByRcvID(unsigned long receiverId)
+{
+    return m_parts->attributes.DeleteValuesOfReceiver(receiverId);
+}
+
+bool SqlReceiver::DeleteReceiverAttributeByAttribID(unsigned long attributeId)
+{
+    return m_parts->attributes.DeleteValuesOfAttribute(attributeId);
+}
+
+bool SqlReceiver::GetReceiverAttributeByRcvID(VK_RECEIVER_ATTRIBUTE_LIST* list, unsigned long receiverId)
+{
+    EmptyReceiverAttributeList(list);
+    if (receiverId != 0)
+        m_parts->attributes.ListValues(list, receiverId);
+    return list->count > 0;
+}
+
+bool SqlReceiver::IsUniqueAttributeName(const std::string& name, unsigned long excludeId)
+{
+    return m_parts->attributes.IsUniqueName(name, excludeId);
+}
+
+bool SqlReceiver::IsAttribBeingUsed(unsigned long attributeId)
+{
+    return m_parts->attributes.CountReceivers(attributeId) > 0;
+}
+
+bool SqlReceiver::GetReceiversAttributesList(VK_RECEIVER_ATTRIBUTE_LIST* list)
+{
+    m_parts->attributes.ListValues(list, 0);
+    return true;
+}
+
+long SqlReceiver::GetAssociatedRecvCountByAttribute(unsigned long attributeId)
+{
+    return m_parts->attributes.CountReceivers(attributeId);
+}
+
+bool SqlReceiver::GetAttributesNameList(std::vector<VK_NAME_RECORD>& names)
+{
+    m_parts->attributes.ListNames(names);
+    return true;
+}
+
+// Filters.
+
+void SqlReceiver::SetFilter(const std::string& name, const std::string& pin, unsigned long carrierId, int protocolId,
+                            unsigned long departmentId, const std::string& coverName, FltNameLetter firstLetter)
+{
+    SqlReceiverFilter& filter = m_parts->lists.Filter();
+    filter.name = name;
+    filter.pin = pin;
+    filter.carrierId = carrierId;
+    filter.protocolId = protocolId;
+    filter.departmentId = departmentId;
+    filter.coverName = coverName;
+    filter.firstLetter = firstLetter;
+}
+
+void SqlReceiver::SetFilter(FltEnabled available, FltEnabled voice, FltEnabled advancedMessaging)
+{
+    SqlReceiverFilter& filter = m_parts->lists.Filter();
+    filter.available = available;
+    filter.voice = voice;
+    filter.advancedMessaging = advancedMessaging;
+}
+
+void SqlReceiver::SetFilter(VK_USER_GROUP* group, bool fullRights, DeptPerm right)
+{
+    auto& departments = m_parts->lists.Filter().departmentIds;
+    departments.reset();
+    if (fullRights || group == nullptr)
+        return;
+    departments.emplace();
+    for (int i = 0; i < group->dept_perms.count; ++i)
+        if (Grants(group->dept_perms.list[i], right))
+            departments->push_back(group->dept_perms.list[i].department_id);
+}
+
+void SqlReceiver::SetFilter(VK_FAVORITE_LIST* favorites, unsigned long userId)
+{
+    m_parts->lists.Filter().favoriteIds = ReceiversOf(*favorites, userId);
+}
+
+void SqlReceiver::SetFilter(VK_RECIP_PERM_LIST* permissions, unsigned long userId)
+{
+    m_parts->lists.Filter().permittedIds = ReceiversOf(*permissions, userId);
+}
+
+void SqlReceiver::SetFilterOwner(unsigned long ownerId) { m_parts->lists.Filter().ownerId = ownerId; }
+
+void SqlReceiver::SetFilterReceiverIDs(const std::vector<unsigned long>& ids)
+{
+    m_parts->lists.Filter().receiverIds = ids;
+}
+
+void SqlReceiver::SetFilterAttribute(const std::map<unsigned long, std::string>& values)
+{
+    m_parts->lists.Filter().attributes = values;
+}
+
+void SqlReceiver::SetFilterAccount(const std::string& accountName, const std::string& password)
+{
+    m_parts->lists.Filter().accountName = accountName;
+    m_parts->lists.Filter().accountDigest = Md5Text(password);
+}
+
+void SqlReceiver::ClearFilter() { m_parts->lists.Filter() = {}; }
+
+bool SqlReceiver::ConvertRecords(VK_RECEIVER_LIST* list)
+{
+    SqlStore& store = *m_parts->store;
+    store.Exclusive([&] {
+        store.InsertRowsWithIds(kReceiverTable, list->list, list->count, "receiver");
+        for (int i = 0; i < list->count; ++i) {
+            const VK_RECEIVER& receiver = list->list[i];
+            store.InsertRowsWithIds(kReceiverDeptTable, receiver.dept_rights, receiver.dept_rights_count,
+                                    "receiver department");
+            store.InsertRowsWithIds(kReceiverScheduleTable, receiver.schedules, receiver.schedule_count,
+                                    "receiver schedule");
+        }
+    });
+    return true;
 }
 
 } // namespace vk

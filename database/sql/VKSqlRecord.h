@@ -17,6 +17,8 @@ template <class Value> constexpr ColumnKind KindOf()
         return ColumnKind::Boolean;
     if (std::is_same_v<Value, char*>)
         return ColumnKind::Text;
+    if (std::is_floating_point_v<Value>)
+        return ColumnKind::Real;
     return std::is_array_v<Value> || std::is_same_v<Value, std::string> ? ColumnKind::Varchar : ColumnKind::Integer;
 }
 

@@ -3,34 +3,34 @@
 namespace vk {
 
 /// Says which statement it was by its beginning only: the values may hold what no log should show.
-void SqlStore::RequireFitsLimit(const std::string& statement) const
+void SqlStore::RequireFitsLimit(const std::string& statement, std::size_t limit)
 {
     constexpr std::size_t kShown = 40;
-    if (statement.size() > m_statementLimit)
+    if (statement.size() > limit)
         throw VKDBexception(DbError::General, __FILE__, __LINE__,
                             "The statement is " + std::to_string(statement.size()) + " characters long, at most " +
-                                std::to_string(m_statementLimit) + " are run [" + statement.substr(0, kShown) +
+                                std::to_string(limit) + " are run [" + statement.substr(0, kShown) +
                                 "...].");
 }
 
 std::unique_ptr<VKDBiResultSet> SqlStore::RunSelect(const std::string& text)
 {
     const std::string statement = text + Dialect().SelectEnd();
-    RequireFitsLimit(statement);
+    RequireFitsLimit(statement, m_readLimit);
     return m_connection->ExecuteSelectQuery(statement);
 }
 
 long SqlStore::RunUpdate(const std::string& text)
 {
     const std::string statement = text + Dialect().UpdateEnd();
-    RequireFitsLimit(statement);
+    RequireFitsLimit(statement, m_statementLimit);
     return m_connection->ExecuteUpdateQuery(statement);
 }
 
 unsigned long SqlStore::RunInsert(const std::string& text)
 {
     const std::string statement = text + Dialect().InsertEnd();
-    RequireFitsLimit(statement);
+    RequireFitsLimit(statement, m_statementLimit);
     return m_connection->ExecuteInsertQuery(statement);
 }
 

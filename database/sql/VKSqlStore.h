@@ -16,7 +16,12 @@ class SqlStore
 {
 public:
     SqlStore(std::unique_ptr<SqlConnection> connection, std::size_t statementLimit)
-        : m_connection(std::move(connection)), m_statementLimit(statementLimit)
+        : SqlStore(std::move(connection), statementLimit, statementLimit)
+    {
+    }
+    /// With another limit for statements that only read.
+    SqlStore(std::unique_ptr<SqlConnection> connection, std::size_t statementLimit, std::size_t readLimit)
+        : m_connection(std::move(connection)), m_statementLimit(statementLimit), m_readLimit(readLimit)
     {
     }
 
@@ -114,11 +119,12 @@ private:
     long RunUpdate(const std::string& text);
     unsigned long RunInsert(const std::string& text);
     void SwitchKeepIdentity(const TableName& table, bool on);
-    void RequireFitsLimit(const std::string& statement) const;
+    static void RequireFitsLimit(const std::string& statement, std::size_t limit);
     static void RequireSameId(unsigned long added, unsigned long old, const char* what);
 
     std::unique_ptr<SqlConnection> m_connection;
     std::size_t m_statementLimit;
+    std::size_t m_readLimit;
 };
 
 } // namespace vk

@@ -68,10 +68,15 @@ bool SQLite3Connection::EndTransactionRollback(const std::string& name, bool ret
     return m_database.EndTransactionRollback(name, retry, count, sleepMs);
 }
 
+bool SQLite3Connection::CanAttach(const SqlFile& file)
+{
+    return access(VKSQLite3Database::CreateTablePath(m_strDirectory, file.file).c_str(), F_OK) == 0;
+}
+
 void SQLite3Connection::Attach(const SqlFile& file)
 {
     const std::string path = VKSQLite3Database::CreateTablePath(m_strDirectory, file.file);
-    if (access(path.c_str(), F_OK) != 0)
+    if (!CanAttach(file))
         throw VKDBexception(DbError::General, __FILE__, __LINE__, "Unable to open DB [" + path + "]",
                             "there is no such file");
     ExecuteUpdateQuery("ATTACH '" + VKSQLite3Database::PreprocessSqlStringCopy(path, 0) + "' AS " + file.schema + ";");

@@ -27,6 +27,8 @@ public:
     bool StartTransactionExclusive(const std::string& name, bool retry, int count, long sleepMs) override;
     bool EndTransactionCommit(const std::string& name, bool retry, int count, long sleepMs) override;
     bool EndTransactionRollback(const std::string& name, bool retry, int count, long sleepMs) override;
+    /// Whether the file is there.
+    bool CanAttach(const SqlFile& file) override;
     /// Throws unless the file is there: attaching would leave an empty one behind.
     void Attach(const SqlFile& file) override;
     void Detach(const SqlFile& file) override;

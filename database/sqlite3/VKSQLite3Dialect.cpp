@@ -13,6 +13,7 @@ std::string SQLite3Dialect::ColumnType(ColumnKind kind, int width) const
     switch (kind) {
     case ColumnKind::Id: return "INTEGER PRIMARY KEY AUTOINCREMENT";
     case ColumnKind::Integer: return "INTEGER";
+    case ColumnKind::Real: return "REAL";
     case ColumnKind::Boolean: return "BOOLEAN";
     case ColumnKind::Varchar: return "VARCHAR(" + std::to_string(width) + ")";
     case ColumnKind::Text: return "TEXT";

@@ -14,6 +14,12 @@ public:
 
     std::string TableOf(const TableName& table) const override { return table.file; }
     std::string ColumnType(ColumnKind kind, int width) const override;
+    std::string IfNull() const override { return "IFNULL"; }
+    std::string ConditionColumn(const std::string& condition) const override { return condition; }
+    std::string TableProbe(const TableName& table) const override
+    {
+        return std::string("PRAGMA table_info(") + table.file + ")";
+    }
     std::string Page(const std::string& query, const std::string& order, long size, long offset) const override;
     /// A row takes the id it is given at any time.
     std::string KeepIdentity(const TableName&, bool) const override { return ""; }

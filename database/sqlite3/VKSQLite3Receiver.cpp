@@ -34,6 +34,6 @@ bool VKSQLite3Receiver::Initialize(VKDBsystem* system)
     auto connection = vk::OpenEntityFile(*system, {"receivers.sdb", tTableDesc, 6});
     vk::AddMissingColumns(*connection, vk::kReceiverTable, "The Receiver table could not be accessed.");
     vk::CreateIndexes(*connection, kIndexes, std::size(kIndexes));
-    UseStore(std::make_unique<vk::SqlStore>(std::move(connection), kStatementLimit));
+    UseStore(std::make_unique<vk::SqlStore>(std::move(connection), kStatementLimit, kReadLimit));
     return VKDBbaseInterface::Initialize(system);
 }

@@ -1,27 +1,13 @@
 #include <gmock/gmock.h>
 
 #include "ChildProcess.h"
-#include "FileDatabase.h"
+#include "ReceiverDatabase.h"
 #include "VKBALMessages.h"
 #include "VKRecordText.h"
 #include "VKSQLite3Database.h"
 #include "VKSQLite3Receiver.h"
 
 namespace {
-
-/// A receiver whose arrays go with it.
-struct Receiver : VK_RECEIVER
-{
-    Receiver() = default;
-    Receiver(const std::string& device, const std::string& address)
-    {
-        vk::SetText(name, device, "name");
-        vk::SetText(pin, address, "pin");
-    }
-    Receiver(const Receiver&) = delete;
-    Receiver& operator=(const Receiver&) = delete;
-    ~Receiver() { EmptyReceiver(this); }
-};
 
 /// Gives every field a value of its own.
 void FillAll(VK_RECEIVER& receiver)
@@ -233,7 +219,8 @@ TEST_F(VKReceiverTest, AFullDepartmentTakesNoMore)
     EXPECT_TRUE(receivers->IsDepartmentRecvLimitReached(department.id));
     EXPECT_EQ(ErrorOf([&] { receivers->Add(&third, false); }), "100 Department maximum receivers limit exceeds.");
     third.department_id = 0;
-    EXPECT_TRUE(receivers->Add(&third, false)) << "a receiver of no department";
+    EXPECT_EQ(ErrorOf([&] { receivers->Add(&third, false); }), "1000 " + std::string(vk::MessageText(1132)) + "\n")
+        << "a receiver of no department would escape all limits";
     SetLimits(false, 0);
     Receiver fourth("four", "1");
     fourth.department_id = department.id;
@@ -245,6 +232,7 @@ TEST_F(VKReceiverTest, TheLimitHoldsWhenNoDepartmentFileIsThereYet)
 {
     SetLimits(true, 10);
     Receiver receiver("one", "1");
+    receiver.department_id = 7;
     EXPECT_TRUE(receivers->Add(&receiver, false));
 }
 
@@ -257,13 +245,15 @@ TEST_F(VKReceiverTest, OffDutyWithoutCoverStartsAHistoryRow)
         unsigned long cover;
         long start;
     } rows[] = {{"covered", 2, 7, 100}, {"available", 1, 0, 100}, {"undated", 2, 0, 0}, {"off", 2, 0, 100}};
+    VKSQLite3Receiver store; // behind the rules: these dates are past
+    ASSERT_TRUE(store.Initialize(&system));
     for (const auto& row : rows) {
         Receiver receiver(row.name, "1");
         receiver.status_code = row.status;
         receiver.forward_to_id = row.cover;
         receiver.disable_start_date = row.start;
         receiver.disable_end_date = 200;
-        ASSERT_TRUE(receivers->Add(&receiver, false));
+        ASSERT_TRUE(store.Add(&receiver, false));
     }
     EXPECT_EQ(Value("SELECT COUNT(*) FROM recv_disable_history;"), "1");
     EXPECT_EQ(Value("SELECT receiver_id || ' ' || disable_start_date || ' ' || disable_end_date FROM "
