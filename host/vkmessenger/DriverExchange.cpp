@@ -11,7 +11,10 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds kPeriodicInterval(1);
 
-bool MoreMayFollow(Reports::ReportsStatus status) { return status == Reports::RS_SENT || status == Reports::RS_PENDING; }
+bool MoreMayFollow(Reports::ReportsStatus status)
+{
+    return status == Reports::RS_SENT || status == Reports::RS_PENDING;
+}
 
 } // namespace
 

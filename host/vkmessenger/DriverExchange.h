@@ -32,8 +32,8 @@ public:
     /// The driver's periodic event, when a second has passed since the last one.
     void KeepGoing();
 
-    /// Cleans the driver up, once: it lets go of all files, which may be deleted then. What it pushes back at the end is
-    /// still to be had.
+    /// Cleans the driver up, once: it lets go of all files, which may be deleted then. What it pushes back at the end
+    /// is still to be had.
     void End();
 
     VKProtocolDriverInterface& Driver() { return m_driver; }

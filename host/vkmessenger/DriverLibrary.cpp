@@ -28,6 +28,7 @@ DriverLibrary::DriverLibrary(const std::string& path)
         throw std::runtime_error("driver " + path + " cannot be loaded: " + LoaderError());
     const auto get = reinterpret_cast<GetDriverInstanceFunction>(Resolve(kGetDriverInstanceName));
     m_release = reinterpret_cast<ReleaseDriverInstanceFunction>(Resolve(kReleaseDriverInstanceName));
+    m_isClassLibrary = get == &::GetDriverInstance;
     m_driver = get();
     if (m_driver == nullptr)
         throw std::runtime_error("driver " + path + ": " + kGetDriverInstanceName + " gave no driver");

@@ -20,6 +20,9 @@ public:
 
     VKProtocolDriverInterface& Driver() { return *m_driver; }
 
+    /// Whether it is the class library that this program stands on.
+    bool IsClassLibrary() const { return m_isClassLibrary; }
+
     /// Where a driver is looked for when none is named: beside the program, in the folder "lib" beside the program's,
     /// then wherever the system looks.
     static std::string DefaultPath();
@@ -34,6 +37,7 @@ private:
     std::string m_path;
     std::unique_ptr<void, Close> m_handle;
     ReleaseDriverInstanceFunction m_release = nullptr;
+    bool m_isClassLibrary = false;
     /// Owned by the library.
     VKProtocolDriverInterface* m_driver = nullptr;
 };

@@ -31,8 +31,8 @@ DriverSession::DriverSession(const Arguments& arguments)
 {
     const std::string root = CheckedRoot(arguments);
     const std::string logFile = root + "/logs/vkmessenger.log";
-    m_logger = std::make_unique<HostLogger>("vkmessenger", logFile,
-                                            CodeOfText(kLogLevelWords, arguments.Text("--log-level"), VKLogInterface::INFO));
+    m_logger = std::make_unique<HostLogger>(
+        "vkmessenger", logFile, CodeOfText(kLogLevelWords, arguments.Text("--log-level"), VKLogInterface::INFO));
     // The driver's library finds its installation by itself; this is how it learns of another than the default one.
     setenv("VKMXP_ROOT", root.c_str(), 1);
     m_library = std::make_unique<DriverLibrary>(arguments.Text("--driver", DriverLibrary::DefaultPath()));

@@ -8,8 +8,8 @@
 
 namespace vk {
 
-/// A driver at work in this program: its library is loaded, it has a logger and a return queue, it is configured and set
-/// up. Cleaned up at the end. One thread.
+/// A driver at work in this program: its library is loaded, it has a logger and a return queue, it is configured and
+/// set up. Cleaned up at the end. One thread.
 class DriverSession
 {
 public:
@@ -18,6 +18,7 @@ public:
     explicit DriverSession(const Arguments& arguments);
 
     DriverExchange& Exchange() { return *m_exchange; }
+    const DriverLibrary& Library() const { return *m_library; }
     VKLogInterface& Logger() { return *m_logger; }
 
     /// What the driver has logged as errors meanwhile, in one line on standard error: the timeline tells what came of a
@@ -33,7 +34,8 @@ private:
     std::unique_ptr<DriverExchange> m_exchange;
 };
 
-/// The installation root of "--root" as an absolute path, with the directories that a driver works in. Throws InputError.
+/// The installation root of "--root" as an absolute path, with the directories that a driver works in. Throws
+/// InputError.
 std::string CheckedRoot(const Arguments& arguments);
 
 } // namespace vk

@@ -44,10 +44,12 @@ std::string ServiceName(const Arguments& arguments)
 {
     constexpr std::size_t kLongest = 50;
     const std::string name = arguments.Text("--service", "vkmessenger");
-    const bool bad = name.empty() || name.size() > kLongest ||
-                     std::any_of(name.begin(), name.end(), [](unsigned char c) { return c <= ' ' || c > '~' || c == '/'; });
+    const bool bad =
+        name.empty() || name.size() > kLongest ||
+        std::any_of(name.begin(), name.end(), [](unsigned char c) { return c <= ' ' || c > '~' || c == '/'; });
     if (bad)
-        throw UsageError("--service: '" + name + "' is no name of 1 to 50 printable ASCII characters without blank and /");
+        throw UsageError("--service: '" + name +
+                         "' is no name of 1 to 50 printable ASCII characters without blank and /");
     return name;
 }
 
@@ -61,8 +63,7 @@ QueueSettings SettingsFrom(const Arguments& arguments, std::chrono::seconds wait
     settings.follow = arguments.Has("--follow");
     settings.waitSeconds = wait.count();
     for (const NumberOption& option : kNumbers)
-        settings.*option.member =
-            arguments.Number(option.name, option.least, option.most, settings.*option.member);
+        settings.*option.member = arguments.Number(option.name, option.least, option.most, settings.*option.member);
     return settings;
 }
 
@@ -99,6 +100,7 @@ void RequireNoQueueOptions(const Arguments& arguments)
 int SendQueue(const Arguments& arguments, std::chrono::seconds wait)
 {
     QueueSettings settings = SettingsFrom(arguments, wait);
+    const std::atomic<bool>& stop = StopOnSignals();
     const std::string root = CheckedRoot(arguments);
     UseRoot(arguments);
     const ServiceLock lock(root + "/temp", settings.queue, settings.service);
@@ -107,9 +109,9 @@ int SendQueue(const Arguments& arguments, std::chrono::seconds wait)
     DriverSession session(arguments);
     settings.protocol = ProtocolPattern(session.Exchange().Driver());
     WaitingRoom waiting(router, settings, root, session.Logger());
-    const std::atomic<bool>& stop = StopOnSignals();
-    QueueFeeder feeder(settings, router, waiting, session.Exchange(), timeline, session.Logger(),
-                       [&](const std::string& about) { session.TellErrors(about); }, stop);
+    AnswerLine line(session.Library().IsClassLibrary(), session.Logger());
+    QueueFeeder feeder({settings, router, waiting, session.Exchange(), line, timeline, session.Logger(),
+                        [&](const std::string& about) { session.TellErrors(about); }, stop});
     feeder.Run();
     return feeder.AnyFailed() ? kExitFailed : kExitOk;
 }

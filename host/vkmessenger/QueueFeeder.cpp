@@ -29,16 +29,8 @@ constexpr milliseconds kLastWords(500);
 
 } // namespace
 
-QueueFeeder::QueueFeeder(const QueueSettings& settings, QueueRouter& router, WaitingRoom& waiting,
-                         DriverExchange& exchange, Timeline& timeline, VKLogInterface& logger, TellErrors tellErrors,
-                         const std::atomic<bool>& stop)
-    : m_settings(settings), m_router(router), m_waiting(waiting), m_exchange(exchange), m_timeline(timeline),
-      m_logger(logger), m_tellErrors(std::move(tellErrors)), m_stop(stop)
-{
-}
-
 /// The driver lets go of the files first.
-QueueFeeder::~QueueFeeder() { m_exchange.End(); }
+QueueFeeder::~QueueFeeder() { m_parts.exchange.End(); }
 
 /// Does something with the store. What does not come out is told, once as long as it is the same, and is tried again by
 /// whoever comes back to it.
@@ -50,21 +42,21 @@ bool QueueFeeder::Attempt(const std::function<void()>& work)
     } catch (const VKDBexception& error) {
         const std::string trouble = error.ToString();
         if (trouble != m_lastTrouble)
-            VK_LOG_ERROR(&m_logger, "Queue %d: %s", m_settings.queue, trouble.c_str());
+            VK_LOG_ERROR(&m_parts.logger, "Queue %d: %s", m_parts.settings.queue, trouble.c_str());
         m_lastTrouble = trouble;
-        m_tellErrors("queue " + std::to_string(m_settings.queue));
+        m_parts.tellErrors("queue " + std::to_string(m_parts.settings.queue));
         return false;
     }
 }
 
 void QueueFeeder::Run()
 {
-    m_router.Own().GiveBack(m_settings.service);
-    m_router.Waiting().GiveBack(m_settings.service);
+    m_parts.router.Own().GiveBack(m_parts.settings.service);
+    m_parts.router.Waiting().GiveBack(m_parts.settings.service);
     m_lastSent = Clock::now();
-    while (!m_stop && !IsDone()) {
+    while (!m_parts.stop && !IsDone()) {
         Round();
-        if (!m_stop)
+        if (!m_parts.stop)
             SleepUntilStop(Pause());
     }
     Finish();
@@ -78,19 +70,19 @@ void QueueFeeder::Round()
     Ask();
     TakeReports();
     DropThoseGone();
-    m_exchange.KeepGoing();
-    m_tellErrors("while waiting");
+    m_parts.exchange.KeepGoing();
+    m_parts.tellErrors("while waiting");
 }
 
 void QueueFeeder::KeepHouse()
 {
-    Attempt([&] { m_waiting.Check([&](QueueMessage& message) { Show(message, message.Target()); }); });
+    Attempt([&] { m_parts.waiting.Check([&](QueueMessage& message) { Show(message, message.Target()); }); });
     if (Clock::now() < m_nextHousekeeping)
         return;
     m_nextHousekeeping = Clock::now() + kHousekeeping;
     Attempt([&] {
-        m_router.Own().GiveBackForgotten();
-        m_router.Waiting().GiveBackForgotten();
+        m_parts.router.Own().GiveBackForgotten();
+        m_parts.router.Waiting().GiveBackForgotten();
     });
 }
 
@@ -99,13 +91,13 @@ void QueueFeeder::Poll()
     if (Clock::now() < m_nextPoll || CountInHand() >= kMostInHand)
         return;
     QueueStore::Headers ready;
-    const bool polled = Attempt([&] { ready = m_router.Own().TakeReady(m_settings.protocol, "", kPage); });
+    const bool polled = Attempt([&] { ready = m_parts.router.Own().TakeReady(m_parts.settings.protocol, "", kPage); });
     m_foundNothing = polled && ready.empty();
-    m_nextPoll = Clock::now() + (polled ? milliseconds(m_settings.pollMilliseconds) : kRetry);
+    m_nextPoll = Clock::now() + (polled ? milliseconds(m_parts.settings.pollMilliseconds) : kRetry);
     if (ready.size() == kPage)
         m_nextPoll = {};
     for (const VK_MESSAGE_HEADER& header : ready)
-        if (!m_stop && !Attempt([&] { Take(header); }))
+        if (!m_parts.stop && !Attempt([&] { Take(header); }))
             m_nextPoll = Clock::now() + kRetry;
 }
 
@@ -116,7 +108,7 @@ void QueueFeeder::Take(const VK_MESSAGE_HEADER& header)
     if (held != m_entries.end() && held->second.stage == Stage::Asking)
         Renew(held->second);
     else if (held != m_entries.end())
-        m_router.Own().Touch(header.msg_name);
+        m_parts.router.Own().Touch(header.msg_name);
     else if (asked)
         TakeOver(header);
     else
@@ -127,7 +119,7 @@ void QueueFeeder::TakeNew(const VK_MESSAGE_HEADER& header)
 {
     MessageName name = MessageName::Parse(header.msg_name);
     name.status = 'R';
-    QueueStore& own = m_router.Own();
+    QueueStore& own = m_parts.router.Own();
     if (!own.Rename(header.msg_name, name.Text()))
         return;
     VK_MESSAGE_HEADER row;
@@ -147,7 +139,7 @@ void QueueFeeder::TakeNew(const VK_MESSAGE_HEADER& header)
         row.create_time = header.last_modify_time;
     auto message = std::make_unique<QueueMessage>(row, body);
     const std::string job = message->File().strJobID;
-    const bool isExpired = message->ExpiresAt(m_settings.expireSeconds) <= std::time(nullptr);
+    const bool isExpired = message->ExpiresAt(m_parts.settings.expireSeconds) <= std::time(nullptr);
     const bool isOpenAlready = message->Fault().empty() && m_jobs.count(job) != 0;
     const std::string fault = message->Fault();
     Entry& entry = Keep(std::move(message), Stage::Sending);
@@ -166,25 +158,28 @@ void QueueFeeder::TakeOver(const VK_MESSAGE_HEADER& header)
 {
     VK_MESSAGE_HEADER row;
     std::string body;
-    if (!m_router.Own().Load(header.msg_name, row, body))
+    if (!m_parts.router.Own().Load(header.msg_name, row, body))
         return;
     auto message = std::make_unique<QueueMessage>(row, body);
-    if (m_router.Knows(message->Target())) {
+    if (m_parts.router.Knows(message->Target())) {
         const int target = message->Target();
-        m_router.FinishMove(*message, m_router.Own());
+        m_parts.router.FinishMove(*message, m_parts.router.Own());
         Show(*message, target);
         return;
     }
     Entry& entry = Keep(std::move(message), Stage::Asking);
     const long sent = entry.message->SentAt() != 0 ? entry.message->SentAt() : std::time(nullptr);
-    Enter(entry, Stage::Asking, seconds(std::max<long>(sent + m_settings.answerSeconds - std::time(nullptr), 0)));
+    Enter(entry, Stage::Asking, seconds(std::max<long>(sent + m_parts.settings.answerSeconds - std::time(nullptr), 0)));
     Renew(entry);
 }
 
 QueueFeeder::Entry& QueueFeeder::Keep(std::unique_ptr<QueueMessage> message, Stage stage)
 {
     const unsigned long id = message->Header().id;
-    m_ids[&message->File()] = id;
+    // A name of its own on the server: another service may be logged in to the same account.
+    HostMessageFile& file = message->File();
+    file.strResource += (file.strResource.empty() ? "" : ".") + m_parts.settings.service;
+    m_ids[&file] = id;
     m_jobs.insert(message->File().strJobID);
     Entry& entry = m_entries[id];
     entry.message = std::move(message);
@@ -200,7 +195,7 @@ void QueueFeeder::Ask()
     std::size_t open = 0;
     for (auto& [id, entry] : m_entries)
         if (entry.stage == Stage::Settling || entry.stage == Stage::Travelling || entry.stage == Stage::Asking) {
-            m_exchange.Ask(entry.message->File());
+            m_parts.exchange.Ask(entry.message->File());
             ++open;
         }
     m_nextAsking = Clock::now() + std::max<Clock::duration>(kAskInterval, kAskShare * open);
@@ -208,9 +203,9 @@ void QueueFeeder::Ask()
 
 bool QueueFeeder::IsDone() const
 {
-    if (m_settings.follow || !m_foundNothing)
+    if (m_parts.settings.follow || !m_foundNothing)
         return false;
-    const bool waitedEnough = Clock::now() - m_lastSent >= seconds(m_settings.waitSeconds);
+    const bool waitedEnough = Clock::now() - m_lastSent >= seconds(m_parts.settings.waitSeconds);
     return m_entries.empty() || (waitedEnough && CountOf(Stage::Sending) == 0 && CountOf(Stage::Settling) == 0);
 }
 
@@ -226,7 +221,7 @@ milliseconds QueueFeeder::Pause() const
 /// is to be found by the next service.
 void QueueFeeder::Finish()
 {
-    const auto wait = std::min(kLastWords, milliseconds(m_settings.settleMilliseconds));
+    const auto wait = std::min(kLastWords, milliseconds(m_parts.settings.settleMilliseconds));
     const auto end = CountOf(Stage::Settling) > 0 ? m_lastSent + wait : Clock::now();
     do {
         m_nextAsking = {};
@@ -240,12 +235,13 @@ void QueueFeeder::Finish()
         if (entry.stage == Stage::Leaving)
             Attempt([&, &held = entry] { Move(held); });
     }
-    m_exchange.End();
+    m_parts.line.Close();
+    m_parts.exchange.End();
     Attempt([&] {
-        m_router.Own().GiveBack(m_settings.service);
-        m_router.Waiting().GiveBack(m_settings.service);
+        m_parts.router.Own().GiveBack(m_parts.settings.service);
+        m_parts.router.Waiting().GiveBack(m_parts.settings.service);
     });
-    m_tellErrors("at the end");
+    m_parts.tellErrors("at the end");
 }
 
 } // namespace vk

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "AnswerLine.h"
 #include "DriverExchange.h"
 #include "QueueRouter.h"
 #include "QueueSettings.h"
@@ -13,7 +14,8 @@
 
 namespace vk {
 
-/// A service at work on a queue: takes what is ready, hands it to the driver, and moves each message to where it belongs.
+/// A service at work on a queue: takes what is ready, hands it to the driver, and moves each message to where it
+/// belongs.
 ///
 /// A message in its hands goes through these stages; its row's letter stands behind them.
 ///
@@ -27,12 +29,22 @@ namespace vk {
 class QueueFeeder
 {
 public:
-    /// What the driver logged as errors is told after each message.
-    using TellErrors = std::function<void(const std::string& about)>;
-
-    /// The references must outlive the object. `stop` ends Run when it becomes true.
-    QueueFeeder(const QueueSettings& settings, QueueRouter& router, WaitingRoom& waiting, DriverExchange& exchange,
-                Timeline& timeline, VKLogInterface& logger, TellErrors tellErrors, const std::atomic<bool>& stop);
+    /// What it works with; all of it outlives the feeder.
+    struct Parts
+    {
+        const QueueSettings& settings;
+        QueueRouter& router;
+        WaitingRoom& waiting;
+        DriverExchange& exchange;
+        AnswerLine& line;
+        Timeline& timeline;
+        VKLogInterface& logger;
+        /// Tells what was logged as errors since the last time.
+        std::function<void(const std::string& about)> tellErrors;
+        /// Ends Run when it becomes true.
+        const std::atomic<bool>& stop;
+    };
+    explicit QueueFeeder(Parts parts) : m_parts(std::move(parts)) {}
     ~QueueFeeder();
     QueueFeeder(const QueueFeeder&) = delete;
     QueueFeeder& operator=(const QueueFeeder&) = delete;
@@ -91,19 +103,11 @@ private:
     void Enter(Entry& entry, Stage stage, std::chrono::milliseconds until = {});
     void DropThoseGone();
 
-    const QueueSettings& m_settings;
-    QueueRouter& m_router;
-    WaitingRoom& m_waiting;
-    DriverExchange& m_exchange;
-    Timeline& m_timeline;
-    VKLogInterface& m_logger;
-    const TellErrors m_tellErrors;
-    const std::atomic<bool>& m_stop;
-
+    const Parts m_parts;
     std::unordered_map<unsigned long, Entry> m_entries; ///< by the row's id
     std::unordered_map<const VKMessageFile*, unsigned long> m_ids;
     std::unordered_multiset<std::string> m_jobs; ///< of all entries
-    std::size_t m_counts[6] = {};           ///< of the entries in each stage
+    std::size_t m_counts[6] = {};                ///< of the entries in each stage
     Clock::time_point m_nextPoll{};
     Clock::time_point m_nextHousekeeping{};
     Clock::time_point m_nextAsking{};

@@ -52,7 +52,7 @@ void QueueFeeder::StepAll()
 {
     const auto now = Clock::now();
     for (auto& [id, entry] : m_entries) {
-        if (m_stop)
+        if (m_parts.stop)
             return;
         if (entry.stage != Stage::Gone && entry.due <= now && !Attempt([&, &held = entry] { Step(held); }))
             entry.due = Clock::now() + kRetry;
@@ -62,18 +62,23 @@ void QueueFeeder::StepAll()
 void QueueFeeder::Step(Entry& entry)
 {
     switch (entry.stage) {
-    case Stage::Sending: return Send(entry);
-    case Stage::Settling: return Settle(entry);
+    case Stage::Sending:
+        return Send(entry);
+    case Stage::Settling:
+        return Settle(entry);
     case Stage::Travelling:
-        m_router.Own().Touch(entry.message->Name());
+        m_parts.router.Own().Touch(entry.message->Name());
         entry.due = Clock::now() + kTouchInterval;
         return;
     case Stage::Asking:
-        entry.message->NoteReason("No answer came within " + std::to_string(m_settings.answerSeconds) + " seconds.");
+        entry.message->NoteReason("No answer came within " + std::to_string(m_parts.settings.answerSeconds) +
+                                  " seconds.");
         Leave(entry, kArchiveQueue);
         return Move(entry);
-    case Stage::Leaving: return Move(entry);
-    case Stage::Gone: return;
+    case Stage::Leaving:
+        return Move(entry);
+    case Stage::Gone:
+        return;
     }
 }
 
@@ -81,29 +86,30 @@ void QueueFeeder::Send(Entry& entry)
 {
     QueueMessage& message = *entry.message;
     const long now = std::time(nullptr);
-    const long expiry = message.ExpiresAt(m_settings.expireSeconds);
+    const long expiry = message.ExpiresAt(m_parts.settings.expireSeconds);
     message.File().iSecondsToLive = static_cast<int>(std::clamp<long>(expiry - now, 0, INT32_MAX));
-    const MessageReport report = m_exchange.Send(message.File());
+    const MessageReport report = m_parts.exchange.Send(message.File());
     m_lastSent = Clock::now();
     message.Note(report);
-    m_timeline.Show(message.Job(), "send", report);
-    m_tellErrors(message.Job());
+    m_parts.timeline.Show(message.Job(), "send", report);
+    m_parts.tellErrors(message.Job());
     switch (report.status) {
     case Reports::RS_FAILED:
-        if (++entry.tries >= m_settings.tries || report.failureReason == kReceiverOffline)
+        if (++entry.tries >= m_parts.settings.tries || report.failureReason == kReceiverOffline)
             return Fail(entry, report.failureReason);
-        entry.due = Clock::now() + seconds(m_settings.retrySeconds);
+        entry.due = Clock::now() + seconds(m_parts.settings.retrySeconds);
         return;
     case Reports::RS_DEVICE_OFFLINE:
         message.Header().expiry_time = expiry;
         return Leave(entry, kWaitingQueue);
     case Reports::RS_SENT:
-        message.NoteSent(now, m_settings.service);
-        return Enter(entry, Stage::Settling, milliseconds(m_settings.settleMilliseconds));
+        message.NoteSent(now, m_parts.settings.service);
+        return Enter(entry, Stage::Settling, milliseconds(m_parts.settings.settleMilliseconds));
     case Reports::RS_PENDING:
-        message.NoteSent(now, m_settings.service);
+        message.NoteSent(now, m_parts.settings.service);
         return Enter(entry, Stage::Travelling, kTouchInterval);
-    default: return Leave(entry, kArchiveQueue);
+    default:
+        return Leave(entry, kArchiveQueue);
     }
 }
 
@@ -115,24 +121,29 @@ void QueueFeeder::Settle(Entry& entry)
         return Move(entry);
     }
     if (Store(entry, std::max(entry.message->QueryCount(), 1)))
-        Enter(entry, Stage::Asking, seconds(m_settings.answerSeconds));
+        Enter(entry, Stage::Asking, seconds(m_parts.settings.answerSeconds));
 }
 
-void QueueFeeder::Renew(Entry& entry) { Store(entry, entry.message->QueryCount() + 1); }
+/// What stays open keeps its carrier connected.
+void QueueFeeder::Renew(Entry& entry)
+{
+    if (Store(entry, entry.message->QueryCount() + 1))
+        m_parts.line.Open(entry.message->File());
+}
 
 /// Stores it as one that is asked about, with its report, and so that it is due for the next question in time.
 bool QueueFeeder::Store(Entry& entry, int queryCount)
 {
     QueueMessage& message = *entry.message;
     VK_MESSAGE_HEADER row = message.Header();
-    row.next_query_time = std::time(nullptr) + m_settings.querySeconds;
+    row.next_query_time = std::time(nullptr) + m_parts.settings.querySeconds;
     SetText(row.msg_name, message.NameAs('Q', queryCount), "msg_name");
-    if (m_router.Own().Change(row, message.Body(), message.Name())) {
+    if (m_parts.router.Own().Change(row, message.Body(), message.Name())) {
         message.Header() = row;
         return true;
     }
-    VK_LOG_WARN(&m_logger, "Job ID: [%s] >> The message '%s' is not in queue %d any more.", message.Job().c_str(),
-                message.Name().c_str(), m_settings.queue);
+    VK_LOG_WARN(&m_parts.logger, "Job ID: [%s] >> The message '%s' is not in queue %d any more.", message.Job().c_str(),
+                message.Name().c_str(), m_parts.settings.queue);
     Enter(entry, Stage::Gone);
     return false;
 }
@@ -145,11 +156,11 @@ void QueueFeeder::Leave(Entry& entry, int target)
 
 void QueueFeeder::Move(Entry& entry)
 {
-    if (m_router.Move(*entry.message, m_router.Own(), entry.target))
+    if (m_parts.router.Move(*entry.message, m_parts.router.Own(), entry.target))
         Show(*entry.message, entry.target);
     else
-        VK_LOG_WARN(&m_logger, "Job ID: [%s] >> The message '%s' is not in queue %d any more.",
-                    entry.message->Job().c_str(), entry.message->Name().c_str(), m_settings.queue);
+        VK_LOG_WARN(&m_parts.logger, "Job ID: [%s] >> The message '%s' is not in queue %d any more.",
+                    entry.message->Job().c_str(), entry.message->Name().c_str(), m_parts.settings.queue);
     Enter(entry, Stage::Gone);
 }
 
@@ -165,14 +176,14 @@ void QueueFeeder::Fail(Entry& entry, const std::string& reason)
 
 void QueueFeeder::TakeReports()
 {
-    while (VKMessageFile* const file = m_exchange.NextReturned()) {
+    while (VKMessageFile* const file = m_parts.exchange.NextReturned()) {
         const auto id = m_ids.find(file);
         if (id == m_ids.end())
             continue;
         Entry& entry = m_entries.at(id->second);
         HostMessageFile& own = entry.message->File();
         if (own.bDelete) {
-            Attempt([&] { m_router.Own().Delete(entry.message->Name()); });
+            Attempt([&] { m_parts.router.Own().Delete(entry.message->Name()); });
             Enter(entry, Stage::Gone);
         } else {
             TakeReport(entry, own.TakeReport().value_or(own.Now()));
@@ -184,7 +195,7 @@ void QueueFeeder::TakeReport(Entry& entry, const MessageReport& report)
 {
     QueueMessage& message = *entry.message;
     message.Note(report);
-    m_timeline.Show(message.Job(), "report", report);
+    m_parts.timeline.Show(message.Job(), "report", report);
     if (entry.stage == Stage::Leaving || entry.stage == Stage::Gone)
         return;
     if (!report.keepOpen) {
@@ -205,7 +216,7 @@ void QueueFeeder::Show(QueueMessage& message, int target)
     report.text = "to " + WordOf(target);
     report.failureReason = message.Reason();
     report.deliveryStatus.clear();
-    m_timeline.Show(message.Job(), "move", report);
+    m_parts.timeline.Show(message.Job(), "move", report);
 }
 
 /// At the end of a round, when nothing that the driver pushed back points to them any more.

@@ -9,8 +9,9 @@
 
 namespace vk {
 
-/// One message of a queue in this service's hands: its row, its body, and the file that a driver gets. What became of it
-/// stands in the body under "report" and goes wherever the message goes. Times are seconds since the epoch. One thread.
+/// One message of a queue in this service's hands: its row, its body, and the file that a driver gets. What became of
+/// it stands in the body under "report" and goes wherever the message goes. Times are seconds since the epoch. One
+/// thread.
 class QueueMessage
 {
 public:

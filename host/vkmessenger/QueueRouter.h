@@ -12,10 +12,10 @@ enum QueueNumber : int { kArchiveQueue = 4, kErrorQueue = 5, kWaitingQueue = 10 
 
 /// The queues of one service, and how messages go from one to another.
 ///
-/// Two queues cannot change together. Which order makes every crash point safe: the message's own row becomes Q with its
-/// whole report and the target's number in the body; then the target gets its copy; then the row goes. Whoever takes
-/// the row over later, by the rules for status Q, finishes what is left to do. Throws VKDBexception where a step does
-/// not come out; calling again goes on with it. One thread.
+/// Two queues cannot change together. Which order makes every crash point safe: the message's own row becomes Q with
+/// its whole report and the target's number in the body; then the target gets its copy; then the row goes. Whoever
+/// takes the row over later, by the rules for status Q, finishes what is left to do. Throws VKDBexception where a step
+/// does not come out; calling again goes on with it. One thread.
 class QueueRouter
 {
 public:

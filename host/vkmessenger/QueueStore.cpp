@@ -17,7 +17,10 @@ struct List : VK_MESSAGE_HEADER_LIST
     List(const List&) = delete;
     List& operator=(const List&) = delete;
 
-    QueueStore::Headers Headers() const { return count == 0 ? QueueStore::Headers() : QueueStore::Headers(list, list + count); }
+    QueueStore::Headers Headers() const
+    {
+        return count == 0 ? QueueStore::Headers() : QueueStore::Headers(list, list + count);
+    }
 };
 
 struct Content : VK_MESSAGE_CONTENT
@@ -35,7 +38,8 @@ struct Content : VK_MESSAGE_CONTENT
 
 } // namespace
 
-QueueStore::QueueStore(VKDBsystem& system, int number, const std::string& service) : m_number(number), m_service(service)
+QueueStore::QueueStore(VKDBsystem& system, int number, const std::string& service)
+    : m_number(number), m_service(service)
 {
     try {
         m_queue.reset(VKDBiMessageQueue::CreateInstance(&system, number, service));

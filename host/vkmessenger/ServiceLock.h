@@ -4,8 +4,8 @@
 
 namespace vk {
 
-/// Keeps a second service of the same name off a queue: it would give back what the first one is just sending. Held until
-/// the object or the process ends, however it ends.
+/// Keeps a second service of the same name off a queue: it would give back what the first one is just sending. Held
+/// until the object or the process ends, however it ends.
 class ServiceLock
 {
 public:

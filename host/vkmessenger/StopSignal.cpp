@@ -31,7 +31,9 @@ void Stop(int)
 const std::atomic<bool>& StopOnSignals()
 {
     if (g_wake[0] < 0 && pipe2(g_wake, O_CLOEXEC | O_NONBLOCK) == 0) {
-        struct sigaction action{};
+        struct sigaction action
+        {
+        };
         action.sa_handler = Stop;
         sigaction(SIGINT, &action, nullptr);
         sigaction(SIGTERM, &action, nullptr);
