@@ -104,18 +104,19 @@ TEST_F(QueueOfMessages, ASecondMessageOfOneNameOverwritesNothing)
 TEST_F(QueueOfMessages, WhatWaitsExpiresWithItsReason)
 {
     VK_MESSAGE_HEADER limited;
-    limited.expiry_time = std::time(nullptr) + 1;
-    Add("short", Body("short", "", "wait", false), limited);
+    limited.expiry_time = std::time(nullptr) - 1;
+    limited.last_paging_queue_id = 1;
+    installation.Add(10, "short", Body("short", "", "wait", false), limited, "fake");
     Add("long", Body("long", "", "wait", false));
     VK_MESSAGE_HEADER others = limited;
     others.last_paging_queue_id = 8;
     installation.Add(10, "others", "{}", others, "fake");
     RunningProgram messenger("vkmessenger", Call(installation.Root(), {"--follow"}));
     EXPECT_TRUE(installation.Await(5, {"M.0.short.fake"})) << messenger.Out();
+    EXPECT_TRUE(installation.Await(10, {"M.0.long.fake", "M.0.others.fake"})) << messenger.Out();
     EXPECT_EQ(messenger.End(SIGTERM), 0) << messenger.Err();
     EXPECT_EQ(installation.Body(5, "M.0.short.fake")["report"]["reason"].asString(),
               "The receiver was offline until the message expired.");
-    EXPECT_EQ(installation.Names(10), (Names{"M.0.long.fake", "M.0.others.fake"}));
 }
 
 TEST_F(QueueOfMessages, AMoveThatWasCutShortIsFinishedOnce)
