@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <exception>
 #include <random>
 
@@ -19,6 +20,11 @@ using ParserPtr = std::unique_ptr<XML_ParserStruct, FreeParser>;
 /// Texts beyond this size leave no parser behind, because a parser never gives its buffer back.
 constexpr std::size_t kKeepParserBelow = 256u << 10;
 
+/// expat copies what it is given at once. A large text goes in a few pieces, so that the copy stays small; few, because
+/// a tag that is longer than a piece is looked at anew with each.
+constexpr std::size_t kPiece = 64u << 10;
+constexpr std::size_t kMostPieces = 8;
+
 constexpr std::string_view kBlanks = " \t\r\n";
 
 } // namespace
@@ -39,6 +45,7 @@ private:
     };
 
     bool PrepareParser(XmlEncoding encoding);
+    bool Feed(std::string_view text);
     void OnStart(const char* name, const char** attributes);
     void OnEnd();
     void Refuse(const char* reason);
@@ -151,6 +158,15 @@ std::string XmlTreeBuilder::Reason() const
     return "line " + std::to_string(XML_GetCurrentLineNumber(parser)) + ": " + (reason ? reason : "not well-formed");
 }
 
+bool XmlTreeBuilder::Feed(std::string_view text)
+{
+    const std::size_t piece = std::max(kPiece, text.size() / kMostPieces + 1);
+    for (; text.size() > piece; text.remove_prefix(piece))
+        if (XML_Parse(m_pobjParser.get(), text.data(), static_cast<int>(piece), XML_FALSE) != XML_STATUS_OK)
+            return false;
+    return XML_Parse(m_pobjParser.get(), text.data(), static_cast<int>(text.size()), XML_TRUE) == XML_STATUS_OK;
+}
+
 std::unique_ptr<XmlTree> XmlTreeBuilder::Parse(std::string_view text, XmlEncoding encoding, std::string& why)
 {
     if (text.size() > kXmlMaxBytes) {
@@ -170,9 +186,10 @@ std::unique_ptr<XmlTree> XmlTreeBuilder::Parse(std::string_view text, XmlEncodin
     m_iNodes = 0;
     m_szRefused = nullptr;
 
-    const bool whole =
-        XML_Parse(m_pobjParser.get(), text.data(), static_cast<int>(text.size()), XML_TRUE) == XML_STATUS_OK;
-    if (!whole) {
+    // Of the tags half open an element, mostly; with that room nothing is copied on the way.
+    tree->m_vecRanges.reserve(static_cast<std::size_t>(std::count(text.begin(), text.end(), '<')) / 2 + 1);
+
+    if (!Feed(text)) {
         why = Reason();
         tree.reset();
     } else if (encoding == XmlEncoding::Declared) {

@@ -123,6 +123,35 @@ TEST(XmlSource, GivesTheReceivedBytesOfEachElement)
     EXPECT_EQ(root.sourceText(), "<r>\xC3\xA9" + parameters + "</r>");
 }
 
+TEST(XmlSource, HoldsInATextOfManyPieces)
+{
+    // Texts, tags and characters of several bytes wherever the reader may cut a large text.
+    const std::string tag = "<t a='" + std::string(300000, 'v') + "\xC3\xA9'/>";
+    std::string text = "<r>" + tag;
+    for (int i = 0; i < 30000; ++i)
+        text += "<e n='" + std::to_string(i) + "'>\xE2\x82\xAC " + std::to_string(i) + "</e>";
+    text += "<e>" + std::string(200000, 'x') + "</e></r>";
+    XmlReaderWriter document;
+    ASSERT_TRUE(document.readFrom(text)) << document.parseError();
+    const Node root = document.getRootNode();
+    Node child = root.firstChild();
+    EXPECT_EQ(child.sourceText(), tag);
+    EXPECT_EQ(child.attributeText("a").size(), 300002u);
+    int wrong = 0;
+    for (int i = 0; i < 30000; ++i) {
+        child = child.nextSibling();
+        const std::string contents = "\xE2\x82\xAC " + std::to_string(i);
+        const std::string source = "<e n='" + std::to_string(i) + "'>" + contents + "</e>";
+        wrong += child.contentsText() != contents || child.sourceText() != source;
+    }
+    EXPECT_EQ(wrong, 0);
+    EXPECT_EQ(child.nextSibling().contentsText().size(), 200000u);
+    EXPECT_EQ(root.sourceText(), text);
+    text[text.size() - 100] = '\0';
+    EXPECT_FALSE(document.readFrom(text));
+    EXPECT_FALSE(document.readFrom(text.substr(0, 150000))) << "cut in the first piece's tag";
+}
+
 TEST(XmlSource, IsWrittenAnewOnceTheDocumentHasChanged)
 {
     XmlReaderWriter document;

@@ -43,6 +43,10 @@ void ReadFields(XmlReaderWriter::Node& element, Record& record, const Table& tab
 template <class Item> void ReadItems(const XmlReaderWriter::Node& element, std::vector<Item>& items)
 {
     items.clear();
+    std::size_t count = 0;
+    for (auto child = element.firstChild(); !child.isNull(); child = child.nextSibling())
+        ++count;
+    items.reserve(count); // a directory's items are large, and many
     for (auto child = element.firstChild(); !child.isNull(); child = child.nextSibling()) {
         Item& item = items.emplace_back();
         if constexpr (kIsRecord<Item>)
