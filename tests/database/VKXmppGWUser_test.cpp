@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <future>
+
 #include "GatewayDatabase.h"
 #include "NotingConnection.h"
 #include "VKDBiXmppGWUser.h"
@@ -78,6 +80,10 @@ INSTANTIATE_TEST_SUITE_P(Backends, VKXmppGWUserTest,
                          testing::Values(GatewayBackend::Files, GatewayBackend::PostgreSql), [](const auto& row) {
                              return row.param == GatewayBackend::Files ? "Files" : "PostgreSql";
                          });
+
+class VKXmppGWUserFile : public FileDatabase
+{
+};
 
 /// The accounts on a connection that only notes.
 class NotedUsers : public vk::SqlXmppGWUser
@@ -297,6 +303,18 @@ TEST_P(VKXmppGWUserTest, RecordsFromAnotherBackendKeepTheirIds)
     moved[0].id = 90;
     EXPECT_THAT(ErrorOf([&] { store->ConvertRecords(moved); }), testing::HasSubstr("Execution of insert query failed."));
     EXPECT_FALSE(store->IsXmppGWUserPresent(90)) << "all or none";
+}
+
+/// A relational server keeps nobody out between looking and adding.
+TEST_F(VKXmppGWUserFile, ManyThatStartAtOnceMakeTheAccountsOnce)
+{
+    std::vector<std::future<void>> starts;
+    for (int i = 0; i < 6; ++i)
+        starts.push_back(std::async(std::launch::async, [&] { delete VKDBiXmppGWUser::CreateInstance(&system); }));
+    for (auto& start : starts)
+        start.get();
+    const std::unique_ptr<VKDBiXmppGWUser> users(VKDBiXmppGWUser::CreateInstance(&system));
+    EXPECT_EQ(users->GetTotalRecordCount(false), 3);
 }
 
 TEST(VKXmppGWUserView, SpeaksTheFilesSqlToTheLetter)
