@@ -25,6 +25,16 @@ template <class List> std::vector<unsigned long> ReceiversOf(const List& list, u
     return ids;
 }
 
+/// The parts of one kind of all receivers.
+template <class Record>
+std::vector<Record> AllOf(const VK_RECEIVER_LIST& list, Record* VK_RECEIVER::*parts, int VK_RECEIVER::*count)
+{
+    std::vector<Record> all;
+    for (int i = 0; i < list.count; ++i)
+        all.insert(all.end(), list.list[i].*parts, list.list[i].*parts + list.list[i].*count);
+    return all;
+}
+
 bool Grants(const VK_DEPT_PERMISSION& permission, DeptPerm right)
 {
     switch (right) {
@@ -482,13 +492,12 @@ bool SqlReceiver::ConvertRecords(VK_RECEIVER_LIST* list)
     SqlStore& store = *m_parts->store;
     store.Exclusive([&] {
         store.InsertRowsWithIds(kReceiverTable, list->list, list->count, "receiver");
-        for (int i = 0; i < list->count; ++i) {
-            const VK_RECEIVER& receiver = list->list[i];
-            store.InsertRowsWithIds(kReceiverDeptTable, receiver.dept_rights, receiver.dept_rights_count,
-                                    "receiver department");
-            store.InsertRowsWithIds(kReceiverScheduleTable, receiver.schedules, receiver.schedule_count,
-                                    "receiver schedule");
-        }
+        const auto departments = AllOf(*list, &VK_RECEIVER::dept_rights, &VK_RECEIVER::dept_rights_count);
+        store.InsertRowsWithIds(kReceiverDeptTable, departments.data(), static_cast<int>(departments.size()),
+                                "receiver department");
+        const auto schedules = AllOf(*list, &VK_RECEIVER::schedules, &VK_RECEIVER::schedule_count);
+        store.InsertRowsWithIds(kReceiverScheduleTable, schedules.data(), static_cast<int>(schedules.size()),
+                                "receiver schedule");
     });
     return true;
 }

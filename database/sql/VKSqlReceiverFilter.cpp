@@ -30,7 +30,7 @@ std::string SqlIdList(const std::vector<unsigned long>& ids)
     std::string text;
     for (const unsigned long id : ids)
         text += (text.empty() ? "" : ", ") + std::to_string(id);
-    return "(" + (text.empty() ? "0" : text) + ")";
+    return "(" + (text.empty() ? "NULL" : text) + ")";
 }
 
 std::string NameTables(const SqlDialect& dialect, std::string_view pattern)

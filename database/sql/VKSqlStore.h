@@ -81,6 +81,8 @@ public:
     void InsertRowsWithIds(const Table<Fields>& table, const Record* records, int count, const char* what,
                            const char* failure = nullptr)
     {
+        if (count == 0)
+            return;
         SwitchKeepIdentity(table.name, true);
         for (int i = 0; i < count; ++i)
             RequireSameId(

@@ -1,5 +1,10 @@
 #include "VKSQLite3Receiver.h"
 
+#include <algorithm>
+#include <tuple>
+#include <utility>
+
+#include "VKDBiCarrier.h"
 #include "VKSQLite3EntityFile.h"
 
 namespace {
@@ -22,6 +27,43 @@ constexpr vk::SQLite3Index kIndexes[] = {{"ix_receiver_name", "receiver", "name"
                                          {"ix_rcvrschd_name", "receiver_schd", "name"},
                                          {"ix_rcvrschd_archived", "receiver_schd", "archived"}};
 
+constexpr const char* kUnreadable = "The Receiver table could not be accessed.";
+
+/// What a file of 4.7 has: all columns but the last.
+template <class... Rows, std::size_t... I>
+constexpr auto WithoutLast(const std::tuple<Rows...>& rows, std::index_sequence<I...>)
+{
+    return std::make_tuple(std::get<I>(rows)...);
+}
+constexpr vk::Table kTableOf4_7{
+    vk::kReceiverTable.name,
+    WithoutLast(vk::kReceiverTable.fields,
+                std::make_index_sequence<
+                    vk::FieldCount(decltype(vk::kReceiverTable.fields){vk::kReceiverTable.fields}) - 1>())};
+
+bool HasColumn(vk::SQLite3Connection& connection, const char* column)
+{
+    const std::vector<std::string> present = vk::ColumnNames(connection, vk::kReceiverTable.name.file);
+    if (present.empty())
+        throw VKDBexception(vk::DbError::General, __FILE__, __LINE__, kUnreadable);
+    return std::find(present.begin(), present.end(), column) != present.end();
+}
+
+/// A period that was left open ended when the receiver's next one began. The last one may still be open.
+void CloseOldHistory(vk::SQLite3Connection& connection)
+{
+    const auto open = connection.ExecuteSelectQuery("SELECT * FROM recv_disable_history WHERE disable_end_date = 0;");
+    for (int row = 0; row < open->GetReturnedRowsCount(); ++row) {
+        const std::string id = (*open)[row]["id"].GetValueString();
+        const auto next = connection.ExecuteSelectQuery(
+            "SELECT disable_start_date FROM recv_disable_history WHERE receiver_id=" +
+            (*open)[row]["receiver_id"].GetValueString() + " AND id>" + id + " ORDER BY id ASC;");
+        if (next->GetReturnedRowsCount() > 0)
+            connection.ExecuteUpdateQuery("UPDATE recv_disable_history SET disable_end_date=" +
+                                          std::to_string((*next)[0][0].GetValueLong()) + " WHERE id=" + id + ";");
+    }
+}
+
 } // namespace
 
 const VKSQLite3TableDesc VKSQLite3Receiver::tTableDesc[6] = {
@@ -31,9 +73,32 @@ const VKSQLite3TableDesc VKSQLite3Receiver::tTableDesc[6] = {
 
 bool VKSQLite3Receiver::Initialize(VKDBsystem* system)
 {
+    VKDBbaseInterface::Initialize(system);
     auto connection = vk::OpenEntityFile(*system, {"receivers.sdb", tTableDesc, 6});
-    vk::AddMissingColumns(*connection, vk::kReceiverTable, "The Receiver table could not be accessed.");
+    ConvertTable(*connection);
+    ConvertTableFrom4_7(*connection);
     vk::CreateIndexes(*connection, kIndexes, std::size(kIndexes));
     UseStore(std::make_unique<vk::SqlStore>(std::move(connection), kStatementLimit, kReadLimit));
-    return VKDBbaseInterface::Initialize(system);
+    return true;
+}
+
+void VKSQLite3Receiver::ConvertTable(vk::SQLite3Connection& connection)
+{
+    vk::AddMissingColumns(connection, kTableOf4_7, kUnreadable);
+}
+
+void VKSQLite3Receiver::ConvertTableFrom4_7(vk::SQLite3Connection& connection)
+{
+    if (HasColumn(connection, "is_secure"))
+        return;
+    std::unique_ptr<VKDBiCarrier>(VKDBiCarrier::CreateInstance(GetDbSystem())); // makes its file
+    const vk::SqlAttachment carriers(connection, {"dbCarriers", "carriers.sdb"});
+    vk::InTransaction(connection, vk::TransactionLock::Exclusive, [&] {
+        if (HasColumn(connection, "is_secure")) // another process was faster
+            return;
+        connection.ExecuteUpdateQuery("ALTER TABLE receiver ADD is_secure BOOLEAN;");
+        connection.ExecuteUpdateQuery("UPDATE receiver SET is_secure=(CASE WHEN carrier_id IN (SELECT id FROM carrier "
+                                      "WHERE protocol_id IN (34, 35)) THEN 1 ELSE 0 END);");
+        CloseOldHistory(connection);
+    });
 }

@@ -83,7 +83,7 @@ protected:
     /// Stores a receiver after `change` has been made to it; gives back its id.
     template <class Change> unsigned long Store(const std::string& name, Change&& change)
     {
-        Receiver receiver(name, "pin of " + name);
+        Receiver receiver(name, "pin." + name);
         change(receiver);
         receivers->Add(&receiver, false);
         return receiver.id;

@@ -261,29 +261,47 @@ TEST_F(VKReceiverTest, OffDutyWithoutCoverStartsAHistoryRow)
               "4 100 200");
 }
 
-TEST_F(VKReceiverTest, AnOlderFileGetsItsMissingColumnsAndKeepsItsRows)
+TEST_F(VKReceiverTest, AnOlderFileIsBroughtUpToDateAndKeepsItsRows)
 {
     receivers.reset();
+    VK_CARRIER carrier;
+    carrier.protocol_id = VKProtocolMxpOneWay;
+    std::unique_ptr<VKDBiCarrier>(VKDBiCarrier::CreateInstance(&system))->Add(&carrier);
     std::filesystem::remove(dir / "receivers.sdb");
     std::string columns = VKSQLite3Receiver::tTableDesc[0].columns;
     for (const std::string& newer :
          {std::string(", advanced_messaging BOOLEAN, msg_encrypt_opt INTEGER"), std::string(", is_secure BOOLEAN")})
         columns.erase(columns.find(newer), newer.size()); // misc_settings stays, so the order changes
     {
-        VKSQLite3Database old(dir / "receivers.sdb", {{"receiver", columns}}, false);
+        VKSQLite3Database old(
+            dir / "receivers.sdb",
+            {{"receiver", columns}, {"recv_disable_history", VKSQLite3Receiver::tTableDesc[3].columns}}, false);
         VKSQLite3ResultSet result;
         unsigned long id = 0;
-        ASSERT_TRUE(old.InsertQueryTransaction(
-            "INSERT INTO receiver (name, description, pin, email, bk_pin, security_code, first_name, last_name, "
-            "voice_number, forward_to_number, ad_code, acct_name, acct_pwd, misc_settings) VALUES ('old', '', '1', "
-            "'', '', '', '', '', '', '', '', '', '', '{}');",
-            result, id));
+        for (const char* values : {"'old', 1, '{}'", "'other', 0, ''"})
+            ASSERT_TRUE(old.InsertQueryTransaction(
+                std::string("INSERT INTO receiver (description, pin, email, bk_pin, security_code, first_name, "
+                            "last_name, voice_number, forward_to_number, ad_code, acct_name, acct_pwd, name, "
+                            "carrier_id, misc_settings) VALUES ('', '1', '', '', '', '', '', '', '', '', '', '', ") +
+                    values + ");",
+                result, id));
+        for (const char* period : {"1, 10, 0", "2, 15, 0", "1, 20, 30", "1, 40, 0", "1, 50, 0"})
+            ASSERT_TRUE(old.InsertQueryTransaction("INSERT INTO recv_disable_history (receiver_id, disable_start_date, "
+                                                   "disable_end_date) VALUES (" +
+                                                       std::string(period) + ");",
+                                                   result, id));
     }
     receivers.reset(VKDBiReceiver::CreateInstance(&system));
     Receiver read;
     ASSERT_TRUE(receivers->GetByName(&read, "old"));
     EXPECT_STREQ(read.misc_settings, "{}");
+    EXPECT_TRUE(read.is_secure) << "its carrier speaks MXP";
+    ASSERT_TRUE(receivers->GetByName(&read, "other"));
     EXPECT_FALSE(read.is_secure);
+    EXPECT_EQ(
+        Value("SELECT group_concat(disable_end_date, ' ') FROM (SELECT * FROM recv_disable_history ORDER BY id);"),
+        "20 0 30 50 0")
+        << "each ends as the receiver's next one begins";
     Receiver added("new", "2");
     added.msg_encrypt_opt = 3;
     added.is_secure = true;
@@ -291,6 +309,10 @@ TEST_F(VKReceiverTest, AnOlderFileGetsItsMissingColumnsAndKeepsItsRows)
     ASSERT_TRUE(receivers->GetByID(&read, added.id));
     EXPECT_EQ(read.msg_encrypt_opt, 3);
     EXPECT_TRUE(read.is_secure);
+    receivers->UpdateReceiverSecureStatus(1, false);
+    receivers.reset(VKDBiReceiver::CreateInstance(&system));
+    ASSERT_TRUE(receivers->GetByName(&read, "old"));
+    EXPECT_FALSE(read.is_secure) << "that happens once";
 }
 
 TEST_F(VKReceiverTest, AStatementBeyondItsLimitIsRefusedAndTellsNoValues)
