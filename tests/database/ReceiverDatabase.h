@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "GatewayDatabase.h"
+#include "BackendDatabase.h"
 #include "VKDBiCarrier.h"
 #include "VKRecordText.h"
 
@@ -44,7 +44,7 @@ template <class List> std::string NamesOf(const List& list)
 }
 
 /// Receivers with all that they point to, on either backend.
-class ReceiverDatabase : public GatewayDatabase
+class ReceiverDatabase : public BackendDatabase
 {
 protected:
     ReceiverDatabase()
@@ -106,12 +106,3 @@ protected:
 
     std::unique_ptr<VKDBiReceiver> receivers;
 };
-
-inline std::string BackendName(const testing::TestParamInfo<GatewayBackend>& info)
-{
-    return info.param == GatewayBackend::Files ? "Files" : "PostgreSql";
-}
-
-#define VK_ON_BOTH_BACKENDS(suite)                                                                                     \
-    INSTANTIATE_TEST_SUITE_P(Backends, suite, testing::Values(GatewayBackend::Files, GatewayBackend::PostgreSql),      \
-                             BackendName)

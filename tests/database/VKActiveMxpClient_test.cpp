@@ -1,6 +1,6 @@
 #include <gmock/gmock.h>
 
-#include "GatewayDatabase.h"
+#include "BackendDatabase.h"
 #include "NotingConnection.h"
 #include "VKDBiActiveMxpClient.h"
 #include "VKRDBActiveMxpClient.h"
@@ -20,7 +20,7 @@ VKActiveMxpClientInfo Client(const std::string& key, const std::string& name, lo
     return client;
 }
 
-class VKActiveMxpClientTest : public GatewayDatabase
+class VKActiveMxpClientTest : public BackendDatabase
 {
 protected:
     VKActiveMxpClientTest()
@@ -49,10 +49,7 @@ protected:
     std::unique_ptr<VKDBiActiveMxpClient> clients;
 };
 
-INSTANTIATE_TEST_SUITE_P(Backends, VKActiveMxpClientTest,
-                         testing::Values(GatewayBackend::Files, GatewayBackend::PostgreSql), [](const auto& row) {
-                             return row.param == GatewayBackend::Files ? "Files" : "PostgreSql";
-                         });
+VK_ON_BOTH_BACKENDS(VKActiveMxpClientTest);
 
 class ServerClient : public vk::SqlActiveMxpClient
 {

@@ -1,17 +1,13 @@
 #include <gmock/gmock.h>
 
-#include "FileDatabase.h"
-#include "PostgresServer.h"
+#include "BackendDatabase.h"
 #include "VKBALMessages.h"
 #include "VKBALexception.h"
 #include "VKODBCResultSet.h"
-#include "VKPostgreSqlDialect.h"
 #include "VKRDBDepartment.h"
-#include "VKRDBiDatabase.h"
 #include "VKRecordText.h"
 #include "VKSQLite3Database.h"
 #include "VKSQLite3Department.h"
-#include "VKSqlRecord.h"
 
 namespace {
 
@@ -25,34 +21,18 @@ VK_DEPARTMENT Department(const std::string& name, long most = -1, long count = 0
     return department;
 }
 
-enum class Backend { Files, PostgreSql };
-
-/// The same cases on the file database and on a real server.
-class VKDepartmentTest : public FileDatabase, public testing::WithParamInterface<Backend>
+class VKDepartmentTest : public BackendDatabase
 {
 protected:
     VKDepartmentTest()
     {
-        if (GetParam() == Backend::PostgreSql)
-            MoveToServer();
+        MakeServerTable(vk::kDepartmentTable);
         departments.reset(VKDBiDepartment::CreateInstance(&system));
-        if (GetParam() == Backend::Files)
+        if (OnFiles())
             store = std::make_unique<VKSQLite3Department>();
         else
             store = std::make_unique<VKRDBDepartment>();
         store->Initialize(&system);
-    }
-    void MoveToServer()
-    {
-        PostgresServer::Get();
-        system.Close();
-        system.OpenDatabase(PostgresServer::kSource, "postgres", "", DbTypeOdbc, nullptr, false, false, true, nullptr);
-        const vk::SqlDialect& dialect = vk::PostgreSqlDialect::Get();
-        const std::string table = dialect.TableOf(vk::kDepartmentTable.name);
-        server = system.GetDatabaseInstance();
-        server->ExecuteCommand("DROP TABLE IF EXISTS " + table);
-        server->ExecuteCommand("CREATE TABLE " + table + " (" + vk::ColumnsText(dialect, vk::kDepartmentTable.fields) +
-                               ")");
     }
 
     unsigned long Add(VK_DEPARTMENT department)
@@ -79,7 +59,6 @@ protected:
 
     std::unique_ptr<VKDBiDepartment> departments;
     std::unique_ptr<vk::SqlDepartment> store; ///< without the rules, which refuse most of the odd texts
-    std::shared_ptr<VKRDBiDatabase> server;   ///< what all of them share; null on files
 };
 
 class VKDepartmentFileTest : public VKDepartmentTest
@@ -90,8 +69,7 @@ class VKDepartmentServerTest : public VKDepartmentTest
 {
 };
 
-INSTANTIATE_TEST_SUITE_P(Backends, VKDepartmentTest, testing::Values(Backend::Files, Backend::PostgreSql),
-                         [](const auto& row) { return row.param == Backend::Files ? "Files" : "PostgreSql"; });
+VK_ON_BOTH_BACKENDS(VKDepartmentTest);
 INSTANTIATE_TEST_SUITE_P(Files, VKDepartmentFileTest, testing::Values(Backend::Files));
 INSTANTIATE_TEST_SUITE_P(PostgreSql, VKDepartmentServerTest, testing::Values(Backend::PostgreSql));
 

@@ -2,7 +2,7 @@
 
 #include <future>
 
-#include "GatewayDatabase.h"
+#include "BackendDatabase.h"
 #include "NotingConnection.h"
 #include "VKDBiXmppGWUser.h"
 #include "VKRDBXmppGWUser.h"
@@ -29,7 +29,7 @@ VKXmppGWUser User(const std::string& login, const std::string& name)
     return user;
 }
 
-class VKXmppGWUserTest : public GatewayDatabase
+class VKXmppGWUserTest : public BackendDatabase
 {
 protected:
     VKXmppGWUserTest()
@@ -52,7 +52,7 @@ protected:
         user.id = id;
         vk::SetText(user.name, name, "name");
         if (!OnFiles()) {
-            system.GetDatabaseInstance()->ExecuteCommand(
+            server->ExecuteCommand(
                 vk::InsertText(vk::PostgreSqlDialect::Get(), vk::kUserTable, user, vk::RowId::FromRecord));
             return;
         }
@@ -76,10 +76,7 @@ protected:
     std::unique_ptr<VKDBiXmppGWUser> users;
 };
 
-INSTANTIATE_TEST_SUITE_P(Backends, VKXmppGWUserTest,
-                         testing::Values(GatewayBackend::Files, GatewayBackend::PostgreSql), [](const auto& row) {
-                             return row.param == GatewayBackend::Files ? "Files" : "PostgreSql";
-                         });
+VK_ON_BOTH_BACKENDS(VKXmppGWUserTest);
 
 class VKXmppGWUserFile : public FileDatabase
 {
