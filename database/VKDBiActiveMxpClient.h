@@ -6,8 +6,8 @@
 #include "VKActiveMxpClient.h"
 #include "VKDBbaseInterface.h"
 
-/// The mobile clients that are enrolled, whatever stores them. Operations throw VKDBexception when the store fails; they
-/// return false where an expected condition fails, such as a row that is not there. One object serves one thread.
+/// The mobile clients that are enrolled, whatever stores them. Operations throw VKDBexception when the store fails;
+/// they return false where an expected condition fails, such as a row that is not there. One object serves one thread.
 /// Operations that read clear their output first.
 class VKDBiActiveMxpClient : public VKDBbaseInterface
 {
@@ -35,8 +35,8 @@ public:
 
     /// By the time of enrolment.
     virtual void SetSort(bool ascending) = 0;
-    /// Client names that begin with the text, empty or "*" for all; enrolled in this span, which holds when `to` is above
-    /// `from` and both are above 0.
+    /// Client names that begin with the text, empty or "*" for all; enrolled in this span, which holds when `to` is
+    /// above `from` and both are above 0.
     virtual void SetFilter(const std::string& clientName, long from, long to) = 0;
     /// Pages of pageSize rows, numbered from 1; a size of 0 for all rows.
     virtual void SetFilter(int pageSize, int pageNumber) = 0;

@@ -34,10 +34,9 @@ namespace vk {
 inline constexpr Table kUserTable{
     TableName{"user", "VK_USER"},
     Fields(Field<&VK_USER::id>("id", PrimaryKey{}), Field<&VK_USER::name>("name", NotNull{}),
-           Field<&VK_USER::password>("password", NotNull{}, Secret{}),
-           Field<&VK_USER::user_group_id>("user_group_id"), Field<&VK_USER::gui>("gui"), Field<&VK_USER::cli>("cli"),
-           Field<&VK_USER::ip>("ip", NotNull{}), Field<&VK_USER::email>("email", NotNull{}),
-           Field<&VK_USER::description>("description", NotNull{}),
+           Field<&VK_USER::password>("password", NotNull{}, Secret{}), Field<&VK_USER::user_group_id>("user_group_id"),
+           Field<&VK_USER::gui>("gui"), Field<&VK_USER::cli>("cli"), Field<&VK_USER::ip>("ip", NotNull{}),
+           Field<&VK_USER::email>("email", NotNull{}), Field<&VK_USER::description>("description", NotNull{}),
            Field<&VK_USER::host_name_as_ip>("host_name_as_ip"),
            Field<&VK_USER::access_code>("access_code", NotNull{}, Secret{}),
            Field<&VK_USER::time_zone_hr_diff>("time_zone_hr_diff"), Field<&VK_USER::ldap>("ldap"),

@@ -58,21 +58,19 @@ inline constexpr Table kXmppGWUserTable{
            Field<&VKXmppGWUser::name>("name", Varchar{50}, NotNull{}),
            Field<&VKXmppGWUser::nick_name>("nick_name", Varchar{50}),
            Field<&VKXmppGWUser::resource>("resource", Varchar{50}),
-           Field<&VKXmppGWUser::ip>("ip", Varchar{50}, NotNull{}),
-           Field<&VKXmppGWUser::creation_time>("creation_time"), Field<&VKXmppGWUser::enabled>("enabled"),
-           Field<&VKXmppGWUser::vk_user_id>("vk_user_id"), Field<&VKXmppGWUser::enable_readonly>("enable_readonly"),
-           Field<&VKXmppGWUser::enable_hidden>("enable_hidden"),
-           Field<&VKXmppGWUser::enable_roster>("enable_roster"),
+           Field<&VKXmppGWUser::ip>("ip", Varchar{50}, NotNull{}), Field<&VKXmppGWUser::creation_time>("creation_time"),
+           Field<&VKXmppGWUser::enabled>("enabled"), Field<&VKXmppGWUser::vk_user_id>("vk_user_id"),
+           Field<&VKXmppGWUser::enable_readonly>("enable_readonly"),
+           Field<&VKXmppGWUser::enable_hidden>("enable_hidden"), Field<&VKXmppGWUser::enable_roster>("enable_roster"),
            Field<&VKXmppGWUser::enable_multi_login>("enable_multi_login"),
            Field<&VKXmppGWUser::misc_settings>("misc_settings", LongText{}, Secret{}))};
 
 /// The columns of the view's rows in order.
-inline constexpr auto kXmppGWUserViewFields =
-    Fields(Field<&VKXmppGWUserView::id>("id"), Field<&VKXmppGWUserView::type>("type"),
-           Field<&VKXmppGWUserView::user_id>("user_id"), Field<&VKXmppGWUserView::name>("name"),
-           Field<&VKXmppGWUserView::enabled>("enabled"), Field<&VKXmppGWUserView::vk_user_id>("vk_user_id"),
-           Field<&VKXmppGWUserView::enable_readonly>("enable_readonly"),
-           Field<&VKXmppGWUserView::enable_hidden>("enable_hidden"),
-           Field<&VKXmppGWUserView::vk_user_name>("VKUserName"));
+inline constexpr auto kXmppGWUserViewFields = Fields(
+    Field<&VKXmppGWUserView::id>("id"), Field<&VKXmppGWUserView::type>("type"),
+    Field<&VKXmppGWUserView::user_id>("user_id"), Field<&VKXmppGWUserView::name>("name"),
+    Field<&VKXmppGWUserView::enabled>("enabled"), Field<&VKXmppGWUserView::vk_user_id>("vk_user_id"),
+    Field<&VKXmppGWUserView::enable_readonly>("enable_readonly"),
+    Field<&VKXmppGWUserView::enable_hidden>("enable_hidden"), Field<&VKXmppGWUserView::vk_user_name>("VKUserName"));
 
 } // namespace vk

@@ -43,7 +43,8 @@ public:
             throw std::runtime_error("sqlite3 cannot open " + path);
         m_handle.reset(handle);
         Run("PRAGMA synchronous=0;");
-        Run("CREATE TABLE report_msg_status (msg_id INTEGER PRIMARY KEY AUTOINCREMENT , job_id VARCHAR(64) , time_stamp "
+        Run("CREATE TABLE report_msg_status (msg_id INTEGER PRIMARY KEY AUTOINCREMENT , job_id VARCHAR(64) , "
+            "time_stamp "
             "INTEGER , sender_id INTEGER , comments TEXT , context INTEGER , status INTEGER , arguments TEXT);");
         Run("CREATE INDEX ix_job_id ON report_msg_status (job_id ASC);");
     }
@@ -60,15 +61,15 @@ public:
             m_statements.push_back("SELECT msg_id, status, time_stamp FROM report_msg_status WHERE job_id='" +
                                    data.job_id + "';");
             if ((round & 1) == 0)
-                m_statements.push_back("INSERT INTO report_msg_status (`job_id`, `time_stamp`, `sender_id`, `comments`, "
-                                       "`context`, `status`, `arguments`) VALUES ('" +
-                                       data.job_id + "'," + time + "," + sender + ",'" + comments + "',3," + status +
-                                       ",'');");
+                m_statements.push_back(
+                    "INSERT INTO report_msg_status (`job_id`, `time_stamp`, `sender_id`, `comments`, "
+                    "`context`, `status`, `arguments`) VALUES ('" +
+                    data.job_id + "'," + time + "," + sender + ",'" + comments + "',3," + status + ",'');");
             else
-                m_statements.push_back("UPDATE report_msg_status SET job_id='" + data.job_id + "',time_stamp=" + time +
-                                       ",sender_id=" + sender + ",comments='" + comments + "',context=3,status=" +
-                                       status + ",arguments='' WHERE msg_id=" +
-                                       std::to_string(round / 2 * kEntries + i + 1) + ";");
+                m_statements.push_back(
+                    "UPDATE report_msg_status SET job_id='" + data.job_id + "',time_stamp=" + time +
+                    ",sender_id=" + sender + ",comments='" + comments + "',context=3,status=" + status +
+                    ",arguments='' WHERE msg_id=" + std::to_string(round / 2 * kEntries + i + 1) + ";");
         }
     }
 

@@ -61,9 +61,10 @@ bool SqlActiveMxpClient::GetForView(std::vector<VKActiveMxpClientView>* clients)
     clients->clear();
     const std::string filter = ViewFilter();
     const std::string query =
-        m_store->Part("SELECT {}.*, {}.name AS receiver_name, {}.first_name AS receiver_first_name, {}.last_name AS "
-                      "receiver_last_name FROM {} LEFT OUTER JOIN {} ON {}.activation_user_name={}.name {}",
-                      kName, kReceiver, kReceiver, kReceiver, kName, kReceiver, kName, kReceiver, SqlRaw{filter})
+        m_store
+            ->Part("SELECT {}.*, {}.name AS receiver_name, {}.first_name AS receiver_first_name, {}.last_name AS "
+                   "receiver_last_name FROM {} LEFT OUTER JOIN {} ON {}.activation_user_name={}.name {}",
+                   kName, kReceiver, kReceiver, kReceiver, kName, kReceiver, kName, kReceiver, SqlRaw{filter})
             .text;
     const std::string count = m_store->Part("SELECT COUNT(*) FROM {} {}", kName, SqlRaw{filter}).text;
     const SqlAttachment attached(m_store->Connection(), kReceivers);
@@ -106,8 +107,7 @@ bool SqlActiveMxpClient::GetByActivationKey(const std::string& activationKey, VK
 bool SqlActiveMxpClient::ReadOne(VKActiveMxpClientInfo* client, const SqlRaw& condition)
 {
     *client = VKActiveMxpClientInfo{};
-    const auto rows =
-        m_store->Shared([&] { return m_store->Select("SELECT * FROM {} WHERE {}", kName, condition); });
+    const auto rows = m_store->Shared([&] { return m_store->Select("SELECT * FROM {} WHERE {}", kName, condition); });
     if (rows->GetReturnedRowsCount() < 1)
         return false;
     ReadRow(kActiveMxpClientTable.fields, (*rows)[0], *client);

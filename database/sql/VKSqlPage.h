@@ -20,8 +20,8 @@ struct SqlPage
     {
         const SqlDialect& dialect = store.Dialect();
         const long offset = (std::max(number, 1) - 1L) * size;
-        auto rows = store.Select("{}", SqlRaw{size > 0 ? dialect.Page(query, order, size, offset)
-                                                       : dialect.Sorted(query, order)});
+        auto rows = store.Select(
+            "{}", SqlRaw{size > 0 ? dialect.Page(query, order, size, offset) : dialect.Sorted(query, order)});
         total = store.SelectNumber("{}", SqlRaw{countQuery});
         if (size > 0)
             count = static_cast<int>((total + size - 1) / size);

@@ -27,13 +27,12 @@ struct DefaultUser
 {
     const char* name;
     bool hasResource; ///< its own name
-    bool local; ///< it works here: has this machine's address and the server's user
+    bool local;       ///< it works here: has this machine's address and the server's user
     bool multiLogin;
 };
 
-constexpr DefaultUser kDefaultUsers[] = {{"_vk_agent_", true, true, false},
-                                         {"_vk_emerg_user_", false, false, true},
-                                         {"_vk_msgr_user_", false, true, true}};
+constexpr DefaultUser kDefaultUsers[] = {
+    {"_vk_agent_", true, true, false}, {"_vk_emerg_user_", false, false, true}, {"_vk_msgr_user_", false, true, true}};
 
 VKXmppGWUser MakeDefaultUser(const DefaultUser& account, const std::string& localIp)
 {
@@ -81,16 +80,14 @@ bool SqlXmppGWUser::Delete(unsigned long id)
 
 bool SqlXmppGWUser::UpdateStatus(unsigned long id, int enabled)
 {
-    return m_store->Exclusive([&] {
-        return m_store->Update("UPDATE {} set enabled={} WHERE id={}", kName, enabled != 0, id);
-    }) > 0;
+    return m_store->Exclusive(
+               [&] { return m_store->Update("UPDATE {} set enabled={} WHERE id={}", kName, enabled != 0, id); }) > 0;
 }
 
 bool SqlXmppGWUser::Get(std::vector<VKXmppGWUser>* users)
 {
     users->clear();
-    const auto rows =
-        m_store->Shared([&] { return m_store->Select("SELECT * FROM {} ORDER BY lower(name)", kName); });
+    const auto rows = m_store->Shared([&] { return m_store->Select("SELECT * FROM {} ORDER BY lower(name)", kName); });
     for (int row = 0; row < rows->GetReturnedRowsCount(); ++row)
         ReadRow(kXmppGWUserTable.fields, (*rows)[row], users->emplace_back());
     return true;
@@ -99,14 +96,15 @@ bool SqlXmppGWUser::Get(std::vector<VKXmppGWUser>* users)
 bool SqlXmppGWUser::Get(std::vector<VKXmppGWUserView>* users, bool visibleOnly)
 {
     users->clear();
-    const std::string tables =
-        m_store->Part("FROM {} LEFT OUTER JOIN {} ON {}.vk_user_id={}.id {}", kName, kUser, kName, kUser,
-                      SqlRaw{ViewFilter(visibleOnly)})
-            .text;
+    const std::string tables = m_store
+                                   ->Part("FROM {} LEFT OUTER JOIN {} ON {}.vk_user_id={}.id {}", kName, kUser, kName,
+                                          kUser, SqlRaw{ViewFilter(visibleOnly)})
+                                   .text;
     const std::string query =
-        m_store->Part("SELECT DISTINCT {}.id, {}.type, {}.user_id, {}.name, {}.enabled, {}.vk_user_id, "
-                      "{}.enable_readonly, {}.enable_hidden, {}.name AS VKUserName {}",
-                      kName, kName, kName, kName, kName, kName, kName, kName, kUser, SqlRaw{tables})
+        m_store
+            ->Part("SELECT DISTINCT {}.id, {}.type, {}.user_id, {}.name, {}.enabled, {}.vk_user_id, "
+                   "{}.enable_readonly, {}.enable_hidden, {}.name AS VKUserName {}",
+                   kName, kName, kName, kName, kName, kName, kName, kName, kUser, SqlRaw{tables})
             .text;
     const std::string count = m_store->Part("SELECT COUNT(DISTINCT {}.id) {}", kName, SqlRaw{tables}).text;
     const SqlAttachment attached(m_store->Connection(), kUsers);
@@ -195,8 +193,8 @@ bool SqlXmppGWUser::IsUniqueName(const std::string& userId, unsigned long* holde
     return false;
 }
 
-/// Looks first, so that a usual start asks for no address and writes nothing. Each account is looked for once more where
-/// it is added: another process may be starting as well.
+/// Looks first, so that a usual start asks for no address and writes nothing. Each account is looked for once more
+/// where it is added: another process may be starting as well.
 bool SqlXmppGWUser::PopulateDefaultUsers()
 {
     VKXmppGWUser found;

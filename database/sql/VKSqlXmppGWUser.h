@@ -9,7 +9,8 @@ namespace vk {
 
 class SqlStore;
 
-/// The gateway's accounts on any SQL backend. A backend's class derives from it, opens its connection and hands it over.
+/// The gateway's accounts on any SQL backend. A backend's class derives from it, opens its connection and hands it
+/// over.
 class SqlXmppGWUser : public VKDBiXmppGWUser
 {
 public:

@@ -53,11 +53,13 @@ bool GivesWay(int stored, Manager::MsgStatus next)
     case Manager::MsgStatusFailed:
     case Manager::MsgStatusConfirmed:
     case Manager::MsgStatusRejected:
-    case Manager::MsgStatusFiltered: return false;
+    case Manager::MsgStatusFiltered:
+        return false;
     case Manager::MsgStatusReplied:
         return next == Manager::MsgStatusReplied || next == Manager::MsgStatusRejected ||
                next == Manager::MsgStatusConfirmed;
-    default: return true;
+    default:
+        return true;
     }
 }
 
@@ -131,11 +133,10 @@ unsigned long VKMsgStatusManager::Insert(const VKMessageStatusData& data)
 {
     VKSQLite3ResultSet result;
     unsigned long id = 0;
-    const std::string statement =
-        Statement("INSERT INTO report_msg_status (`job_id`, `time_stamp`, `sender_id`, `comments`, `context`, "
-                  "`status`, `arguments`) VALUES ({},{},{},{},{},{},{});",
-                  data.job_id, data.time_stamp, data.sender_id, data.comments, data.context, data.status,
-                  data.arguments);
+    const std::string statement = Statement(
+        "INSERT INTO report_msg_status (`job_id`, `time_stamp`, `sender_id`, `comments`, `context`, "
+        "`status`, `arguments`) VALUES ({},{},{},{},{},{},{});",
+        data.job_id, data.time_stamp, data.sender_id, data.comments, data.context, data.status, data.arguments);
     if (!m_pDatabase->ExecuteInsertQuery(statement, result, id) || id == 0)
         throw kRefused;
     return id;
@@ -299,9 +300,8 @@ bool VKMsgStatusManager::FillStructFromResultSet(VKMessageStatusData& data, VKSQ
     if (row < 0 || row >= result.GetReturnedRowsCount())
         return false;
     int column = 0;
-    vk::ForEachField(vk::kMsgStatusFields, [&](const auto& field) {
-        vk::ReadValue(field.of(data), result[row][column++], field.name);
-    });
+    vk::ForEachField(vk::kMsgStatusFields,
+                     [&](const auto& field) { vk::ReadValue(field.of(data), result[row][column++], field.name); });
     return true;
 }
 

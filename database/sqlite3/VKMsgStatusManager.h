@@ -113,16 +113,12 @@ namespace vk {
 VKMsgStatusManager::MsgStatus MsgStatusOfReport(const std::string& word);
 
 /// The statuses' names; in capitals they are the words of reports.
-inline constexpr CodeText<int> kMsgStatusTexts[] = {{VKMsgStatusManager::MsgStatusNone, "None"},
-                                                    {VKMsgStatusManager::MsgStatusNew, "New"},
-                                                    {VKMsgStatusManager::MsgStatusAttempt, "Attempt"},
-                                                    {VKMsgStatusManager::MsgStatusRead, "Read"},
-                                                    {VKMsgStatusManager::MsgStatusFiltered, "Filtered"},
-                                                    {VKMsgStatusManager::MsgStatusFailed, "Failed"},
-                                                    {VKMsgStatusManager::MsgStatusCompleted, "Completed"},
-                                                    {VKMsgStatusManager::MsgStatusReplied, "Replied"},
-                                                    {VKMsgStatusManager::MsgStatusRejected, "Rejected"},
-                                                    {VKMsgStatusManager::MsgStatusConfirmed, "Confirmed"}};
+inline constexpr CodeText<int> kMsgStatusTexts[] = {
+    {VKMsgStatusManager::MsgStatusNone, "None"},           {VKMsgStatusManager::MsgStatusNew, "New"},
+    {VKMsgStatusManager::MsgStatusAttempt, "Attempt"},     {VKMsgStatusManager::MsgStatusRead, "Read"},
+    {VKMsgStatusManager::MsgStatusFiltered, "Filtered"},   {VKMsgStatusManager::MsgStatusFailed, "Failed"},
+    {VKMsgStatusManager::MsgStatusCompleted, "Completed"}, {VKMsgStatusManager::MsgStatusReplied, "Replied"},
+    {VKMsgStatusManager::MsgStatusRejected, "Rejected"},   {VKMsgStatusManager::MsgStatusConfirmed, "Confirmed"}};
 
 /// The table's columns in order.
 inline constexpr auto kMsgStatusFields =

@@ -14,8 +14,8 @@ namespace vk {
 namespace {
 
 constexpr ColumnWords kWords[] = {{"active_mode", kActivationModes}};
-constexpr const char* kColumns[] = {"id",           "client_name",  "platform",     "active_mode",
-                                    "is_authorized", "is_suspended", "created_time", "receiver"};
+constexpr const char* kColumns[] = {"id",           "client_name",  "platform", "active_mode", "is_authorized",
+                                    "is_suspended", "created_time", "receiver"};
 
 VKDBiActiveMxpClient& Store(const Arguments& arguments)
 {

@@ -76,7 +76,8 @@ int ListGatewayUsers(const Arguments& arguments)
     VKDBiXmppGWUser& store = Store(arguments);
     store.SetFilter(arguments.Text("--name"));
     store.SetFilterAssignedVKUser(IdOption(arguments, "--vk-user-id"));
-    const auto field = CodeOfText(kSorts, arguments.Text("--sort", "name"), static_cast<int>(VKDBiXmppGWUser::SortName));
+    const auto field =
+        CodeOfText(kSorts, arguments.Text("--sort", "name"), static_cast<int>(VKDBiXmppGWUser::SortName));
     store.SetSort(static_cast<VKDBiXmppGWUser::SortFld>(field), !arguments.Has("--descending"));
     const Page page(arguments);
     store.SetFilter(page.size, page.number);

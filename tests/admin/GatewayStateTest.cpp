@@ -54,7 +54,8 @@ TEST_F(Vkadmin, GatewayUsersAreLookedAfterAndTheirPasswordsNeverShown)
     EXPECT_EQ(logins({"--name", "B"}), "bob ");
     EXPECT_EQ(logins({"--sort", "user-id", "--descending", "--page-size", "1", "--page", "2"}), "ann ");
 
-    EXPECT_EQ(Admin({"gateway-user", "modify", "--id", "4", "--user-id", "anna", "--enable-roster", "true"}).exitCode, 0);
+    EXPECT_EQ(Admin({"gateway-user", "modify", "--id", "4", "--user-id", "anna", "--enable-roster", "true"}).exitCode,
+              0);
     EXPECT_EQ(Admin({"gateway-user", "disable", "--user-id", "ANNA"}).exitCode, 0);
     EXPECT_EQ(Admin({"gateway-user", "enable", "--id", "5"}).exitCode, 0);
     const ProgramRun run = Admin({"--json", "gateway-user", "show", "--id", "4"});
@@ -67,7 +68,8 @@ TEST_F(Vkadmin, GatewayUsersAreLookedAfterAndTheirPasswordsNeverShown)
     EXPECT_FALSE(anna.isMember("user_password"));
     EXPECT_THAT(Admin({"gateway-user", "show", "--user-id", "bob"}).out, HasSubstr("enabled: true"));
 
-    ExpectOneLine(Admin({"gateway-user", "add", "--user-id", "ANNA", "--password-file", password}), 1, "4 has the login");
+    ExpectOneLine(Admin({"gateway-user", "add", "--user-id", "ANNA", "--password-file", password}), 1,
+                  "4 has the login");
     ExpectOneLine(Admin({"gateway-user", "modify", "--id", "5", "--user-id", "anna"}), 1, "4 has the login");
     ExpectOneLine(Admin({"gateway-user", "add", "--user-id", std::string(51, 'x'), "--password-file", password}), 2,
                   "--user-id: is longer than 50");

@@ -143,8 +143,10 @@ TEST_P(VKActiveMxpClientTest, TheViewJoinsTheReceiversAndIsFilteredSortedAndPage
         long from;
         long to;
         const char* shown;
-    } filters[] = {{"a", 0, 0, "A1;a2;"}, {"B%", 0, 0, "b%Ann ( Anna, O'Hara );"}, {"%", 0, 0, ""},
-                   {"*", 100, 200, "A1;a2;"}, {"a", 150, 250, "a2;"}, {"a", 200, 200, "A1;a2;"}, {"a", 0, 150, "A1;a2;"}};
+    } filters[] = {{"a", 0, 0, "A1;a2;"},  {"B%", 0, 0, "b%Ann ( Anna, O'Hara );"},
+                   {"%", 0, 0, ""},        {"*", 100, 200, "A1;a2;"},
+                   {"a", 150, 250, "a2;"}, {"a", 200, 200, "A1;a2;"},
+                   {"a", 0, 150, "A1;a2;"}};
     for (const auto& row : filters) {
         clients->SetFilter(row.name, row.from, row.to);
         EXPECT_EQ(View(), row.shown) << row.name << row.from;

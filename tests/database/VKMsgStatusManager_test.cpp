@@ -56,7 +56,8 @@ protected:
     }
     std::string All()
     {
-        return Found([&](auto& list) { return store.GetFromDB("SELECT * FROM report_msg_status ORDER BY msg_id", list); });
+        return Found(
+            [&](auto& list) { return store.GetFromDB("SELECT * FROM report_msg_status ORDER BY msg_id", list); });
     }
 
     std::string Value(const std::string& query) const
@@ -136,8 +137,8 @@ TEST_F(VKMsgStatusManagerTest, ALaterStateOfAJobIsNeverOverwrittenByAnEarlierOne
 {
     // What of the new statuses 0 to 9 a stored status gives way to, at the same time and later.
     constexpr const char* kAll = "0123456789";
-    const std::pair<int, std::string> cases[] = {{0, kAll}, {1, kAll}, {2, kAll}, {3, kAll}, {4, ""},
-                                                 {5, ""},   {6, kAll}, {7, "789"}, {8, ""},  {9, ""}};
+    const std::pair<int, std::string> cases[] = {{0, kAll}, {1, kAll}, {2, kAll},  {3, kAll}, {4, ""},
+                                                 {5, ""},   {6, kAll}, {7, "789"}, {8, ""},   {9, ""}};
     for (const auto& [stored, takes] : cases)
         for (int next = 0; next <= 9; ++next)
             for (const long later : {-1, 0, 1}) {
@@ -180,9 +181,9 @@ TEST_F(VKMsgStatusManagerTest, AListIsStoredInOrderAndWholeOrNotAtAll)
 
 TEST_F(VKMsgStatusManagerTest, RowsAreFoundBySenderStatusAndJobs)
 {
-    for (const auto& [job, status, sender] : {std::tuple("A", Status::MsgStatusNew, 1),
-                                              std::tuple("B", Status::MsgStatusRead, 1),
-                                              std::tuple("C", Status::MsgStatusNew, 2)}) {
+    for (const auto& [job, status, sender] :
+         {std::tuple("A", Status::MsgStatusNew, 1), std::tuple("B", Status::MsgStatusRead, 1),
+          std::tuple("C", Status::MsgStatusNew, 2)}) {
         Data data = Report(job, 1, status, sender);
         ASSERT_TRUE(store.Add(data));
     }
@@ -196,16 +197,23 @@ TEST_F(VKMsgStatusManagerTest, RowsAreFoundBySenderStatusAndJobs)
         const std::vector<std::string>* jobs;
         const char* got;
         const char* whateverStatus;
-    } cases[] = {{0, 0, nullptr, "A1 B3 C1 ", "A1 B3 C1 "}, {1, 0, nullptr, "A1 B3 ", "A1 B3 "},
-                 {-1, 1, nullptr, "A1 C1 ", "A1 B3 C1 "},   {1, 1, nullptr, "A1 ", "A1 B3 "},
-                 {0, 0, &jobs, "A1 B3 ", "A1 B3 "},         {2, 0, &jobs, "", ""},
-                 {0, 3, &jobs, "B3 ", "A1 B3 "},            {1, 1, &jobs, "A1 ", "A1 B3 "},
-                 {0, 0, &noJobs, "failed", "A1 B3 C1 "},    {1, 0, &noJobs, "A1 B3 ", "A1 B3 "},
-                 {0, 1, &noJobs, "A1 C1 ", "A1 B3 C1 "},    {0, 0, &quoted, "failed", "failed"}};
+    } cases[] = {{0, 0, nullptr, "A1 B3 C1 ", "A1 B3 C1 "},
+                 {1, 0, nullptr, "A1 B3 ", "A1 B3 "},
+                 {-1, 1, nullptr, "A1 C1 ", "A1 B3 C1 "},
+                 {1, 1, nullptr, "A1 ", "A1 B3 "},
+                 {0, 0, &jobs, "A1 B3 ", "A1 B3 "},
+                 {2, 0, &jobs, "", ""},
+                 {0, 3, &jobs, "B3 ", "A1 B3 "},
+                 {1, 1, &jobs, "A1 ", "A1 B3 "},
+                 {0, 0, &noJobs, "failed", "A1 B3 C1 "},
+                 {1, 0, &noJobs, "A1 B3 ", "A1 B3 "},
+                 {0, 1, &noJobs, "A1 C1 ", "A1 B3 C1 "},
+                 {0, 0, &quoted, "failed", "failed"}};
     for (const auto& row : cases) {
         SCOPED_TRACE(testing::Message() << row.sender << " " << row.status);
-        EXPECT_EQ(Found([&](auto& list) { return store.Get(list, row.sender, static_cast<Status>(row.status), row.jobs); }),
-                  row.got);
+        EXPECT_EQ(
+            Found([&](auto& list) { return store.Get(list, row.sender, static_cast<Status>(row.status), row.jobs); }),
+            row.got);
         EXPECT_EQ(Found([&](auto& list) { return store.GetConfNRejectedMsgs(list, row.sender, row.jobs); }),
                   row.whateverStatus);
     }
@@ -218,7 +226,8 @@ TEST_F(VKMsgStatusManagerTest, RowsAreFoundBySenderStatusAndJobs)
 
 TEST_F(VKMsgStatusManagerTest, RowsGoByJobAndByAge)
 {
-    for (const auto& [job, time] : {std::pair("A", 10L), std::pair("A", 20L), std::pair("B", 30L), std::pair("C", 40L)}) {
+    for (const auto& [job, time] :
+         {std::pair("A", 10L), std::pair("A", 20L), std::pair("B", 30L), std::pair("C", 40L)}) {
         Data data = Report(job, time, Status::MsgStatusNew);
         ASSERT_TRUE(store.Add(data));
     }

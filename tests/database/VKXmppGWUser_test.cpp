@@ -225,7 +225,8 @@ TEST_P(VKXmppGWUserTest, TheViewIsFilteredSortedAndPaged)
 {
     AddServerUser(1, "root");
     AddServerUser(2, "Operator");
-    const auto add = [&](const char* login, const char* name, VKXmppGWUserType type, unsigned long owner, bool enabled) {
+    const auto add = [&](const char* login, const char* name, VKXmppGWUserType type, unsigned long owner,
+                         bool enabled) {
         VKXmppGWUser user = User(login, name);
         user.type = type;
         user.vk_user_id = owner;
@@ -261,9 +262,14 @@ TEST_P(VKXmppGWUserTest, TheViewIsFilteredSortedAndPaged)
     EXPECT_EQ(View(), "a/Operator ");
     users->SetFilterAssignedVKUser(0);
 
-    const std::pair<const char*, const char*> filters[] = {
-        {"*", "C b/root a/Operator "}, {"", "C b/root a/Operator "}, {"B", "b/root "}, {"bob%", "b/root "},
-        {"%", ""},                     {"cy_", "a/Operator "},       {"b_", ""},       {"'", ""}};
+    const std::pair<const char*, const char*> filters[] = {{"*", "C b/root a/Operator "},
+                                                           {"", "C b/root a/Operator "},
+                                                           {"B", "b/root "},
+                                                           {"bob%", "b/root "},
+                                                           {"%", ""},
+                                                           {"cy_", "a/Operator "},
+                                                           {"b_", ""},
+                                                           {"'", ""}};
     users->ClearSort();
     for (const auto& [filter, shown] : filters) {
         users->SetFilter(filter);
@@ -298,7 +304,8 @@ TEST_P(VKXmppGWUserTest, RecordsFromAnotherBackendKeepTheirIds)
     EXPECT_EQ(store->GetIDByName("b"), 71u);
     EXPECT_GT(Add(User("c", "c")), 71u);
     moved[0].id = 90;
-    EXPECT_THAT(ErrorOf([&] { store->ConvertRecords(moved); }), testing::HasSubstr("Execution of insert query failed."));
+    EXPECT_THAT(ErrorOf([&] { store->ConvertRecords(moved); }),
+                testing::HasSubstr("Execution of insert query failed."));
     EXPECT_FALSE(store->IsXmppGWUserPresent(90)) << "all or none";
 }
 
