@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <memory>
 #include <string>
 
@@ -40,6 +41,18 @@ public:
     std::shared_ptr<VKRDBiDatabase> GetDatabaseInstance();
     void SetCustomDatabaseInstance(std::shared_ptr<VKRDBiDatabase> database);
 
+    /// Gets the calling thread's connection ready for the next entity that the thread makes: opened when there is none,
+    /// opened anew when it is dead. Does nothing in the file database, or when each entity opens a connection of its
+    /// own. Throws VKDBexception when it cannot be opened.
+    void PrepareThreadConnection(std::shared_ptr<VKRDBiDatabase>& connection);
+
+    /// Opens the connection that all share anew when it is dead.
+    void ReviveSharedConnection();
+
+    /// How often a statement has found its connection to the server lost, in this process.
+    static unsigned long GetLostConnections() { return lost_Connections; }
+    static void NoteLostConnection() { ++lost_Connections; }
+
     VKsysEventLogInterface* GetEventLog() const { return event_Log; }
 
     /// Where all database files stand: "config" in the data root directory when there is one, else the configuration
@@ -66,5 +79,8 @@ public:
     static inline VK_QUEUE_DIRECTORY_PATH* queue_Directory = nullptr;
     static inline int num_Queues = 0;
     static inline std::shared_ptr<VKRDBiDatabase> rdb_database;
-    static inline std::shared_ptr<VKRDBiDatabase> rdb_database_custom;
+    static inline thread_local std::shared_ptr<VKRDBiDatabase> rdb_database_custom; ///< of the thread that set it
+
+private:
+    static inline std::atomic<unsigned long> lost_Connections{0};
 };

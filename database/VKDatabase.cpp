@@ -89,19 +89,7 @@ bool VKDatabase::OpenLocked()
     try {
         VKConfiguration* const configuration = VKConfiguration::getVKConfiguration();
         FollowGlobalSettings(*configuration);
-        const VK_DATA_SOURCE* const source = configuration->getDataSource(true);
-        if (source == nullptr)
-            throw VKDBexception(vk::DbError::General, __FILE__, __LINE__,
-                                "The file [" +
-                                    VKConfiguration::createPath(configuration->getConfDirectory(false), "datasource") +
-                                    "] cannot be read.");
-        if (source->database_type == DbTypeOdbc)
-            throw VKDBexception(
-                vk::DbError::General, __FILE__, __LINE__,
-                "The data source names a relational database; only the file database (\"Sdb\") can be opened.");
-        m_dbSystem.OpenSdb(configuration->getConfDirectory(false), configuration->getRootDirectory(false),
-                           configuration->getDirectory(false), configuration->getQueueDirectory(false),
-                           configuration->getQueueDirectoryCount(false), m_pEventLog);
+        OpenSource(*configuration);
         m_bReady = true;
         return true;
     } catch (const VKDBexception& failure) {
@@ -110,6 +98,29 @@ bool VKDatabase::OpenLocked()
         SetLastError("Error.");
     }
     return false;
+}
+
+void VKDatabase::OpenSource(VKConfiguration& configuration)
+{
+    const VK_DATA_SOURCE* const source = configuration.getDataSource(true);
+    if (source == nullptr)
+        throw VKDBexception(vk::DbError::General, __FILE__, __LINE__,
+                            "The file [" +
+                                VKConfiguration::createPath(configuration.getConfDirectory(false), "datasource") +
+                                "] cannot be read.");
+    if (source->database_type == DbTypeOdbc) {
+        m_dbSystem.OpenDatabase(source->connect_string, source->user, source->password, DbTypeOdbc,
+                                configuration.getDirectory(false), source->oracle, m_bMultiThreaded,
+                                source->uses_dsn, m_pEventLog);
+        // The fax and voice queues are files on every installation.
+        VKDBsystem::sys_Config_Dir = configuration.getConfDirectory(false);
+        VKDBsystem::queue_Directory = configuration.getQueueDirectory(false);
+        VKDBsystem::num_Queues = configuration.getQueueDirectoryCount(false);
+        return;
+    }
+    m_dbSystem.OpenSdb(configuration.getConfDirectory(false), configuration.getRootDirectory(false),
+                       configuration.getDirectory(false), configuration.getQueueDirectory(false),
+                       configuration.getQueueDirectoryCount(false), m_pEventLog);
 }
 
 bool VKDatabase::closeDatabase()
@@ -142,7 +153,7 @@ template <class Entity, class... Keys> Entity* VKDatabase::ObjectOf(const std::s
         Entity* object = nullptr;
         if (isKeyInCache(key))
             object = static_cast<Entity*>(getCacheLine(key)->get());
-        if (object == nullptr) {
+        if (object == nullptr || object->IsConnectionStale()) {
             preprocessDbSystem();
             object = Entity::CreateInstance(&m_dbSystem, keys...);
         }
@@ -176,7 +187,12 @@ VKDBiMessageQueue* VKDatabase::getVKDBiMessageQueueObject(int queueNumber, const
                                        queueNumber, serviceName);
 }
 
-void VKDatabase::preprocessDbSystem() {}
+void VKDatabase::preprocessDbSystem()
+{
+    if (VKDBsystem::db_Type == DbTypeOdbc && !VKDBsystem::mutiple_Connections)
+        m_dbSystem.ReviveSharedConnection();
+}
+
 void VKDatabase::resetCache() { m_cache.clear(); }
 void VKDatabase::adjustCache() { TakeOld(m_cache); }
 bool VKDatabase::isKeyInCache(const std::string& key) { return m_cache.count(key) != 0; }

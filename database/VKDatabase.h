@@ -35,7 +35,8 @@ public:
     VKDatabase(const VKDatabase&) = delete;
     VKDatabase& operator=(const VKDatabase&) = delete;
 
-    /// What a thread needs before it makes an entity object: nothing, as long as each object holds its own handle.
+    /// Gets ready what the next entity object works on: a connection to a relational server that was lost is opened
+    /// anew. In the file database each object holds its own handle, and there is nothing to do.
     virtual void preprocessDbSystem();
 
     // The cache. A line lives 1800 seconds from its last store or setCacheLineExpiry; until adjustCache removes it, an
@@ -80,6 +81,8 @@ protected:
 
     using Cache = std::map<std::string, CacheLine>;
 
+    VKDBsystem& System() { return m_dbSystem; }
+
     /// The time that expiry is counted in.
     virtual time_t Now() const;
 
@@ -91,6 +94,7 @@ protected:
 private:
     template <class Entity, class... Keys> Entity* ObjectOf(const std::string& key, const Keys&... keys);
     bool OpenLocked();
+    void OpenSource(VKConfiguration& configuration);
     bool EnsureOpen();
     void SetLastError(const std::string& text);
 

@@ -28,6 +28,20 @@ ThreadDbConn& VKDatabaseMultiThreaded::MyEntry()
     return m_mapThreads[thread];
 }
 
+/// The connection is opened and tested outside the lock: a server that does not answer holds up its own thread only.
+/// Nobody but its thread touches an entry while that thread lives.
+void VKDatabaseMultiThreaded::preprocessDbSystem()
+{
+    if (VKDBsystem::db_Type == DbTypeSdb)
+        return; // each object holds its own handle
+    std::shared_ptr<VKRDBiDatabase>* connection = nullptr;
+    {
+        const vk::ScopedSection held(m_lock);
+        connection = &MyEntry().connection;
+    }
+    System().PrepareThreadConnection(*connection);
+}
+
 bool VKDatabaseMultiThreaded::isKeyInCache(const std::string& key)
 {
     const vk::ScopedSection held(m_lock);

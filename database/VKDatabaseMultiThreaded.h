@@ -12,6 +12,7 @@ class VKDatabaseMultiThreaded : public VKDatabase
 public:
     ~VKDatabaseMultiThreaded() override;
 
+    void preprocessDbSystem() override;
     void resetCache() override;
     void adjustCache() override;
     bool isKeyInCache(const std::string& key) override;

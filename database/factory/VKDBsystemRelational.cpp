@@ -57,3 +57,20 @@ void VKDBsystem::SetCustomDatabaseInstance(std::shared_ptr<VKRDBiDatabase> datab
 {
     rdb_database_custom = std::move(database);
 }
+
+void VKDBsystem::PrepareThreadConnection(std::shared_ptr<VKRDBiDatabase>& connection)
+{
+    if (db_Type != DbTypeOdbc || mutiple_Connections)
+        return;
+    if (!connection)
+        connection = CreateNewDatabaseInstance();
+    else
+        connection->TestNReconnect(); // one that stays dead tells why with the first statement
+    SetCustomDatabaseInstance(connection);
+}
+
+void VKDBsystem::ReviveSharedConnection()
+{
+    if (rdb_database)
+        rdb_database->TestNReconnect();
+}

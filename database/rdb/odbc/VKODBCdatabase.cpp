@@ -2,9 +2,11 @@
 
 #include <cstdlib>
 #include <memory>
+#include <string_view>
 #include <strings.h>
 
 #include "VKDBexception.h"
+#include "VKDBsystem.h"
 
 namespace {
 
@@ -34,7 +36,11 @@ struct SqlError
 {
     int code = vk::DbError::General;
     std::string text;
+    bool connectionLost = false;
 };
+
+/// SQLSTATE class 08, and the server's own word for being shut down.
+bool TellsOfLostConnection(std::string_view state) { return state.substr(0, 2) == "08" || state.substr(0, 4) == "57P0"; }
 
 /// The diagnostics of a handle, one a line, with the native code of the first.
 SqlError GetSQLError(SQLSMALLINT kind, SQLHANDLE handle)
@@ -54,6 +60,7 @@ SqlError GetSQLError(SQLSMALLINT kind, SQLHANDLE handle)
             return error;
         if (record == 1)
             error.code = native;
+        error.connectionLost |= TellsOfLostConnection(reinterpret_cast<const char*>(state));
         error.text.append(reinterpret_cast<const char*>(message)).append("\n");
     }
 }
@@ -61,6 +68,8 @@ SqlError GetSQLError(SQLSMALLINT kind, SQLHANDLE handle)
 [[noreturn]] void ThrowQueryError(SQLHSTMT statement, const std::string& text)
 {
     const SqlError error = GetSQLError(SQL_HANDLE_STMT, statement);
+    if (error.connectionLost)
+        VKDBsystem::NoteLostConnection(); // what works on a connection of that time is made anew
     throw VKDBexception(error.code, __FILE__, __LINE__, "SQL query[" + text + "]", error.text);
 }
 
@@ -146,6 +155,8 @@ std::string VKODBCdatabase::PreprocessSqlStringCopy(const std::string& text, std
 void VKODBCdatabase::ThrowConnectionError(const char* what) const
 {
     const SqlError error = GetSQLError(SQL_HANDLE_DBC, m_hConnection);
+    if (error.connectionLost)
+        VKDBsystem::NoteLostConnection();
     throw VKDBexception(error.code, __FILE__, __LINE__, what + (" [" + GetSourceName()) + "]: " + error.text, error.text);
 }
 
