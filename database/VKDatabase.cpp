@@ -41,6 +41,9 @@ VKDatabase::VKDatabase(VKsysEventLogInterface* eventLog, bool multiThreaded)
 
 VKDatabase::~VKDatabase()
 {
+    m_cache.clear();
+    if (m_bReady)
+        m_dbSystem.Close();
     const std::lock_guard<std::mutex> lock(s_instanceLock);
     if (me == this)
         me = nullptr;

@@ -30,7 +30,7 @@ namespace vk {
 /// num_receivers is written once: a change of the record must not undo what was counted since it was read.
 inline constexpr Table kDepartmentTable{TableName{"department", "VK_DEPARTMENT"},
                                         Fields(Field<&VK_DEPARTMENT::id>("id", PrimaryKey{}),
-                                               Field<&VK_DEPARTMENT::name>("name", NotNull{}),
+                                               Field<&VK_DEPARTMENT::name>("name", NotNull{}, Indexed{"ix_department_name"}),
                                                Field<&VK_DEPARTMENT::description>("description", NotNull{}),
                                                Field<&VK_DEPARTMENT::max_receivers>("max_receivers"),
                                                Field<&VK_DEPARTMENT::num_receivers>("num_receivers", WrittenOnce{}))};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "VKDepartment.h"
 #include "VKTableField.h"
 
 /// \file
@@ -78,18 +79,24 @@ void EmptyReceiverAttributeList(VK_RECEIVER_ATTRIBUTE_LIST* list);
 
 namespace vk {
 
-inline constexpr Table kReceiverDeptTable{TableName{"receiver_dept", "VK_RECEIVER_DEPT"},
-                                          Fields(Field<&VK_DEPT_RIGHTS::id>("id", PrimaryKey{}),
-                                                 Field<&VK_DEPT_RIGHTS::owner_id>("owner_id"),
-                                                 Field<&VK_DEPT_RIGHTS::department_id>("department_id"))};
+inline constexpr TableName kReceiverName{"receiver", "VK_RECEIVER"};
 
-inline constexpr Table kDisableHistoryTable{TableName{"recv_disable_history", "VK_RECV_DISABLE_HISTORY"},
-                                            Fields(Field<&VK_DISABLE_HISTORY::id>("id", PrimaryKey{}),
-                                                   Field<&VK_DISABLE_HISTORY::receiver_id>("receiver_id"),
-                                                   Field<&VK_DISABLE_HISTORY::disable_start_date>("disable_start_date"),
-                                                   Field<&VK_DISABLE_HISTORY::disable_end_date>("disable_end_date"),
-                                                   Field<&VK_DISABLE_HISTORY::forward_to_id>("forward_to_id"),
-                                                   Field<&VK_DISABLE_HISTORY::forward_to_number>("forward_to_number"))};
+inline constexpr Table kReceiverDeptTable{
+    TableName{"receiver_dept", "VK_RECEIVER_DEPT"},
+    Fields(Field<&VK_DEPT_RIGHTS::id>("id", PrimaryKey{}),
+           Field<&VK_DEPT_RIGHTS::owner_id>("owner_id", Indexed{"ix_rcvrdept_owner_id"},
+                                            References{kReceiverName, Reference::OwningRow}),
+           Field<&VK_DEPT_RIGHTS::department_id>("department_id", Indexed{"ix_rcvrdept_dept_id"},
+                                                 References{kDepartmentTable.name}))};
+
+inline constexpr Table kDisableHistoryTable{
+    TableName{"recv_disable_history", "VK_RECV_DISABLE_HISTORY"},
+    Fields(Field<&VK_DISABLE_HISTORY::id>("id", PrimaryKey{}),
+           Field<&VK_DISABLE_HISTORY::receiver_id>("receiver_id", References{kReceiverName, Reference::OwningRow}),
+           Field<&VK_DISABLE_HISTORY::disable_start_date>("disable_start_date"),
+           Field<&VK_DISABLE_HISTORY::disable_end_date>("disable_end_date"),
+           Field<&VK_DISABLE_HISTORY::forward_to_id>("forward_to_id"),
+           Field<&VK_DISABLE_HISTORY::forward_to_number>("forward_to_number"))};
 
 inline constexpr Table kAttributeTable{
     TableName{"attribute", "VK_ATTRIBUTE"},
@@ -100,8 +107,10 @@ inline constexpr Table kAttributeTable{
 inline constexpr Table kReceiverAttributeTable{
     TableName{"recv_attribute", "VK_RECV_ATTRIBUTE"},
     Fields(Field<&VK_RECEIVER_ATTRIBUTE::id>("id", PrimaryKey{}),
-           Field<&VK_RECEIVER_ATTRIBUTE::receiver_id>("receiver_id", NotNull{}),
-           Field<&VK_RECEIVER_ATTRIBUTE::attribute_id>("attribute_id", NotNull{}),
+           Field<&VK_RECEIVER_ATTRIBUTE::receiver_id>("receiver_id", NotNull{},
+                                                      References{kReceiverName, Reference::OwningRow}),
+           Field<&VK_RECEIVER_ATTRIBUTE::attribute_id>("attribute_id", NotNull{},
+                                                       References{kAttributeTable.name, Reference::OwningRow}),
            Field<&VK_RECEIVER_ATTRIBUTE::attribute_values>("attribute_values"))};
 
 } // namespace vk

@@ -57,6 +57,26 @@ struct TableName
     const char* relational;
 };
 
+/// There is an index of this name over the column.
+struct Indexed
+{
+    const char* name;
+};
+
+enum class Reference {
+    Row,        ///< of a row that must be there, and cannot go while it is referred to
+    RowOrZero,  ///< the same, but 0 stands for none
+    OwningRow   ///< of the row that this one belongs to and goes with
+};
+
+/// The column holds the id of a row of another table. A relational server keeps watch over it; in the file database the
+/// tables may stand in different files, and the layers above do.
+struct References
+{
+    TableName table;
+    Reference kind = Reference::Row;
+};
+
 /// A table: its names and its columns in order.
 template <class Fields> struct Table
 {

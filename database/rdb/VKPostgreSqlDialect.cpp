@@ -33,4 +33,15 @@ std::string PostgreSqlDialect::KeepIdentity(const TableName& table, bool on) con
     return on ? "" : "SELECT setval(pg_get_serial_sequence('" + name + "', 'id'), (SELECT MAX(id) FROM " + name + "))";
 }
 
+std::string PostgreSqlDialect::NullForZeroColumn(std::string_view name, std::string_view of) const
+{
+    return std::string(name) + " BIGINT GENERATED ALWAYS AS (NULLIF(" + std::string(of) + ", 0)) STORED";
+}
+
+std::string PostgreSqlDialect::IndexTerm(ColumnKind kind, std::string_view column) const
+{
+    const std::string name(column);
+    return kind == ColumnKind::Varchar ? "UPPER(" + name + ")" : name;
+}
+
 } // namespace vk

@@ -22,6 +22,8 @@ public:
     std::string SelectEnd() const override { return ""; }
     std::string InsertEnd() const override { return " RETURNING id"; }
     std::string UpdateEnd() const override { return ""; }
+    std::string NullForZeroColumn(std::string_view name, std::string_view of) const override;
+    std::string IndexTerm(ColumnKind kind, std::string_view column) const override;
     /// A row takes the id it is given at any time; what counts the ids has to be told afterwards.
     std::string KeepIdentity(const TableName& table, bool on) const override;
 };

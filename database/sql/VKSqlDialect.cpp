@@ -67,4 +67,9 @@ std::string SqlDialect::WithFirstLetter(std::string_view column, char letter) co
     return Text({&letter, 1}) + "||substr(" + std::string(column) + ", 2)";
 }
 
+std::string SqlDialect::NullForZeroColumn(std::string_view name, std::string_view of) const
+{
+    return std::string(name) + " AS NULLIF(" + std::string(of) + ", 0) PERSISTED";
+}
+
 } // namespace vk

@@ -73,6 +73,12 @@ public:
     virtual std::string InsertEnd() const { return ";"; }
     virtual std::string UpdateEnd() const { return ";"; }
 
+    /// A column that is NULL where another one is 0, as part of CREATE TABLE on a relational server.
+    virtual std::string NullForZeroColumn(std::string_view name, std::string_view of) const;
+
+    /// What an index over a column is over, so that tests of it without regard to case can use the index.
+    virtual std::string IndexTerm(ColumnKind, std::string_view column) const { return std::string(column); }
+
     /// The statement that lets a table take the ids it is given, or ends that; empty where it always does.
     virtual std::string KeepIdentity(const TableName& table, bool on) const = 0;
 

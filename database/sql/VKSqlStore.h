@@ -83,12 +83,25 @@ public:
     {
         if (count == 0)
             return;
-        SwitchKeepIdentity(table.name, true);
-        for (int i = 0; i < count; ++i)
-            RequireSameId(
-                Renaming(failure, [&] { return InsertRow(table, records[i], RowId::FromRecord); }), records[i].id,
-                what);
-        SwitchKeepIdentity(table.name, false);
+        KeepingIds(table.name, [&] {
+            for (int i = 0; i < count; ++i)
+                Renaming(failure, [&] { InsertRowWithId(table, records[i], what); });
+        });
+    }
+
+    /// Runs a body that inserts rows with the ids that they carry.
+    template <class Body> void KeepingIds(const TableName& table, Body&& body)
+    {
+        SwitchKeepIdentity(table, true);
+        body();
+        SwitchKeepIdentity(table, false);
+    }
+
+    /// Stores one of them.
+    template <class Fields, class Record>
+    void InsertRowWithId(const Table<Fields>& table, const Record& record, const char* what)
+    {
+        RequireSameId(InsertRow(table, record, RowId::FromRecord), record.id, what);
     }
 
     /// Runs a body; an error of it is thrown on with another message, and its own as system message.

@@ -7,10 +7,8 @@ const VKSQLite3TableDesc VKSQLite3Department::tTableDesc[1] = {
 
 bool VKSQLite3Department::Initialize(VKDBsystem* system)
 {
-    static constexpr vk::SQLite3Index kIndexes[] = {{"ix_department_name", "department", "name"}};
-
     auto connection = vk::OpenEntityFile(*system, {"departments.sdb", tTableDesc, 1});
-    vk::CreateIndexes(*connection, kIndexes, std::size(kIndexes));
+    vk::CreateIndexes(*connection, vk::kDepartmentTable);
     UseStore(std::make_unique<vk::SqlStore>(std::move(connection), kStatementLimit));
     return VKDBbaseInterface::Initialize(system);
 }

@@ -36,6 +36,20 @@ std::unique_ptr<SQLite3Connection> OpenEntityFile(const VKDBsystem& system, cons
 /// Makes the indexes that are missing, all in one transaction.
 void CreateIndexes(SQLite3Connection& connection, const SQLite3Index* indexes, std::size_t count);
 
+/// Those of tables, as their fields are marked.
+template <class... Fields> void CreateIndexes(SQLite3Connection& connection, const Table<Fields>&... tables)
+{
+    std::vector<SQLite3Index> indexes;
+    const auto gather = [&](const auto& table) {
+        ForEachField(table.fields, [&](const auto& field) {
+            if constexpr (std::decay_t<decltype(field)>::template has<Indexed>)
+                indexes.push_back({field.template mark<Indexed>().name, table.name.file, field.name});
+        });
+    };
+    (gather(tables), ...);
+    CreateIndexes(connection, indexes.data(), indexes.size());
+}
+
 /// The names of a table's columns; empty when there is no such table.
 std::vector<std::string> ColumnNames(SQLite3Connection& connection, const char* table);
 

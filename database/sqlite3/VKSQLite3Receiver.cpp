@@ -14,19 +14,6 @@ template <const auto& kTable> VKSQLite3TableDesc Description()
     return {kTable.name.file, vk::SQLite3Columns<kTable>()};
 }
 
-constexpr vk::SQLite3Index kIndexes[] = {{"ix_receiver_name", "receiver", "name"},
-                                         {"ix_receiver_dept_id", "receiver", "department_id"},
-                                         {"ix_receiver_carr_id", "receiver", "carrier_id"},
-                                         {"ix_receiver_owner_id", "receiver", "owner_id"},
-                                         {"ix_receiver_voice_enable", "receiver", "voice_enable"},
-                                         {"ix_receiver_status_code", "receiver", "status_code"},
-                                         {"ix_receiver_forward_to", "receiver", "forward_to_id"},
-                                         {"ix_rcvrdept_owner_id", "receiver_dept", "owner_id"},
-                                         {"ix_rcvrdept_dept_id", "receiver_dept", "department_id"},
-                                         {"ix_rcvrschd_owner_id", "receiver_schd", "owner_id"},
-                                         {"ix_rcvrschd_name", "receiver_schd", "name"},
-                                         {"ix_rcvrschd_archived", "receiver_schd", "archived"}};
-
 constexpr const char* kUnreadable = "The Receiver table could not be accessed.";
 
 /// What a file of 4.7 has: all columns but the last.
@@ -77,7 +64,7 @@ bool VKSQLite3Receiver::Initialize(VKDBsystem* system)
     auto connection = vk::OpenEntityFile(*system, {"receivers.sdb", tTableDesc, 6});
     ConvertTable(*connection);
     ConvertTableFrom4_7(*connection);
-    vk::CreateIndexes(*connection, kIndexes, std::size(kIndexes));
+    vk::CreateIndexes(*connection, vk::kReceiverTable, vk::kReceiverDeptTable, vk::kReceiverScheduleTable);
     UseStore(std::make_unique<vk::SqlStore>(std::move(connection), kStatementLimit, kReadLimit));
     return true;
 }

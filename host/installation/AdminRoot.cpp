@@ -13,26 +13,27 @@ constexpr const char* kNeededFiles[] = {"dir", "datasource"};
 
 } // namespace
 
-std::string UseRoot(const Arguments& arguments)
+std::string UseRoot(const std::string& given, const std::string& option)
 {
-    const std::string given = arguments.Text("--root");
     std::error_code error;
     const auto root = std::filesystem::canonical(given, error);
     if (error)
-        throw InputError("--root: " + given + ": " + error.message());
+        throw InputError(option + ": " + given + ": " + error.message());
     const auto config = root / "config";
     for (const char* name : kNeededFiles)
         if (!std::filesystem::is_regular_file(config / name, error))
-            throw InputError("--root: " + (config / name).string() + " is missing; \"init\" makes a new root");
+            throw InputError(option + ": " + (config / name).string() + " is missing; \"init\" makes a new root");
     VKConfiguration& configuration = *VKConfiguration::getVKConfiguration();
     configuration.setConfDirectory(config);
     configuration.loadPrimaryConfiguration(true);
-    const VK_DATA_SOURCE* const source = configuration.getDataSource(false);
+    const VK_DATA_SOURCE* const source = configuration.getDataSource(true);
     if (source == nullptr || source->database_type == 0)
-        throw InputError("--root: " + (config / "datasource").string() +
+        throw InputError(option + ": " + (config / "datasource").string() +
                          (source == nullptr ? " cannot be read" : " names no database_type that is known"));
     return root;
 }
+
+std::string UseRoot(const Arguments& arguments) { return UseRoot(arguments.Text("--root"), "--root"); }
 
 VKDatabase& UseDatabase(const Arguments& arguments)
 {

@@ -11,6 +11,8 @@ namespace vk {
 /// The installation root that "--root" names, as the library's configuration. One for the process; it must be there.
 /// Throws InputError that names the directory or file at fault.
 std::string UseRoot(const Arguments& arguments);
+/// The same for a root that another option names; the last one used is the library's configuration.
+std::string UseRoot(const std::string& given, const std::string& option);
 
 /// The database of the root. Throws std::runtime_error with the database's own words when it cannot be opened.
 VKDatabase& UseDatabase(const Arguments& arguments);

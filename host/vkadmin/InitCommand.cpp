@@ -80,13 +80,45 @@ void WriteLogSettings(const fs::path& root)
         throw InputError("--root: " + config + "/vklogs.ini cannot be written");
 }
 
-void MakeRoot(const fs::path& root)
+std::string FirstLine(const std::string& path)
+{
+    std::ifstream in(path);
+    std::string line;
+    if (!std::getline(in, line))
+        throw InputError("--db-password-file: " + path + " cannot be read, or is empty");
+    return line;
+}
+
+std::string DataSource(const Arguments& arguments)
+{
+    if (!arguments.Has("--dsn")) {
+        if (arguments.Has("--db-user") || arguments.Has("--db-password-file"))
+            throw UsageError("--db-user and --db-password-file go with --dsn");
+        return "database_type:\tSdb\n";
+    }
+    std::string text =
+        "database_type:\tOdbc\ndb_connect_type:\tDSN\ndb_connect_string:\t" + arguments.Text("--dsn") + "\n";
+    if (arguments.Has("--db-user"))
+        text += "db_user:\t" + arguments.Text("--db-user") + "\n";
+    if (arguments.Has("--db-password-file"))
+        text += "db_password:\t" + FirstLine(arguments.Text("--db-password-file")) + "\n";
+    return text;
+}
+
+void KeepPrivate(const fs::path& file)
+{
+    fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+}
+
+void MakeRoot(const fs::path& root, const std::string& dataSource)
 {
     for (const char* folder : kOtherFolders)
         MakeFolder(root / folder);
     const fs::path config = root / "config";
     WriteNew(config / "version", VK_VERSION "\n");
-    WriteNew(config / "datasource", "database_type:\tSdb\n");
+    WriteNew(config / "datasource", dataSource);
+    if (dataSource.find("db_password:") != std::string::npos)
+        KeepPrivate(config / "datasource");
     VKConfiguration& configuration = *VKConfiguration::getVKConfiguration();
     configuration.setConfDirectory(config);
     WriteDirectories(root, configuration);
@@ -97,9 +129,10 @@ void MakeRoot(const fs::path& root)
 
 int RunInit(const Arguments& arguments)
 {
+    const std::string dataSource = DataSource(arguments);
     const fs::path root = CheckedNewRoot(arguments.Text("--root"));
     try {
-        MakeRoot(root);
+        MakeRoot(root, dataSource);
     } catch (...) {
         // Half a root would only be in the way of the next try. There was nothing in it before.
         std::error_code ignored;

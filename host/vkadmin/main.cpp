@@ -1,4 +1,5 @@
 #include "ClientCommands.h"
+#include "DatabaseCommands.h"
 #include "DepartmentNoun.h"
 #include "GatewayUserCommands.h"
 #include "InitCommand.h"
@@ -15,6 +16,12 @@ using vk::Need;
 constexpr vk::Option kProgramOptions[] = {
     {"--root", "DIR", "The installation root.", Need::Required},
     {"--json", nullptr, "JSON, one object a line."},
+};
+
+constexpr vk::Option kInit[] = {
+    {"--dsn", "NAME", "The records go to the relational server of this ODBC data source, not to files."},
+    {"--db-user", "NAME", "Who logs in there."},
+    {"--db-password-file", "FILE", "A file whose first line is the password."},
 };
 
 constexpr vk::Option kSessionAdd[] = {
@@ -149,12 +156,19 @@ constexpr vk::Option kPacketMake[] = {
      "none|text|xml|json|base64|cdata"},
 };
 
+constexpr vk::Option kSchema[] = {
+    {"--dialect", "NAME", "What the server speaks.", Need::Required, "tsql|postgresql"}};
+constexpr vk::Option kConvert[] = {
+    {"--from", "ROOT", "The root whose records are copied; it is only read.", Need::Required},
+    {"--to", "ROOT", "The root that gets them.", Need::Required},
+};
+
 using Receivers = vk::EntityVerbs<vk::ReceiverNoun>;
 using Departments = vk::EntityVerbs<vk::DepartmentNoun>;
 
 constexpr vk::Command kCommands[] = {
     {"init", "Makes a new root: its directories and the files \"dir\", \"datasource\" (embedded files), \"version\" and "
-             "\"vklogs.ini\". An existing one is not touched.", {}, &vk::RunInit},
+             "\"vklogs.ini\". An existing one is not touched.", kInit, &vk::RunInit},
     {"session add", "Enters a device as logged in, as a gateway does.", kSessionAdd, &vk::AddSession},
     {"session list", "Lists the devices that are logged in.", {}, &vk::ListSessions},
     {"session remove", "Takes a device out.", kSessionRemove, &vk::RemoveSession},
@@ -185,6 +199,12 @@ constexpr vk::Command kCommands[] = {
     {"client mode", "Sets what a client may do.", kClientMode, &vk::SetClientMode},
     {"client suspend", "Suspends a client.", kOneClient, &vk::SuspendClient},
     {"client resume", "Ends a suspension.", kOneClient, &vk::ResumeClient},
+    {"schema", "Prints the statements that make all tables in an empty relational database. Needs no root.", kSchema,
+     &vk::PrintSchema, {}, vk::Scope::Alone},
+    {"convert", "Copies all records of one root into another, ids kept: from files to a server, back, or to others of "
+                "their kind. What belongs together is copied whole or not at all; records that are there already, as "
+                "they are, are left, so that it may be run again. Messages in queues are not copied.",
+     kConvert, &vk::ConvertRoot, {}, vk::Scope::Alone},
     {"job-status show", "Shows the last known state of a job.", {}, &vk::ShowJobStatus, kJobStatusShow},
     {"packet parse", "Shows what an envelope of the protocol holds, or where and why it is refused. Needs no root.", {},
      &vk::ParsePacket, kPacketParse, vk::Scope::Alone},

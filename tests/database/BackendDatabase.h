@@ -4,11 +4,11 @@
 #include "PostgresServer.h"
 #include "VKPostgreSqlDialect.h"
 #include "VKRDBiDatabase.h"
-#include "VKSqlRecord.h"
+#include "VKSchema.h"
 
 enum class Backend { Files, PostgreSql };
 
-/// The same cases on the file database and on a real server.
+/// The same cases on the file database and on a real server, each with all tables new and empty.
 class BackendDatabase : public FileDatabase, public testing::WithParamInterface<Backend>
 {
 protected:
@@ -20,27 +20,25 @@ protected:
         system.Close();
         system.OpenDatabase(PostgresServer::kSource, "postgres", "", DbTypeOdbc, nullptr, false, false, true, nullptr);
         server = system.GetDatabaseInstance();
+        MakeTables(*server);
     }
+
     static bool OnFiles() { return GetParam() == Backend::Files; }
 
-    /// An empty table; in the file database its entity makes it.
-    template <class Fields> void MakeServerTable(const vk::Table<Fields>& table)
+public:
+    static void MakeTables(VKRDBiDatabase& server)
     {
-        if (OnFiles())
-            return;
-        const vk::SqlDialect& dialect = vk::PostgreSqlDialect::Get();
-        server->ExecuteCommand("DROP TABLE IF EXISTS " + dialect.TableOf(table.name));
-        server->ExecuteCommand("CREATE TABLE " + dialect.TableOf(table.name) + " (" +
-                               vk::ColumnsText(dialect, table.fields) + ")");
+        server.ExecuteCommand("DROP SCHEMA public CASCADE");
+        server.ExecuteCommand("CREATE SCHEMA public");
+        for (const std::string& statement : vk::SchemaStatements(vk::PostgreSqlDialect::Get()))
+            server.ExecuteCommand(statement);
     }
 
+protected:
     std::shared_ptr<VKRDBiDatabase> server; ///< what all entities share; null on files
 };
 
-inline std::string BackendName(const testing::TestParamInfo<Backend>& info)
-{
-    return info.param == Backend::Files ? "Files" : "PostgreSql";
-}
-
-#define VK_ON_BOTH_BACKENDS(suite)                                                                                     \
-    INSTANTIATE_TEST_SUITE_P(Backends, suite, testing::Values(Backend::Files, Backend::PostgreSql), BackendName)
+/// Makes a suite run on both.
+#define VK_ON_BOTH_BACKENDS(SUITE)                                                                                     \
+    INSTANTIATE_TEST_SUITE_P(Backends, SUITE, testing::Values(Backend::Files, Backend::PostgreSql),                    \
+                             [](const auto& row) { return row.param == Backend::Files ? "Files" : "PostgreSql"; })

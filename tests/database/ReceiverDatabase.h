@@ -47,18 +47,7 @@ template <class List> std::string NamesOf(const List& list)
 class ReceiverDatabase : public BackendDatabase
 {
 protected:
-    ReceiverDatabase()
-    {
-        MakeServerTable(vk::kReceiverTable);
-        MakeServerTable(vk::kReceiverDeptTable);
-        MakeServerTable(vk::kReceiverScheduleTable);
-        MakeServerTable(vk::kDisableHistoryTable);
-        MakeServerTable(vk::kAttributeTable);
-        MakeServerTable(vk::kReceiverAttributeTable);
-        MakeServerTable(vk::kDepartmentTable);
-        MakeServerTable(vk::kCarrierTable);
-        receivers.reset(VKDBiReceiver::CreateInstance(&system));
-    }
+    ReceiverDatabase() { receivers.reset(VKDBiReceiver::CreateInstance(&system)); }
     ~ReceiverDatabase() override { VKDBiReceiver::s_bIsCoverByAllowed = false; }
 
     unsigned long AddDepartment(const char* name, long most = -1)

@@ -25,9 +25,6 @@ class VKActiveMxpClientTest : public BackendDatabase
 protected:
     VKActiveMxpClientTest()
     {
-        MakeServerTable(vk::kActiveMxpClientTable);
-        MakeServerTable(vk::kReceiverTable);
-        MakeServerTable(vk::kReceiverDeptTable);
         clients.reset(VKDBiActiveMxpClient::CreateInstance(&system));
     }
 

@@ -1,16 +1,21 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <future>
 #include <thread>
 
+#include "BackendDatabase.h"
 #include "TempDir.h"
 #include "VKConfiguration.h"
 #include "VKDBiDepartment.h"
 #include "VKDBiReceiver.h"
 #include "VKDatabaseMultiThreaded.h"
+#include "VKODBCResultSet.h"
 #include "VKRecordText.h"
 
 namespace {
+
+using testing::HasSubstr;
+using testing::Not;
 
 /// An entity object that counts itself.
 struct Counted : VKDBbaseInterface
@@ -24,7 +29,7 @@ struct Counted : VKDBbaseInterface
 template <class Base> class Timed : public Base
 {
 public:
-    Timed() : Base(nullptr, true) {}
+    explicit Timed(bool multiThreaded = true) : Base(nullptr, multiThreaded) {}
     time_t Now() const override { return now; }
     time_t now = 1000000;
 };
@@ -53,6 +58,60 @@ protected:
     }
 
     TempDir dir;
+};
+
+constexpr int kLanes = 16;
+constexpr int kGenerations = 3;
+
+/// Adds departments on many threads at once, each lane of them one thread after the other. Gives back how many were
+/// added and found again.
+int AddOnManyThreads(VKDatabase& database)
+{
+    std::atomic<int> added{0};
+    const auto add = [&](const std::string& name) {
+        VKDBiDepartment* const departments = database.getVKDBiDepartmentObject();
+        VK_DEPARTMENT department;
+        vk::SetText(department.name, name, "name");
+        if (departments != nullptr && departments->Add(&department) &&
+            database.getVKDBiDepartmentObject()->GetByID(&department, department.id))
+            ++added;
+        database.adjustCache();
+        database.PurgeAllCache(true);
+    };
+    std::vector<std::thread> lanes;
+    for (int lane = 0; lane < kLanes; ++lane)
+        lanes.emplace_back([&, lane] {
+            for (int generation = 0; generation < kGenerations; ++generation)
+                std::thread(add, std::to_string(lane) + "-" + std::to_string(generation)).join();
+            if (lane % 2 == 0)
+                database.PurgeMyCache();
+        });
+    for (std::thread& lane : lanes)
+        lane.join();
+    return added;
+}
+
+/// An installation on a relational server.
+class VKDatabaseServerTest : public VKDatabaseTest
+{
+protected:
+    VKDatabaseServerTest()
+    {
+        PostgresServer::Get();
+        UseRoot(dir, std::string("database_type:\tOdbc\ndb_connect_type:\tDSN\ndb_connect_string:\t") +
+                         PostgresServer::kSource + "\ndb_user:\tpostgres\n");
+        EXPECT_TRUE(own->Open(PostgresServer::kSource, "postgres", "", true, true));
+    }
+    void MakeTables() { BackendDatabase::MakeTables(*own); }
+
+    long Connections()
+    {
+        VKODBCResultSet result;
+        own->ExecuteSelectQuery("SELECT COUNT(*) FROM pg_stat_activity WHERE backend_type='client backend'", result);
+        return result[0][0].GetValueLong();
+    }
+
+    std::unique_ptr<VKRDBiDatabase> own{VKRDBiDatabase::GetInstance(0, nullptr)};
 };
 
 } // namespace
@@ -166,10 +225,12 @@ TEST_F(VKDatabaseTest, EntitiesFollowTheGlobalSettings)
 
 TEST_F(VKDatabaseTest, EveryCallTriesAgainAndTellsWhatIsWrongNow)
 {
+    PostgresServer::Get(); // the driver manager remembers where it looked first
     Timed<VKDatabase> database;
-    UseRoot(dir, "database_type:\tOdbc\n");
+    UseRoot(dir, "database_type:\tOdbc\ndb_connect_type:\tDSN\ndb_connect_string:\tnowhere\ndb_password:\thush\n");
     EXPECT_EQ(database.getVKDBiReceiverObject(), nullptr);
-    EXPECT_NE(database.getLastErrorString().find("relational"), std::string::npos);
+    EXPECT_THAT(database.getLastErrorString(), HasSubstr("Data source name not found"));
+    EXPECT_THAT(database.getLastErrorString(), Not(HasSubstr("hush")));
     EXPECT_EQ(database.getDBSystemObject(), nullptr);
     std::filesystem::remove(dir / "config/datasource");
     EXPECT_EQ(database.getVKDBiReceiverObject(), nullptr);
@@ -190,34 +251,54 @@ TEST_F(VKDatabaseTest, EveryCallTriesAgainAndTellsWhatIsWrongNow)
     EXPECT_NE(database.getVKDBiReceiverObject(), nullptr);
 }
 
-TEST_F(VKDatabaseTest, ManyThreadsWorkAtOnce)
+TEST_F(VKDatabaseTest, ManyThreadsWorkAtOnceWhileOthersEnd)
 {
     Timed<VKDatabaseMultiThreaded> database;
-    constexpr int kThreads = 4;
-    constexpr int kEach = 5;
-    std::atomic<int> added{0};
-    std::vector<std::thread> threads;
-    for (int t = 0; t < kThreads; ++t)
-        threads.emplace_back([&, t] {
-            for (int i = 0; i < kEach; ++i) {
-                VKDBiReceiver* const receivers = database.getVKDBiReceiverObject();
-                VK_RECEIVER receiver;
-                vk::SetText(receiver.name, "r" + std::to_string(t) + "-" + std::to_string(i), "name");
-                vk::SetText(receiver.pin, "1", "pin");
-                if (receivers != nullptr && receivers->Add(&receiver, true) &&
-                    database.getVKDBiReceiverObject()->GetByID(&receiver, receiver.id))
-                    ++added;
-                EmptyReceiver(&receiver);
-                database.adjustCache();
-                database.PurgeAllCache(true);
-            }
-            if (t % 2 == 0)
-                database.PurgeMyCache();
-        });
-    for (std::thread& thread : threads)
-        thread.join();
-    EXPECT_EQ(added, kThreads * kEach);
-    ASSERT_NE(database.getVKDBiReceiverObject(), nullptr);
-    EXPECT_EQ(database.getVKDBiReceiverObject()->GetTotalRecordCount(), kThreads * kEach);
+    EXPECT_EQ(AddOnManyThreads(database), kLanes * kGenerations);
+    ASSERT_NE(database.getVKDBiDepartmentObject(), nullptr);
+    EXPECT_EQ(database.getVKDBiDepartmentObject()->GetTotalRecordCount(), kLanes * kGenerations);
     EXPECT_EQ(database.GetThreadCount(), 1);
+}
+
+TEST_F(VKDatabaseServerTest, ThreadsShareNoConnectionAndEndedOnesGiveTheirsBack)
+{
+    for (const bool multipleConnections : {false, true}) {
+        SCOPED_TRACE(multipleConnections);
+        MakeTables();
+        Timed<VKDatabaseMultiThreaded> database(multipleConnections);
+        EXPECT_EQ(AddOnManyThreads(database), kLanes * kGenerations) << database.getLastErrorString();
+        VKDBiDepartment* const departments = database.getVKDBiDepartmentObject();
+        ASSERT_NE(departments, nullptr) << database.getLastErrorString();
+        EXPECT_EQ(departments->GetTotalRecordCount(), kLanes * kGenerations);
+        database.PurgeAllCache(true);
+        // The first one, this thread's, and the one that asks. The server takes its time to let the others go.
+        const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (Connections() != 3 && std::chrono::steady_clock::now() < giveUp)
+            std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        EXPECT_EQ(Connections(), 3);
+        database.closeDatabase();
+    }
+}
+
+/// A statement on a lost connection fails; the factory's next object works again, on every kind of database.
+TEST_F(VKDatabaseServerTest, AfterARestartTheNextObjectWorks)
+{
+    MakeTables();
+    Timed<VKDatabase> single(false);
+    Timed<VKDatabaseMultiThreaded> perThread(false);
+    Timed<VKDatabaseMultiThreaded> perObject(true);
+    for (VKDatabase* database : std::initializer_list<VKDatabase*>{&single, &perThread, &perObject}) {
+        SCOPED_TRACE(testing::Message() << (database == &single) << (database == &perThread));
+        VKDBiDepartment* const departments = database->getVKDBiDepartmentObject();
+        ASSERT_NE(departments, nullptr) << database->getLastErrorString();
+        EXPECT_EQ(database->getVKDBiDepartmentObject(), departments) << "kept while nothing is lost";
+        PostgresServer::Get().Stop();
+        EXPECT_THROW(departments->GetTotalRecordCount(), VKDBexception);
+        PostgresServer::Get().Start();
+        VKDBiDepartment* const revived = database->getVKDBiDepartmentObject();
+        ASSERT_NE(revived, nullptr) << database->getLastErrorString();
+        EXPECT_EQ(revived->GetTotalRecordCount(), 0);
+        EXPECT_EQ(database->getVKDBiDepartmentObject(), revived);
+        database->closeDatabase();
+    }
 }

@@ -26,7 +26,6 @@ class VKDepartmentTest : public BackendDatabase
 protected:
     VKDepartmentTest()
     {
-        MakeServerTable(vk::kDepartmentTable);
         departments.reset(VKDBiDepartment::CreateInstance(&system));
         if (OnFiles())
             store = std::make_unique<VKSQLite3Department>();

@@ -38,12 +38,14 @@ TEST_P(VKReceiverChangeTest, EveryFieldComesBackAsItWasAddedAndAsItWasModified)
             value = static_cast<Value>(number * 10);
     });
     receiver.id = id;
+    receiver.department_id = AddDepartment("Home");
+    const unsigned long guest = AddDepartment("Guest");
     receiver.status_code = 1;
     receiver.disabled = false; // read, never written
     receiver.use_alter_carrier = receiver.voice_enable = receiver.email_cc = receiver.email_fail_over = false;
     receiver.advanced_messaging = false;
     receiver.disable_start_date = receiver.disable_end_date = 0;
-    AddDeptRights(&receiver, 5);
+    AddDeptRights(&receiver, guest);
     vk::SetText(receiver.description, Hostile(sizeof receiver.description - 1), "description");
     vk::SetText(receiver.security_code, "'%_\\\";--", "security_code");
     ASSERT_TRUE(receivers->Modify(&receiver, receiver.department_id, false, nullptr, nullptr, true));
@@ -57,7 +59,7 @@ TEST_P(VKReceiverChangeTest, EveryFieldComesBackAsItWasAddedAndAsItWasModified)
             EXPECT_EQ(field.of(read), field.of(receiver)) << field.name;
     });
     ASSERT_EQ(read.dept_rights_count, 1);
-    EXPECT_EQ(read.dept_rights[0].department_id, 5u);
+    EXPECT_EQ(read.dept_rights[0].department_id, guest);
     Receiver missing("missing", "1");
     missing.id = 99;
     EXPECT_FALSE(receivers->Modify(&missing, 0, false, nullptr, nullptr, true));
@@ -173,8 +175,9 @@ TEST_P(VKReceiverChangeTest, TheHistoryFollowsTheStatusUnlessItIsGiven)
 
 TEST_P(VKReceiverChangeTest, DeletingTakesAllThatBelongsToIt)
 {
-    const unsigned long id = Store("gone", [](Receiver& receiver) {
-        AddDeptRights(&receiver, 3);
+    const unsigned long guest = AddDepartment("Guest");
+    const unsigned long id = Store("gone", [guest](Receiver& receiver) {
+        AddDeptRights(&receiver, guest);
         receiver.status_code = 2;
         receiver.disable_start_date = 50;
     });
@@ -188,7 +191,7 @@ TEST_P(VKReceiverChangeTest, DeletingTakesAllThatBelongsToIt)
     EXPECT_TRUE(receivers->Delete(id, 0));
     EXPECT_FALSE(receivers->Delete(id, 0));
     EXPECT_EQ(Periods(id), "");
-    EXPECT_FALSE(receivers->IsDepartmentBeingUsed(3));
+    EXPECT_FALSE(receivers->IsDepartmentBeingUsed(guest));
     EXPECT_FALSE(receivers->GetSchedule(&own, own.id));
     EXPECT_TRUE(receivers->GetSchedule(&ofGroup, ofGroup.id));
     EXPECT_EQ(ErrorOf([&] { receivers->Delete(0, 0); }), "1000 Receiver ID should be greater than zero.");

@@ -59,7 +59,7 @@ TEST_P(VKReceiverListsTest, FiltersNarrowEveryListUntilTheyAreCleared)
         r.owner_id = 7;
         r.advanced_messaging = true;
         AddDeptRights(&r, south);
-        AddDeptRights(&r, 9);
+        AddDeptRights(&r, AddDepartment("East"));
     });
     const unsigned long ben = Store("ben", [&](Receiver& r) {
         r.department_id = south;
@@ -132,7 +132,7 @@ TEST_P(VKReceiverListsTest, ListsCarryWhatTheirReadersNeed)
         r.carrier_id = mxp;
         r.department_id = north;
         r.two_way = r.is_secure = true;
-        AddDeptRights(&r, 8);
+        AddDeptRights(&r, AddDepartment("Guest"));
         r.misc_settings = strdup(R"({"MXP":{"DeviceID":"d1"}})");
     });
     const unsigned long fax = Store("fax", [](Receiver& r) {

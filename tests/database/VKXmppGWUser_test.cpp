@@ -34,8 +34,6 @@ class VKXmppGWUserTest : public BackendDatabase
 protected:
     VKXmppGWUserTest()
     {
-        MakeServerTable(vk::kXmppGWUserTable);
-        MakeServerTable(vk::kUserTable);
         users.reset(VKDBiXmppGWUser::CreateInstance(&system));
     }
 

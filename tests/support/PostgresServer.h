@@ -27,6 +27,8 @@ public:
     static constexpr const char* kSource = "vktest";
 
 private:
+    void MakeData();
+    bool Copy(const std::string& from, const std::string& to) const;
     int Run(const std::string& program, const std::string& arguments, const char* output) const;
 
     TempDir m_dir;
