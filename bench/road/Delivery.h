@@ -13,3 +13,5 @@ Figure SendCallP50(Stage& stage);
 Figure AnswerP50(Stage& stage);
 /// Messages a second, many to many sessions through one connection.
 Figure Throughput(Stage& stage);
+/// Messages a second from a message queue to the devices, by vkmessenger as a process of its own: polled, sent, archived.
+Figure QueueMessagesPerSecond(Stage& stage);

@@ -99,13 +99,14 @@ Host::~Host()
 
 void Host::MakeRoot()
 {
-    for (const char* folder : {"config", "temp", "logs", "spool"})
+    for (const char* folder : {"config", "temp", "logs"})
         std::filesystem::create_directories(m_root / folder);
     m_root.Write("config/datasource", "database_type: Sdb\n");
     std::string lines;
-    for (const char* key :
-         {"spool_dir", "archive_dir", "error_dir", "report_dir", "stat_dir", "attachment_dir", "waiting_dir"})
-        lines += std::string(key) + ":\t\t" + (m_root / "spool") + "\n";
+    for (const std::string name : {"spool", "archive", "error", "report", "stat", "attachment", "waiting"}) {
+        std::filesystem::create_directories(m_root / name);
+        lines += name + "_dir:\t\t" + (m_root / name) + "\n";
+    }
     m_root.Write("config/dir", lines + "log_dir:\t\t" + (m_root / "logs") + "\n");
     VKConfiguration* const configuration = VKConfiguration::getVKConfiguration();
     configuration->setConfDirectory(m_root / "config");

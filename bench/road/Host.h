@@ -46,6 +46,8 @@ public:
 
     VKMxpDriver& Driver() { return *m_driver; }
     VKMXPCoreManager& Manager() { return *m_manager; }
+    /// The installation, for another process that works in it.
+    std::string Root() const { return m_root.Path().string(); }
     /// All that is logged at WARN and above.
     std::string Log() const;
 

@@ -12,5 +12,6 @@ std::string Goal::Text(const std::string& unit) const
     add("<=", maxValue, unit);
     add("<=", maxRatio, "x bare");
     add(">=", minRatio, "x bare");
+    add(">=", minValue, unit);
     return text;
 }

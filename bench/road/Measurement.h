@@ -33,11 +33,12 @@ struct Goal
     std::optional<double> maxValue;
     std::optional<double> maxRatio;
     std::optional<double> minRatio;
+    std::optional<double> minValue = {};
 
     bool IsMetBy(const Figure& figure) const
     {
         return figure.sound && (!maxValue || figure.value <= *maxValue) && (!maxRatio || figure.Ratio() <= *maxRatio) &&
-               (!minRatio || figure.Ratio() >= *minRatio);
+               (!minRatio || figure.Ratio() >= *minRatio) && (!minValue || figure.value >= *minValue);
     }
     /// Such as "<= 1500 us, <= 2.5 x bare".
     std::string Text(const std::string& unit) const;

@@ -24,6 +24,7 @@ const Measurement kMeasurements[] = {
     {"handoff_p50_1000_sessions", "us", {1500, 2.5, {}}, HandoffP50ThousandSessions},
     {"answer_p50", "us", {1500, 2.5, {}}, AnswerP50},
     {"throughput", "1/s", {{}, {}, 0.9}, Throughput},
+    {"queue_messages_per_second", "1/s", {{}, {}, {}, 300}, QueueMessagesPerSecond},
     {"idle_cpu", "% of a core", {0.5, {}, {}}, IdleCpu},
     {"idle_cpu_no_connection", "% of a core", {0.5, {}, {}}, IdleCpuNoConnection},
     {"round_10000_sessions", "us", {1000, {}, {}}, RoundOverTenThousand},

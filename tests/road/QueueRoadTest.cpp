@@ -75,7 +75,7 @@ protected:
         return times;
     }
 
-    /// Each file of the queues has a row and each row a file.
+    /// Each file of the queues has a row and each row a file; somebody may be at work in between the two looks.
     void ExpectWhole() const
     {
         const struct
@@ -84,7 +84,11 @@ protected:
             const char* folder;
         } rows[] = {{1, "spool"}, {4, "archive"}, {5, "error"}, {10, "waiting"}};
         for (const auto& row : rows)
-            EXPECT_EQ(installation.Files(row.folder), installation.Names(row.queue)) << row.folder;
+            EXPECT_TRUE(RunningProgram::Await([&] {
+                return installation.Files(row.folder) == installation.Names(row.queue);
+            })) << row.folder << ": "
+                << testing::PrintToString(installation.Files(row.folder)) << " and "
+                << testing::PrintToString(installation.Names(row.queue));
     }
 
     const QueueInstallation installation;
