@@ -38,13 +38,12 @@ std::string BodyOf(const VKMessageFile& file)
     body["password"] = file.strPassword;
     body["resource"] = file.strResource;
     for (const auto& choice : file.vecResponseChoices)
-        body["response_choices"].append(
-            [&] {
-                Json::Value json;
-                json["text"] = choice.strText;
-                json["type"] = choice.iType == VKMessageFile::kNonTerminalAction ? "non-terminal" : "terminal";
-                return json;
-            }());
+        body["response_choices"].append([&] {
+            Json::Value json;
+            json["text"] = choice.strText;
+            json["type"] = choice.iType == VKMessageFile::kNonTerminalAction ? "non-terminal" : "terminal";
+            return json;
+        }());
     return Json::writeString(Json::StreamWriterBuilder(), body);
 }
 

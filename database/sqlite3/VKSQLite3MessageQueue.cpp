@@ -38,6 +38,8 @@ bool VKSQLite3MessageQueue::Initialize(VKDBsystem* system)
     files.Initialize(system);
     auto connection = std::make_unique<vk::SQLite3Connection>(files.GetQueuePath(), kFile, tTableDesc, 1);
     connection->Database().SetSynchronousMode(0);
+    // The journal's file stays: making and deleting one with each change costs more than the change itself.
+    connection->ExecuteSelectQuery("PRAGMA journal_mode=PERSIST;");
     vk::AddMissingColumns(*connection, vk::kQueueTable, "The Queue Meta table could not be accessed.");
     vk::CreateIndexes(*connection, kIndexes, std::size(kIndexes));
     vk::InTransaction(*connection, vk::TransactionLock::Exclusive, [&] {

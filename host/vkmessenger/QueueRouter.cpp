@@ -43,18 +43,24 @@ bool QueueRouter::Knows(int number) const
 
 bool QueueRouter::Move(QueueMessage& message, QueueStore& from, int target)
 {
-    Store(target);
-    const std::string oldName = message.Name();
+    const bool ends = target == kArchiveQueue || target == kErrorQueue;
+    const bool isSentAgain = MessageName::Parse(message.Name()).status == 'R';
     message.SetTarget(target);
+    if (!(ends && isSentAgain) && !NoteTarget(message, from))
+        return false;
+    Arrive(message, from);
+    return from.Delete(message.Name());
+}
+
+bool QueueRouter::NoteTarget(QueueMessage& message, QueueStore& from)
+{
     VK_MESSAGE_HEADER row = message.Header();
     // Due at once for whoever takes it over.
     row.next_query_time = 0;
     SetText(row.msg_name, message.NameAs('Q', std::max(message.QueryCount(), 1)), "msg_name");
-    if (!from.Change(row, message.Body(), oldName))
+    if (!from.Change(row, message.Body(), message.Name()))
         return false;
     message.Header() = row;
-    Arrive(message, from);
-    from.Delete(row.msg_name);
     return true;
 }
 

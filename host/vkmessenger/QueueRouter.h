@@ -14,8 +14,9 @@ enum QueueNumber : int { kArchiveQueue = 4, kErrorQueue = 5, kWaitingQueue = 10 
 ///
 /// Two queues cannot change together. Which order makes every crash point safe: the message's own row becomes Q with
 /// its whole report and the target's number in the body; then the target gets its copy; then the row goes. Whoever
-/// takes the row over later, by the rules for status Q, finishes what is left to do. Throws VKDBexception where a step
-/// does not come out; calling again goes on with it. One thread.
+/// takes the row over later, by the rules for status Q, finishes what is left to do. One in status R that ends needs no
+/// such note: after a crash it is sent again in any case, and ends under the same name. Throws VKDBexception where a
+/// step does not come out; calling again goes on with it. One thread.
 class QueueRouter
 {
 public:
@@ -38,6 +39,7 @@ public:
 
 private:
     QueueStore& Store(int number);
+    bool NoteTarget(QueueMessage& message, QueueStore& from);
     void Arrive(QueueMessage& message, QueueStore& from);
     std::string FreeName(QueueMessage& message, QueueStore& target);
     bool HasArrived(QueueMessage& message, QueueStore& from);
