@@ -4,8 +4,9 @@
 
 namespace vk {
 
-/// The operator's text for a broken rule: which field is wrong and what would be accepted. Empty for an unknown number.
-const char* MessageText(int number);
+/// The operator's text for a broken rule: which field is wrong and what would be accepted. The installation's catalogue
+/// says it, else the text that the library was built with, else the number itself: never empty.
+std::string MessageText(unsigned long number);
 
 /// Gathers the texts of broken rules, one line each, and throws them together.
 class BrokenRules

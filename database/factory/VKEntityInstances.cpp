@@ -5,6 +5,7 @@
 #include "VKBALReceiver.h"
 #include "VKDBexception.h"
 #include "VKDBsystem.h"
+#include "VKMessageManager.h"
 #include "VKRDBActiveMxpClient.h"
 #include "VKRDBDepartment.h"
 #include "VKRDBReceiver.h"
@@ -35,6 +36,7 @@ template <class Interface, class FileBackend, class ServerBackend> std::unique_p
 template <class Interface, class ValidatingLayer, class FileBackend, class ServerBackend>
 Interface* MakeLayers(VKDBsystem* system)
 {
+    VKMessageManager::CreateInstance(system->GetDataConfigDir()); // the words of the rules
     auto backend = MakeBackend<Interface, FileBackend, ServerBackend>();
     backend->Initialize(system);
     auto wrapper = std::make_unique<ValidatingLayer>(std::move(backend));

@@ -1,6 +1,7 @@
 #include "InitCommand.h"
 
 #include "AdminOutput.h"
+#include "MessageCommands.h"
 #include "VKConfiguration.h"
 #include "VKsysEventLogInterface.h"
 
@@ -123,6 +124,7 @@ void MakeRoot(const fs::path& root, const std::string& dataSource)
     configuration.setConfDirectory(config);
     WriteDirectories(root, configuration);
     WriteLogSettings(root);
+    MakeFirstCatalogue(config);
 }
 
 } // namespace

@@ -4,6 +4,7 @@
 #include "GatewayUserCommands.h"
 #include "InitCommand.h"
 #include "JobStatusCommand.h"
+#include "MessageCommands.h"
 #include "PacketCommands.h"
 #include "QueueCommands.h"
 #include "ReceiverNoun.h"
@@ -136,6 +137,8 @@ constexpr vk::Option kClientShow[] = {
 constexpr vk::Option kClientAuthorize[] = {kClientId, {"--revoke", nullptr, "Takes the authorization back."}};
 constexpr vk::Option kClientMode[] = {
     kClientId, {"--mode", "MODE", "What it may do from now on.", Need::Required, "Basic|Advanced"}};
+constexpr vk::Operand kMessagesBuild[] = {{"FILE", "The constants file: a C header, each text a line \"#define NAME NUMBER "
+                                                   "/* text */\"; DIR/config/message_constants.h is one."}};
 
 constexpr vk::Operand kJobStatusShow[] = {{"JOB", "The job's id."}};
 
@@ -167,8 +170,8 @@ using Receivers = vk::EntityVerbs<vk::ReceiverNoun>;
 using Departments = vk::EntityVerbs<vk::DepartmentNoun>;
 
 constexpr vk::Command kCommands[] = {
-    {"init", "Makes a new root: its directories and the files \"dir\", \"datasource\" (embedded files), \"version\" and "
-             "\"vklogs.ini\". An existing one is not touched.", kInit, &vk::RunInit},
+    {"init", "Makes a new root: its directories, the files \"dir\", \"datasource\" (embedded files), \"version\" and "
+             "\"vklogs.ini\", and the message catalogue. An existing one is not touched.", kInit, &vk::RunInit},
     {"session add", "Enters a device as logged in, as a gateway does.", kSessionAdd, &vk::AddSession},
     {"session list", "Lists the devices that are logged in.", {}, &vk::ListSessions},
     {"session remove", "Takes a device out.", kSessionRemove, &vk::RemoveSession},
@@ -206,6 +209,8 @@ constexpr vk::Command kCommands[] = {
                 "they are, are left, so that it may be run again. Messages in queues are not copied.",
      kConvert, &vk::ConvertRoot, {}, vk::Scope::Alone},
     {"job-status show", "Shows the last known state of a job.", {}, &vk::ShowJobStatus, kJobStatusShow},
+    {"messages build", "Makes the catalogue of the texts that explain a refused record anew, all or nothing.", {},
+     &vk::BuildMessages, kMessagesBuild},
     {"packet parse", "Shows what an envelope of the protocol holds, or where and why it is refused. Needs no root.", {},
      &vk::ParsePacket, kPacketParse, vk::Scope::Alone},
     {"packet make", "Writes an envelope with one packet, as the side that sends it has to. Needs no root.", kPacketMake,
@@ -223,6 +228,7 @@ constexpr vk::ManualSection kSections[] = {
      "DIR/config/datasource  which database it is\n"
      "DIR/config/vklogs.ini  what is logged, and where\n"
      "DIR/config/*.sdb       the embedded database files\n"
+     "DIR/config/messages.sdb  the message catalogue, made from message_constants.h beside it\n"
      "DIR/temp/xmpp_user_sessions.sdb  who is logged in\n"
      "report_msg_status.sdb  the jobs' states; in the report directory that DIR/config/dir names"},
     {"EXAMPLE",

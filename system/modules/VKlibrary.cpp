@@ -2,6 +2,8 @@
 
 #include "VKconThread.h"
 #include "VKioSocket.h"
+#include "VKstringPath.h"
+#include "VKsystemResource.h"
 
 #include <pthread.h>
 #include <time.h>
@@ -16,15 +18,28 @@ std::string& KeptPath()
     return path;
 }
 
+VKsystemResource& KeptResource()
+{
+    static VKsystemResource resource;
+    return resource;
+}
+
 /// What is set up once however often InitialLib is called: the local time zone, which the C library otherwise looks up
-/// when the first thread formats a time.
-void RealInitial() { tzset(); }
+/// when the first thread formats a time, and the texts of the library, which may be missing.
+void RealInitial()
+{
+    constexpr const char* file = "libresource.res";
+    tzset();
+    if (!KeptResource().Load(VKstringCreatePath(KeptPath(), file)))
+        KeptResource().Load(std::string("./") + file);
+}
 
 } // namespace
 
 namespace vk {
 
 const std::string& LibraryPath() { return KeptPath(); }
+const VKsystemResource& LibraryResource() { return KeptResource(); }
 
 } // namespace vk
 

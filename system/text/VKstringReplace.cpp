@@ -48,6 +48,8 @@ std::string VKstringReplaceStr(const std::string& text, const std::string& from,
     return out.append(text, run);
 }
 
+std::string VKstringEscapePrintfString(const std::string& text) { return VKstringReplaceChar(text, '%', "%%"); }
+
 std::string VKstringReplaceColon(const std::string& text)
 {
     std::string out(text);

@@ -24,6 +24,9 @@ std::string& findandreplace(std::string& text, const std::string& from, const st
 [[nodiscard]] std::string VKstringReplaceColon(const std::string& text);
 inline char* VKutilStrReplaceColon(char* text) { return VKstringReplaceChar(text, ':', '-'); }
 
+/// Each "%" doubled, so that the text as a printf format prints as itself.
+[[nodiscard]] std::string VKstringEscapePrintfString(const std::string& text);
+
 /// Each double quote becomes a single one.
 inline char* VKutilStrReplaceQuto(char* text) { return VKstringReplaceChar(text, '"', '\''); }
 

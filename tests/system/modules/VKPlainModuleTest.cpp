@@ -4,6 +4,7 @@
 #include "VKPlainModule.h"
 #include "VKioDirectory.h"
 #include "VKlibrary.h"
+#include "VKsystemResource.h"
 #include "VKsysEventLogInterface.h"
 
 #include <gtest/gtest.h>
@@ -68,8 +69,15 @@ TEST(VKPlainModule, MakesItsOwnLoggerOnlyWhenItNeedsOneAndCan)
 
 TEST(VKlibrary, StartsAndEndsAnyNumberOfTimes)
 {
+    const TempDir site;
+    site.Write("libresource.res", "GREETING   hello\n");
+    EXPECT_TRUE(InitialLib(site.Path()));
+    EXPECT_EQ(vk::LibraryPath(), site.Path());
+    EXPECT_EQ(vk::LibraryResource().GetString("GREETING"), "hello");
+    EXPECT_TRUE(CloseLib());
     EXPECT_TRUE(InitialLib("/opt/site"));
     EXPECT_EQ(vk::LibraryPath(), "/opt/site");
+    EXPECT_EQ(vk::LibraryResource().GetString("GREETING"), "hello") << "loaded once";
     EXPECT_TRUE(CloseLib());
     EXPECT_TRUE(InitialLib());
     EXPECT_TRUE(CloseLib());
