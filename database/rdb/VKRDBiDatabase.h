@@ -3,7 +3,11 @@
 #include <string>
 
 class VKODBCResultSet;
+class VKRDBiDataSet;
 class VKsysEventLogInterface;
+
+/// Whose way of telling the last new id is meant.
+enum DatabaseType { DatabaseTypeSqlServer = 0, DatabaseTypeOracle = 1, DatabaseTypePostgreSql = 2 };
 
 /// A connection to a relational server. This class is the connection that does nothing: not open, and every operation
 /// false. GetInstance gives a real one. Serves one thread at a time; the operations of a real one throw VKDBexception
@@ -25,12 +29,30 @@ public:
     virtual bool TestConnection() { return false; }
     /// True when the connection works, or works again after opening it anew; never throws.
     virtual bool TestNReconnect() { return false; }
+
+    // Results as tables. Each is a new one and the caller's; without one the pointer becomes null. A text with a format is
+    // as long as its values make it.
+
+    /// The last result that has columns.
+    virtual bool ExecuteQuery(const std::string& text, VKRDBiDataSet*& dataSet);
+    /// Of that result `count` rows from row `first` on; a count of 0 or less means all that follow.
+    virtual bool ExecuteQuerySet(const std::string& text, VKRDBiDataSet*& dataSet, int first, int count);
+    /// The first result that has columns, cut likewise; the others follow with getRSData, the same rows of each.
+    /// `more` says whether there is one. Whatever runs next on the connection drops what was not fetched.
+    virtual bool ExecuteQueryMultiSet(const std::string& text, VKRDBiDataSet*& dataSet, bool& more, int first,
+                                      int count);
+    /// The next result; false when there is none.
+    virtual bool getRSData(VKRDBiDataSet*& dataSet, bool& more);
     virtual bool ExecuteCommand(const std::string& text);
+    virtual bool ExecuteQuery(VKRDBiDataSet*& dataSet, const char* format, ...) __attribute__((format(printf, 3, 4)));
+    virtual bool ExecuteCommandFormat(const char* format, ...) __attribute__((format(printf, 2, 3)));
     virtual bool BeginTransaction() { return false; }
     virtual bool CommitTransaction() { return false; }
     virtual bool RollbackTransaction() { return false; }
     /// How many rows the last statement touched.
     virtual long GetNoRowsAffected() { return 0; }
+    /// The id of the row that this connection added last. A sequence is needed but on T-SQL servers.
+    virtual unsigned long GetLastRowInsertID(DatabaseType type, const std::string& sequenceName);
     virtual bool ExecuteSelectQuery(const std::string& text, VKODBCResultSet& result);
     virtual bool ExecuteUpdateQuery(const std::string& text, VKODBCResultSet& result);
     /// The id is the first column of the last result.

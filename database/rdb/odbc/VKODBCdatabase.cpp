@@ -1,134 +1,54 @@
 #include "VKODBCdatabase.h"
 
+#include <cctype>
+#include <cstdarg>
+#include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <string_view>
-#include <strings.h>
 
 #include "VKDBexception.h"
 #include "VKDBsystem.h"
+#include "VKDriverOutput.h"
+#include "VKODBCstatement.h"
+#include "VKOracleCall.h"
+#include "VKRDBiDataSet.h"
+
+using vk::OdbcBytes;
+using vk::OdbcError;
+using vk::OdbcStatement;
 
 namespace {
 
-/// ODBC takes texts it only reads as pointers to bytes that may change.
-SQLCHAR* Bytes(const std::string& text) { return reinterpret_cast<SQLCHAR*>(const_cast<char*>(text.c_str())); }
-
-/// A statement handle as long as the object lives.
-class Statement
+std::string Formatted(const char* format, va_list values)
 {
-public:
-    explicit Statement(SQLHDBC connection)
-    {
-        if (!SQL_SUCCEEDED(SQLAllocHandle(SQL_HANDLE_STMT, connection, &m_handle)))
-            throw VKDBexception(vk::DbError::General, __FILE__, __LINE__, "Failed to allocate ODBC statement");
-    }
-    ~Statement() { SQLFreeHandle(SQL_HANDLE_STMT, m_handle); }
-    Statement(const Statement&) = delete;
-    Statement& operator=(const Statement&) = delete;
-
-    SQLHSTMT Handle() const { return m_handle; }
-
-private:
-    SQLHSTMT m_handle = SQL_NULL_HSTMT;
-};
-
-struct SqlError
-{
-    int code = vk::DbError::General;
-    std::string text;
-    bool connectionLost = false;
-};
-
-/// SQLSTATE class 08, and the server's own word for being shut down.
-bool TellsOfLostConnection(std::string_view state) { return state.substr(0, 2) == "08" || state.substr(0, 4) == "57P0"; }
-
-/// The diagnostics of a handle, one a line, with the native code of the first.
-SqlError GetSQLError(SQLSMALLINT kind, SQLHANDLE handle)
-{
-    SqlError error;
-    SQLCHAR state[6];
-    SQLCHAR message[1024];
-    for (SQLSMALLINT record = 1;; ++record) {
-        SQLINTEGER native = 0;
-        SQLSMALLINT length = 0;
-        const SQLRETURN result = SQLGetDiagRec(kind, handle, record, state, &native, message, sizeof message, &length);
-        if (result == SQL_INVALID_HANDLE)
-            error.text = "Invalid Handle.";
-        else if (result == SQL_ERROR)
-            error.text = "Either RecNumber was negative or 0 or BufferLength was less than zero.";
-        if (!SQL_SUCCEEDED(result))
-            return error;
-        if (record == 1)
-            error.code = native;
-        error.connectionLost |= TellsOfLostConnection(reinterpret_cast<const char*>(state));
-        error.text.append(reinterpret_cast<const char*>(message)).append("\n");
-    }
+    va_list again;
+    va_copy(again, values);
+    const int size = std::vsnprintf(nullptr, 0, format, again);
+    va_end(again);
+    if (size < 0)
+        throw VKDBexception(vk::DbError::General, __FILE__, __LINE__, "The statement cannot be formatted.");
+    std::string text(static_cast<std::size_t>(size) + 1, '\0');
+    std::vsnprintf(text.data(), text.size(), format, values);
+    text.pop_back();
+    return text;
 }
 
-[[noreturn]] void ThrowQueryError(SQLHSTMT statement, const std::string& text)
+VKRDBiDataSet* NewTable(vk::OdbcResult result)
 {
-    const SqlError error = GetSQLError(SQL_HANDLE_STMT, statement);
-    if (error.connectionLost)
-        VKDBsystem::NoteLostConnection(); // what works on a connection of that time is made anew
-    throw VKDBexception(error.code, __FILE__, __LINE__, "SQL query[" + text + "]", error.text);
+    return std::make_unique<VKRDBiDataSet>(std::move(result.columns), std::move(result.rows)).release();
 }
 
-std::string ColumnName(SQLHSTMT statement, SQLUSMALLINT column)
+/// A name as it may stand in a statement without quotes.
+const std::string& RequireName(const std::string& name)
 {
-    SQLCHAR name[256] = {};
-    SQLSMALLINT length = 0;
-    SQLSMALLINT type = 0;
-    SQLSMALLINT digits = 0;
-    SQLSMALLINT nullable = 0;
-    SQLULEN size = 0;
-    SQLDescribeCol(statement, column, name, sizeof name, &length, &type, &size, &digits, &nullable);
-    return reinterpret_cast<const char*>(name);
-}
-
-/// One cell, read in pieces so that a text of any length arrives whole.
-VKDBiRowField ReadCell(SQLHSTMT statement, SQLUSMALLINT column, const std::string& name, const std::string& query)
-{
-    std::string value;
-    for (;;) {
-        char piece[1024];
-        SQLLEN left = 0;
-        const SQLRETURN result = SQLGetData(statement, column, SQL_C_CHAR, piece, sizeof piece, &left);
-        if (result == SQL_NO_DATA)
-            break;
-        if (!SQL_SUCCEEDED(result))
-            ThrowQueryError(statement, query);
-        if (left == SQL_NULL_DATA)
-            return VKDBiRowField(name.c_str(), nullptr);
-        value += piece;
-        if (result == SQL_SUCCESS)
-            break;
-    }
-    return VKDBiRowField(name.c_str(), value.c_str());
-}
-
-/// Reads the statement's current result in place of what was there.
-void ReadRows(SQLHSTMT statement, SQLSMALLINT columns, VKODBCResultSet& result, const std::string& query)
-{
-    result.Clear();
-    std::vector<std::string> names;
-    for (SQLSMALLINT column = 1; column <= columns; ++column)
-        names.push_back(ColumnName(statement, static_cast<SQLUSMALLINT>(column)));
-    for (;;) {
-        const SQLRETURN fetched = SQLFetch(statement);
-        if (fetched == SQL_NO_DATA)
-            return;
-        if (!SQL_SUCCEEDED(fetched))
-            ThrowQueryError(statement, query);
-        VKDBiRow row;
-        for (std::size_t i = 0; i < names.size(); ++i) {
-            row.Add(ReadCell(statement, static_cast<SQLUSMALLINT>(i + 1), names[i], query));
-            const VKDBiRowField& cell = row[static_cast<int>(i)];
-            if (strcasecmp(cell.GetName(), "ErrorCode") == 0 && cell.GetValueString() != "0")
-                throw VKDBexception(cell.GetValueInt(), __FILE__, __LINE__, "SQL query[" + query + "]",
-                                    "the server reports error " + cell.GetValueString());
-        }
-        result.Add(std::move(row));
-    }
+    for (const char c : name)
+        if (std::isalnum(static_cast<unsigned char>(c)) == 0 && std::string_view("_$#.").find(c) == std::string_view::npos)
+            throw VKDBexception(vk::DbError::General, __FILE__, __LINE__,
+                                "[" + name + "] is no name of a sequence.");
+    if (name.empty())
+        throw VKDBexception(vk::DbError::General, __FILE__, __LINE__, "The name of a sequence is missing.");
+    return name;
 }
 
 } // namespace
@@ -140,6 +60,7 @@ VKRDBiDatabase* VKRDBiDatabase::GetInstance(int type, VKsysEventLogInterface*)
     return std::make_unique<VKODBCdatabase>().release();
 }
 
+VKODBCdatabase::VKODBCdatabase() = default;
 VKODBCdatabase::~VKODBCdatabase() { Free(); }
 
 std::string VKODBCdatabase::PreprocessSqlStringCopy(const std::string& text, std::size_t maxLen)
@@ -154,7 +75,7 @@ std::string VKODBCdatabase::PreprocessSqlStringCopy(const std::string& text, std
 
 void VKODBCdatabase::ThrowConnectionError(const char* what) const
 {
-    const SqlError error = GetSQLError(SQL_HANDLE_DBC, m_hConnection);
+    const OdbcError error = vk::ReadOdbcError(SQL_HANDLE_DBC, m_hConnection);
     if (error.connectionLost)
         VKDBsystem::NoteLostConnection();
     throw VKDBexception(error.code, __FILE__, __LINE__, what + (" [" + GetSourceName()) + "]: " + error.text, error.text);
@@ -163,6 +84,7 @@ void VKODBCdatabase::ThrowConnectionError(const char* what) const
 bool VKODBCdatabase::Open(const std::string& connect, const std::string& user, const std::string& password, bool isDSN,
                           bool)
 {
+    const vk::DriverOutput output(true);
     Free();
     m_strConnect = connect;
     m_strUser = user;
@@ -177,12 +99,14 @@ bool VKODBCdatabase::Open(const std::string& connect, const std::string& user, c
     SQLCHAR told[1024];
     SQLSMALLINT toldLength = 0;
     const SQLRETURN result =
-        isDSN ? SQLConnect(m_hConnection, Bytes(connect), SQL_NTS, Bytes(user), SQL_NTS, Bytes(password), SQL_NTS)
-              : SQLDriverConnect(m_hConnection, nullptr, Bytes(connect), SQL_NTS, told, sizeof told, &toldLength,
+        isDSN ? SQLConnect(m_hConnection, OdbcBytes(connect), SQL_NTS, OdbcBytes(user), SQL_NTS, OdbcBytes(password), SQL_NTS)
+              : SQLDriverConnect(m_hConnection, nullptr, OdbcBytes(connect), SQL_NTS, told, sizeof told, &toldLength,
                                  SQL_DRIVER_NOPROMPT);
-    if (SQL_SUCCEEDED(result))
+    if (SQL_SUCCEEDED(result)) {
+        m_bDriverPrints = GetInfo(SQL_DRIVER_NAME).rfind("psqlodbc", 0) != 0;
         return true;
-    const SqlError error = GetSQLError(SQL_HANDLE_DBC, m_hConnection);
+    }
+    const OdbcError error = vk::ReadOdbcError(SQL_HANDLE_DBC, m_hConnection);
     Free();
     throw VKDBexception(error.code, __FILE__, __LINE__, error.text);
 }
@@ -197,6 +121,7 @@ bool VKODBCdatabase::ReOpen()
 
 void VKODBCdatabase::Free()
 {
+    m_pending.reset();
     if (m_hConnection != SQL_NULL_HDBC) {
         // A connection with an open transaction does not disconnect.
         SQLEndTran(SQL_HANDLE_DBC, m_hConnection, SQL_ROLLBACK);
@@ -239,54 +164,139 @@ void VKODBCdatabase::RequireOpen() const
                             "The data source [" + GetSourceName() + "] is not open.");
 }
 
-void VKODBCdatabase::Run(const std::string& text, VKODBCResultSet& result)
+template <class Body> auto VKODBCdatabase::Run(const std::string& text, Body&& body)
 {
     RequireOpen();
-    const Statement statement(m_hConnection);
-    // Braces and question marks in texts are no business of the driver.
-    SQLSetStmtAttr(statement.Handle(), SQL_ATTR_NOSCAN, reinterpret_cast<SQLPOINTER>(SQL_NOSCAN_ON), 0);
-    SQLRETURN outcome = SQLExecDirect(statement.Handle(), Bytes(text), static_cast<SQLINTEGER>(text.size()));
-    if (!SQL_SUCCEEDED(outcome) && outcome != SQL_NO_DATA)
-        ThrowQueryError(statement.Handle(), text);
-    SQLLEN rows = 0;
-    SQLRowCount(statement.Handle(), &rows);
-    m_lRows = outcome == SQL_NO_DATA ? 0 : rows;
-    result.SetEffectedRowsCount(static_cast<int>(m_lRows));
-    do {
-        SQLSMALLINT columns = 0;
-        SQLNumResultCols(statement.Handle(), &columns);
-        if (columns > 0)
-            ReadRows(statement.Handle(), columns, result, text);
-        outcome = SQLMoreResults(statement.Handle());
-    } while (SQL_SUCCEEDED(outcome));
-    if (outcome != SQL_NO_DATA)
-        ThrowQueryError(statement.Handle(), text);
+    m_pending.reset();
+    // Not for a driver that prints nothing: other threads' output would go astray for nothing.
+    const vk::DriverOutput output(m_bDriverPrints);
+    auto statement = std::make_unique<OdbcStatement>(m_hConnection, text, VKDBsystem::isOracle);
+    m_lRows = statement->TouchedRows();
+    return body(statement);
+}
+
+/// All results are read, since each may tell of an error; the last one counts.
+vk::OdbcResult VKODBCdatabase::RunToLastResult(const std::string& text, const vk::OdbcPage& page)
+{
+    return Run(text, [&](const std::unique_ptr<OdbcStatement>& statement) {
+        vk::OdbcResult last;
+        for (; statement->HasResult(); statement->Next())
+            last = statement->Read(page);
+        return last;
+    });
+}
+
+bool VKODBCdatabase::ExecuteQuery(const std::string& text, VKRDBiDataSet*& dataSet)
+{
+    return ExecuteQuerySet(text, dataSet, 0, 0);
+}
+
+bool VKODBCdatabase::ExecuteQuerySet(const std::string& text, VKRDBiDataSet*& dataSet, int first, int count)
+{
+    dataSet = nullptr;
+    dataSet = NewTable(RunToLastResult(text, {first, count}));
+    return true;
+}
+
+bool VKODBCdatabase::ExecuteQueryMultiSet(const std::string& text, VKRDBiDataSet*& dataSet, bool& more, int first,
+                                          int count)
+{
+    dataSet = nullptr;
+    more = false;
+    Run(text, [&](std::unique_ptr<OdbcStatement>& statement) { m_pending = std::move(statement); });
+    m_pendingPage = {first, count};
+    return getRSData(dataSet, more);
+}
+
+/// Stands on the next result already when it returns: only so is it known whether there is one.
+bool VKODBCdatabase::getRSData(VKRDBiDataSet*& dataSet, bool& more)
+{
+    dataSet = nullptr;
+    more = false;
+    std::unique_ptr<OdbcStatement> statement = std::move(m_pending);
+    if (statement == nullptr || !statement->HasResult())
+        return false;
+    const vk::DriverOutput output(m_bDriverPrints);
+    vk::OdbcResult result = statement->Read(m_pendingPage);
+    more = statement->Next();
+    dataSet = NewTable(std::move(result));
+    if (more)
+        m_pending = std::move(statement);
+    return true;
+}
+
+bool VKODBCdatabase::ExecuteQuery(VKRDBiDataSet*& dataSet, const char* format, ...)
+{
+    dataSet = nullptr;
+    va_list values;
+    va_start(values, format);
+    const std::string text = Formatted(format, values);
+    va_end(values);
+    return ExecuteQuery(text, dataSet);
+}
+
+bool VKODBCdatabase::ExecuteCommandFormat(const char* format, ...)
+{
+    va_list values;
+    va_start(values, format);
+    const std::string text = Formatted(format, values);
+    va_end(values);
+    return ExecuteCommand(text);
 }
 
 bool VKODBCdatabase::ExecuteCommand(const std::string& text)
 {
-    VKODBCResultSet result;
-    Run(text, result);
+    RunToLastResult(text);
     return true;
 }
 
 bool VKODBCdatabase::ExecuteSelectQuery(const std::string& text, VKODBCResultSet& result)
 {
-    Run(text, result);
+    vk::OdbcResult last = RunToLastResult(text);
+    result.Clear();
+    for (VKDBiRow& row : last.rows)
+        result.Add(std::move(row));
+    result.SetEffectedRowsCount(static_cast<int>(m_lRows));
     return true;
 }
 
 bool VKODBCdatabase::ExecuteUpdateQuery(const std::string& text, VKODBCResultSet& result)
 {
-    Run(text, result);
-    return true;
+    return ExecuteSelectQuery(text, result);
 }
 
 bool VKODBCdatabase::ExecuteInsertQuery(const std::string& text, VKODBCResultSet& result, unsigned long& id)
 {
-    Run(text, result);
+    ExecuteSelectQuery(text, result);
     id = result[0][0].GetValueULong();
     return true;
+}
+
+unsigned long VKODBCdatabase::GetLastRowInsertID(DatabaseType type, const std::string& sequenceName)
+{
+    std::string text = "SELECT ID = @@IDENTITY, ErrorCode = @@ERROR";
+    if (type == DatabaseTypeOracle)
+        text = "SELECT " + RequireName(sequenceName) + ".currval AS ID, 0 AS ErrorCode FROM dual";
+    else if (type == DatabaseTypePostgreSql)
+        text = "SELECT currval('" + RequireName(sequenceName) + "') AS ID, 0 AS ErrorCode";
+    VKODBCResultSet result;
+    ExecuteSelectQuery(text, result);
+    return result[0]["ID"].GetValueULong();
+}
+
+std::string VKODBCdatabase::oracleQueryFixForUnix(const std::string& text, SQLHSTMT statement)
+{
+    const vk::OracleCall call = vk::WithoutCursorParameters(text);
+    if (!call.cursor.empty())
+        SQLSetCursorName(statement, OdbcBytes(call.cursor), SQL_NTS);
+    return call.text;
+}
+
+void VKODBCdatabase::GetSQLError(SQLRETURN result, SQLHSTMT statement, std::string& text)
+{
+    text.clear();
+    if (!SQL_SUCCEEDED(result))
+        text = vk::ReadOdbcError(SQL_HANDLE_STMT, statement).text;
 }
 
 void VKODBCdatabase::SetAutoCommit(bool on)
@@ -306,17 +316,20 @@ bool VKODBCdatabase::BeginTransaction()
 bool VKODBCdatabase::EndTransaction(SQLSMALLINT how)
 {
     RequireOpen();
+    m_pending.reset();
     if (!SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, m_hConnection, how)))
         ThrowConnectionError("Unable to end a transaction on");
     SetAutoCommit(true);
     return true;
 }
 
-std::string VKODBCdatabase::GetServerName()
+std::string VKODBCdatabase::GetServerName() { return IsOpen() ? GetInfo(SQL_DBMS_NAME) : ""; }
+
+std::string VKODBCdatabase::GetInfo(SQLUSMALLINT what) const
 {
-    SQLCHAR name[128] = {};
+    SQLCHAR text[128] = {};
     SQLSMALLINT length = 0;
-    if (!IsOpen() || !SQL_SUCCEEDED(SQLGetInfo(m_hConnection, SQL_DBMS_NAME, name, sizeof name, &length)))
+    if (!SQL_SUCCEEDED(SQLGetInfo(m_hConnection, what, text, sizeof text, &length)))
         return "";
-    return reinterpret_cast<const char*>(name);
+    return reinterpret_cast<const char*>(text);
 }
