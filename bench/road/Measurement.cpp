@@ -11,6 +11,8 @@ std::string Goal::Text(const std::string& unit) const
     };
     add("<=", maxValue, unit);
     add("<=", maxRatio, "x bare");
+    if (minValue && minRatio)
+        return ">= " + ShortNumber(*minValue) + " " + unit + " or " + ShortNumber(*minRatio) + " x bare";
     add(">=", minRatio, "x bare");
     add(">=", minValue, unit);
     return text;

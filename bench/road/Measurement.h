@@ -27,7 +27,7 @@ struct Figure
     double Ratio() const { return bare > 0 ? value / bare : std::numeric_limits<double>::quiet_NaN(); }
 };
 
-/// What a figure has to reach. Limits that are not set do not count.
+/// What a figure has to reach. Limits that are not set do not count; of two lower limits the lower one does.
 struct Goal
 {
     std::optional<double> maxValue;
@@ -37,8 +37,9 @@ struct Goal
 
     bool IsMetBy(const Figure& figure) const
     {
+        const bool lower = minValue || minRatio;
         return figure.sound && (!maxValue || figure.value <= *maxValue) && (!maxRatio || figure.Ratio() <= *maxRatio) &&
-               (!minRatio || figure.Ratio() >= *minRatio) && (!minValue || figure.value >= *minValue);
+               (!lower || (minRatio && figure.Ratio() >= *minRatio) || (minValue && figure.value >= *minValue));
     }
     /// Such as "<= 1500 us, <= 2.5 x bare".
     std::string Text(const std::string& unit) const;

@@ -4,6 +4,7 @@
 #include "Measurement.h"
 #include "Parts.h"
 #include "Stage.h"
+#include "Transfers.h"
 
 #include <json/json.h>
 
@@ -39,6 +40,13 @@ const Measurement kMeasurements[] = {
     {"connect_p50", "us", {{}, 1.2, {}}, ConnectP50},
     {"reconnect_growth_kib", "KiB", {512, {}, {}}, ReconnectGrowth},
     {"session_bytes", "B", {4096, {}, {}}, SessionBytes},
+    {"socks5_rate", "MB/s", {{}, {}, 0.3, 400}, Socks5Rate},
+    {"first_byte", "ms", {50, {}, {}}, FirstByte},
+    {"inband_rate", "MB/s", {{}, {}, {}, 2}, InBandRate},
+    {"encrypt_rate", "MB/s", {{}, {}, 0.8}, EncryptRate},
+    {"handoff_during_transfer", "us", {10000, {}, {}}, HandoffDuringTransfer},
+    {"idle_sender_cpu", "% of a core", {0.001, {}, {}}, IdleSenderCpu},
+    {"transfers_100", "ms", {100, {}, {}}, HundredTransfers},
 };
 
 constexpr const char* kHelp =

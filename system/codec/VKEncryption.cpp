@@ -1,5 +1,6 @@
 #include "VKEncryption.h"
 
+#include "VKCipherStream.h"
 #include "VKbase64.h"
 
 #include <openssl/crypto.h>
@@ -19,10 +20,6 @@ using Byte = VKEncryption::Byte;
 constexpr int kKeyLength = 32;
 constexpr int kSpare = 32; // more than one block of padding
 
-// A constant of the deployment: changing it makes everything unreadable that was encrypted in CBC mode before.
-constexpr Byte kVector[16] = {0x6B, 0x1F, 0xC4, 0x92, 0x3D, 0xE8, 0x57, 0xA0,
-                              0x0E, 0xB9, 0x74, 0x2C, 0xD3, 0x86, 0x41, 0xFA};
-
 enum class Direction { Encrypt, Decrypt };
 
 /// What differs between the two directions.
@@ -36,11 +33,6 @@ struct Way
 constexpr Way kEncrypt{Direction::Encrypt, "Encryption error: ", 0};
 // Callers tell a failed decryption by this fill, on purpose.
 constexpr Way kDecrypt{Direction::Decrypt, "Decryption error: ", 'a'};
-
-const EVP_CIPHER* CipherOf(vk_encrypt_option option)
-{
-    return option == VK_ENCRYPT_AES256_CBC ? EVP_aes_256_cbc() : EVP_aes_256_ecb();
-}
 
 /// Takes what OpenSSL says about a failure out of the thread's error queue, and leaves what was there before: TLS on
 /// the same thread reads the queue too.
@@ -83,16 +75,10 @@ Secret DecodedKey(const std::string& key)
 /// The length written to `out`, -1 when a step fails.
 int Transform(Direction direction, std::string_view key, std::string_view data, Byte* out, vk_encrypt_option option)
 {
-    const std::unique_ptr<EVP_CIPHER_CTX, void (*)(EVP_CIPHER_CTX*)> context(EVP_CIPHER_CTX_new(), EVP_CIPHER_CTX_free);
-    const int encrypt = direction == Direction::Encrypt ? 1 : 0;
-    int body = 0;
-    int tail = 0;
-    const bool done =
-        context &&
-        EVP_CipherInit_ex(context.get(), CipherOf(option), nullptr, vk::BytesOf(key), kVector, encrypt) == 1 &&
-        EVP_CipherUpdate(context.get(), out, &body, vk::BytesOf(data), static_cast<int>(data.size())) == 1 &&
-        EVP_CipherFinal_ex(context.get(), out + body, &tail) == 1;
-    return done ? body + tail : -1;
+    vk::CipherStream cipher(direction == Direction::Encrypt, key, option);
+    const int body = cipher.Update(data, out);
+    const int tail = body < 0 ? -1 : cipher.Finish(out + body);
+    return tail < 0 ? -1 : body + tail;
 }
 
 /// Why this key and these data cannot be worked on; null when they can.
@@ -122,9 +108,10 @@ bool ToBytes(const Way& way, std::string_view key, std::string_view data, Byte*&
     error.clear();
     if (!out)
         return Fail(way, "Out of memory", error);
-    std::memset(out, way.fill, room);
-    if (const char* const reason = Refusal(key, data))
+    if (const char* const reason = Refusal(key, data)) {
+        std::memset(out, way.fill, room);
         return Fail(way, reason, error);
+    }
 
     const ErrorScope scope;
     const int length = Transform(way.direction, key, data, out, option);
@@ -191,12 +178,13 @@ bool MessageFailed(const char* verb, std::string& error)
 
 } // namespace
 
-bool VKEncryption::TransformKeyForCipher(const Byte* text, int length, Byte* key, Option option)
+bool VKEncryption::TransformKeyForCipher(const Byte* text, int length, Byte* key, Option)
 {
     if (!text || length < 0 || !key)
         return false;
     const ErrorScope scope;
-    return EVP_BytesToKey(CipherOf(option), EVP_sha256(), nullptr, text, length, 1, key, nullptr) == kKeyLength;
+    // The cipher gives the length of the key alone, which is the same for both modes.
+    return EVP_BytesToKey(EVP_aes_256_ecb(), EVP_sha256(), nullptr, text, length, 1, key, nullptr) == kKeyLength;
 }
 
 bool VKEncryption::TransformKeyForCipher(const Byte* text, int length, std::string& key, Option option)

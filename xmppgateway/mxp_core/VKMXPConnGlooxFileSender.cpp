@@ -23,6 +23,7 @@
 namespace {
 
 constexpr const char* kTransferError = "File Transfer Error.";
+constexpr auto kAheadLimit = std::chrono::seconds(10); // a device that is online has answered by then
 constexpr int kMostDoublings = 7; // a record that cannot be secured is tried again after 100 ms to 12.8 s
 
 } // namespace
@@ -131,7 +132,8 @@ void VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::DoThreadWork()
     while (!IsStopRequested()) {
         FileAttachmentDetails record;
         if (!TakeRecord(record)) {
-            WaitForRecords();
+            if (!SecureAhead())
+                WaitForRecords();
             continue;
         }
         SetFileAttachmentParams(record);
@@ -143,12 +145,50 @@ void VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::DoThreadWork()
 void VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::WaitForRecords()
 {
     const auto due = [this] { return m_bPoked || IsStopRequested(); };
+    if (m_tDropAhead <= Clock::now() || !IsPending(m_uAhead)) {
+        m_objCopies.DropAhead();
+        m_tDropAhead = Clock::time_point::max();
+    }
+    const Clock::time_point next = std::min(m_tNextTry, m_tDropAhead);
     std::unique_lock<std::mutex> lock(m_mtxPoke);
-    if (m_tNextTry == Clock::time_point::max())
+    if (next == Clock::time_point::max())
         m_cvPoke.wait(lock, due);
     else
-        m_cvPoke.wait_until(lock, m_tNextTry, due);
+        m_cvPoke.wait_until(lock, next, due);
     m_bPoked = false;
+}
+
+/// Uses the time until the peer answers: the files of the first record that waits for that are secured, once. Whatever
+/// can go meanwhile goes first. False when there is nothing of the kind to do.
+bool VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::SecureAhead()
+{
+    FileAttachmentDetails record;
+    {
+        const vk::ScopedSection section(*m_pobjConnection->m_pobjAttachmentsLock);
+        auto& pending = m_pobjConnection->m_vecPendingAttachments;
+        const auto found = std::find_if(pending.begin(), pending.end(), [](const FileAttachmentDetails& each) {
+            return each.eMechanism == FileTransferMechanism::Unknown && !each.bTriedAhead;
+        });
+        if (found == pending.end() || m_tDropAhead != Clock::time_point::max())
+            return false;
+        found->bTriedAhead = true;
+        record = *found;
+    }
+    const auto interrupt = [this, &record] {
+        FileAttachmentDetails ready;
+        return IsStopRequested() || (ChooseRecord(ready) && ready.uID != record.uID);
+    };
+    m_uAhead = record.uID;
+    if (m_objCopies.MakeAhead(record.vecFiles, interrupt))
+        m_tDropAhead = Clock::now() + kAheadLimit;
+    return true;
+}
+
+bool VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::IsPending(unsigned long id)
+{
+    const vk::ScopedSection section(*m_pobjConnection->m_pobjAttachmentsLock);
+    const auto& pending = m_pobjConnection->m_vecPendingAttachments;
+    return std::any_of(pending.begin(), pending.end(), [id](const auto& each) { return each.uID == id; });
 }
 
 /// Secured outside the attachments lock, since whoever queues further files waits for that.
@@ -213,7 +253,10 @@ bool VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::SecureFileAttachmentsForSocks
                                                                                   FileTransferMechanism::eType)
 {
     std::string error;
-    if (m_objCopies.Make(files, error))
+    m_tDropAhead = Clock::time_point::max();
+    const bool made = m_objCopies.Make(files, error, [this] { return IsStopRequested(); });
+    m_objCopies.DropAhead();
+    if (made)
         return true;
     if (!error.empty())
         VK_LOG_ERROR(m_pLogger, "Connection ID: [%s], JID: [%s]  >> File Transfer Error: Error occurred [%s].",

@@ -110,6 +110,8 @@ private:
     // The pending records.
     bool TakeRecord(FileAttachmentDetails& record);
     bool ChooseRecord(FileAttachmentDetails& record);
+    bool SecureAhead();
+    bool IsPending(unsigned long id);
     bool EraseRecord(unsigned long id);
     void PutOff(unsigned long id);
     void WaitForRecords();
@@ -144,5 +146,7 @@ private:
     std::mutex m_mtxPoke; ///< leaf
     std::condition_variable m_cvPoke;
     bool m_bPoked = false;                  ///< m_mtxPoke
-    Clock::time_point m_tNextTry = Clock::time_point::max(); ///< own thread
+    Clock::time_point m_tNextTry = Clock::time_point::max();   ///< own thread
+    Clock::time_point m_tDropAhead = Clock::time_point::max(); ///< when copies made ahead are given up; own thread
+    unsigned long m_uAhead = 0;                                ///< the record that they are of; own thread
 };

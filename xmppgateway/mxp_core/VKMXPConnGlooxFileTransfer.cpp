@@ -24,6 +24,7 @@ using namespace std::chrono_literals;
 
 constexpr int kSent = 3;
 constexpr int kFailed = 2;
+constexpr std::int32_t kGone = -1;         // the size of a copy that somebody has taken away
 constexpr std::size_t kInBandBlock = 5760; // bytes; as Base64 the stanza stays below 8 KiB, which any server takes
 constexpr int kInBandWindow = 8;           // blocks on their way to the peer; more only wait at the server
 constexpr int kLookEvery = 50;             // milliseconds; the upper limit of a wait for the stream
@@ -86,8 +87,8 @@ void VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::SetFileAttachmentParams(FileA
     m_eMechanism = record.eMechanism;
     for (const auto& [path, secureKey] : record.vecFiles) {
         struct stat state{};
-        ::stat(path.c_str(), &state);
-        m_vecFiles.push_back({static_cast<std::int32_t>(state.st_size), path, secureKey});
+        const bool there = ::stat(path.c_str(), &state) == 0;
+        m_vecFiles.push_back({there ? static_cast<std::int32_t>(state.st_size) : kGone, path, secureKey});
     }
     const ClientLock inside(m_pobjConnection->m_mtxClient);
     m_iPosition = 0;
@@ -138,7 +139,9 @@ bool VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::SendFile(VKFileEntry& file)
     Note(VKLogInterface::DEBUG, "Got new file. File Index updated to: [" + std::to_string(m_iFileIndex) + "]");
     if (file.iSize == 0)
         return true;
-    if (!Offer(file) || !AwaitStream())
+    if (file.iSize == kGone)
+        Fail(kTransferError, "File Transfer Error: File Stream is not open.");
+    if (m_bQuit || !Offer(file) || !AwaitStream())
         return false;
     const bool sent = m_eMechanism == FileTransferMechanism::Socks5 ? SendOverSocks5(file) : SendInBand(file);
     if (sent)

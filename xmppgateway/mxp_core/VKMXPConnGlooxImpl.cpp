@@ -415,13 +415,15 @@ void VKMXPConnGlooxImpl::QueueAttachments(VKMXPSession& session, const Attachmen
         const vk::ScopedSection section(*m_pobjAttachmentsLock);
         for (const auto& entry : attachments)
             m_vecPendingAttachments.push_back(
-                {target, entry.first, entry.second, FileTransferMechanism::Unknown, ++m_uNextRecord, 0, {}});
+                {target, entry.first, entry.second, FileTransferMechanism::Unknown, ++m_uNextRecord, 0, {}, false});
     }
     VK_LOG_DEBUG(m_pobjLogger, "Connection ID: [%s] >> Sending 'getDiscoInfo' call for JID: [%s]",
                  m_strConnectionID.c_str(), target.c_str());
     const std::lock_guard<std::recursive_mutex> inside(m_mtxClient);
     if (m_pobjClient)
         m_pobjClient->disco()->getDiscoInfo(gloox::JID(target), std::string(), this, 0);
+    if (m_pobjFileSender)
+        m_pobjFileSender->Poke(); // files are secured while the peer thinks about its answer
 }
 
 /// Files that cannot follow are told of at once, so that their jobs do not stay pending for ever.

@@ -75,6 +75,7 @@ public:
         unsigned long uID = 0;                              ///< tells records apart
         int iTries = 0;                                     ///< how often its files could not be secured
         std::chrono::steady_clock::time_point tNotBefore{}; ///< the next try
+        bool bTriedAhead = false; ///< its files were to be secured before its peer had answered
     };
 
 private:

@@ -246,9 +246,13 @@ bool VKMXPTcpSocket::send(const std::string& data)
 
 void VKMXPTcpSocket::KeepUnsent(std::string_view rest)
 {
-    if (m_strUnsent.size() + rest.size() > kUnsentLimit) {
+    if (m_strUnsent.size() - m_uUnsentFrom + rest.size() > kUnsentLimit) {
         m_bBroken = true;
         return;
+    }
+    if (m_uUnsentFrom > m_strUnsent.size() / 2) { // the part that was sent goes when it has become the larger one
+        m_strUnsent.erase(0, m_uUnsentFrom);
+        m_uUnsentFrom = 0;
     }
     if (m_strUnsent.empty()) {
         m_tUnsentSince = Clock::now();
@@ -263,17 +267,27 @@ bool VKMXPTcpSocket::FlushUnsent()
 {
     if (m_strUnsent.empty())
         return true;
-    const ssize_t sent = ::send(m_iSocket, m_strUnsent.data(), m_strUnsent.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+    const ssize_t sent = ::send(m_iSocket, m_strUnsent.data() + m_uUnsentFrom, m_strUnsent.size() - m_uUnsentFrom,
+                                MSG_NOSIGNAL | MSG_DONTWAIT);
     if (sent < 0 && errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR)
         return false;
     if (sent <= 0)
         return Clock::now() - m_tUnsentSince < kSendLimit;
     m_lBytesOut += sent;
-    m_strUnsent.erase(0, static_cast<std::size_t>(sent));
+    m_uUnsentFrom += static_cast<std::size_t>(sent);
     m_tUnsentSince = Clock::now();
-    if (m_strUnsent.empty() && m_bWatched)
+    if (m_uUnsentFrom < m_strUnsent.size())
+        return true;
+    DropUnsent();
+    if (m_bWatched)
         m_pobjWait->Change(m_iSocket, false);
     return true;
+}
+
+void VKMXPTcpSocket::DropUnsent()
+{
+    std::string().swap(m_strUnsent); // after a burst its memory goes back
+    m_uUnsentFrom = 0;
 }
 
 gloox::ConnectionError VKMXPTcpSocket::receive()
@@ -302,7 +316,7 @@ void VKMXPTcpSocket::cleanup()
     m_bOpening = false;
     m_bWatched = false;
     m_bBroken = false;
-    m_strUnsent.clear();
+    DropUnsent();
     m_state = gloox::StateDisconnected;
 }
 

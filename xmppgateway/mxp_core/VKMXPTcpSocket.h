@@ -75,6 +75,7 @@ private:
     int ConnectOne(const struct addrinfo& address) const;
     bool FlushUnsent();
     void KeepUnsent(std::string_view rest);
+    void DropUnsent();
     gloox::ConnectionError Fail(gloox::ConnectionError error);
 
     vk::TrafficWait* m_pobjWait;
@@ -84,7 +85,8 @@ private:
     bool m_bOpening = false; ///< its connection is under way
     bool m_bWatched = false;
     bool m_bBroken = false; ///< a send failed; the next recv says so
-    std::string m_strUnsent;
+    std::string m_strUnsent;       ///< empty when all was sent
+    std::size_t m_uUnsentFrom = 0; ///< how much of it was sent since
     Clock::time_point m_tUnsentSince{};
     long int m_lBytesIn = 0;
     long int m_lBytesOut = 0;
