@@ -21,6 +21,7 @@ constexpr int kPage = 50;
 constexpr std::size_t kMostInHand = 4000;
 constexpr seconds kHousekeeping(60);
 constexpr milliseconds kRetry(1000);
+constexpr seconds kTellAgain(60);
 /// The driver is asked about all open messages every ten milliseconds, more rarely when they are thousands.
 constexpr milliseconds kAskInterval(10);
 constexpr std::chrono::microseconds kAskShare(10);
@@ -32,8 +33,7 @@ constexpr milliseconds kLastWords(500);
 /// The driver lets go of the files first.
 QueueFeeder::~QueueFeeder() { m_parts.exchange.End(); }
 
-/// Does something with the store. What does not come out is told, once as long as it is the same, and is tried again by
-/// whoever comes back to it.
+/// Does something with the store. What does not come out is told and is tried again by whoever comes back to it.
 bool QueueFeeder::Attempt(const std::function<void()>& work)
 {
     try {
@@ -41,8 +41,10 @@ bool QueueFeeder::Attempt(const std::function<void()>& work)
         return true;
     } catch (const VKDBexception& error) {
         const std::string trouble = error.ToString();
-        if (trouble != m_lastTrouble)
+        if (trouble != m_lastTrouble || Clock::now() - m_lastTold >= kTellAgain) {
             VK_LOG_ERROR(&m_parts.logger, "Queue %d: %s", m_parts.settings.queue, trouble.c_str());
+            m_lastTold = Clock::now();
+        }
         m_lastTrouble = trouble;
         m_parts.tellErrors("queue " + std::to_string(m_parts.settings.queue));
         return false;

@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <functional>
+#include <map>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -114,7 +115,10 @@ private:
     Clock::time_point m_lastSent{};
     bool m_foundNothing = false;
     bool m_anyFailed = false;
-    std::string m_lastTrouble; ///< so that the same is not told every second
+    /// Until when a carrier's messages are held back, after a failure that took its time: those of others go first.
+    std::map<std::string, Clock::time_point> m_holds;
+    std::string m_lastTrouble; ///< told once a minute at most, as long as it is the same
+    Clock::time_point m_lastTold{};
 };
 
 } // namespace vk

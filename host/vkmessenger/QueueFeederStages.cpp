@@ -20,6 +20,8 @@ using std::chrono::seconds;
 /// A driver's reason after which another try would be in vain.
 constexpr const char* kReceiverOffline = "Receiver is offline.";
 constexpr milliseconds kRetry(1000);
+/// A server that does not answer holds the service up so long; its other messages must not do so one by one.
+constexpr seconds kLongFailure(1);
 /// A row that is being sent is given to others when it has not changed for 20 minutes.
 constexpr seconds kTouchInterval(300);
 
@@ -85,11 +87,19 @@ void QueueFeeder::Step(Entry& entry)
 void QueueFeeder::Send(Entry& entry)
 {
     QueueMessage& message = *entry.message;
+    const auto started = Clock::now();
+    Clock::time_point& hold = m_holds[message.File().strCarrierName];
+    if (started < hold) {
+        entry.due = hold;
+        return;
+    }
     const long now = std::time(nullptr);
     const long expiry = message.ExpiresAt(m_parts.settings.expireSeconds);
     message.File().iSecondsToLive = static_cast<int>(std::clamp<long>(expiry - now, 0, INT32_MAX));
     const MessageReport report = m_parts.exchange.Send(message.File());
     m_lastSent = Clock::now();
+    if (report.status == Reports::RS_FAILED && m_lastSent - started >= kLongFailure)
+        hold = m_lastSent + seconds(m_parts.settings.retrySeconds);
     message.Note(report);
     m_parts.timeline.Show(message.Job(), "send", report);
     m_parts.tellErrors(message.Job());
