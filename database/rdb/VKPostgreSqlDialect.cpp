@@ -29,8 +29,13 @@ std::string PostgreSqlDialect::Page(const std::string& query, const std::string&
 
 std::string PostgreSqlDialect::KeepIdentity(const TableName& table, bool on) const
 {
+    if (on)
+        return "";
     const std::string name = table.relational;
-    return on ? "" : "SELECT setval(pg_get_serial_sequence('" + name + "', 'id'), (SELECT MAX(id) FROM " + name + "))";
+    const std::string sequence = "pg_get_serial_sequence('" + name + "', 'id')";
+    // Never backwards: the id of a row that was deleted is not given again.
+    return "SELECT setval(" + sequence + ", GREATEST((SELECT MAX(id) FROM " + name + "), pg_sequence_last_value(" +
+           sequence + "::regclass)))";
 }
 
 std::string PostgreSqlDialect::NullForZeroColumn(std::string_view name, std::string_view of) const

@@ -36,11 +36,15 @@ unsigned long SqlStore::RunInsert(const std::string& text)
 
 VKDBexception SqlStore::WithoutTexts(const VKDBexception& failure, const std::vector<std::string>& texts)
 {
-    std::string message = failure.GetMsg();
-    for (const std::string& text : texts)
-        for (std::size_t at = message.find(text); text != "''" && at != std::string::npos; at = message.find(text, at))
-            message.replace(at, text.size(), "***");
-    return VKDBexception(failure.GetErrorCode(), failure.GetFile(), failure.GetLine(), message, failure.GetSysMsg());
+    const auto without = [&](std::string message) {
+        for (const std::string& text : texts)
+            for (std::size_t at = message.find(text); text != "''" && at != std::string::npos;
+                 at = message.find(text, at))
+                message.replace(at, text.size(), "***");
+        return message;
+    };
+    return VKDBexception(failure.GetErrorCode(), failure.GetFile(), failure.GetLine(), without(failure.GetMsg()),
+                         without(failure.GetSysMsg()));
 }
 
 void SqlStore::SwitchKeepIdentity(const TableName& table, bool on)

@@ -295,8 +295,12 @@ TEST_P(VKDepartmentServerTest, IdsGoOnBehindMovedRecords)
     VK_DEPARTMENT_LIST list;
     AddDepartment(&list, &department);
     ASSERT_TRUE(store->ConvertRecords(&list));
-    EmptyDepartmentList(&list);
     EXPECT_EQ(Add(Department("new")), 71u);
+    EXPECT_TRUE(store->Delete(71));
+    list.list[0].id = 5;
+    ASSERT_TRUE(store->ConvertRecords(&list));
+    EXPECT_EQ(Add(Department("newer")), 72u) << "no id twice";
+    EmptyDepartmentList(&list);
 }
 
 TEST_P(VKDepartmentServerTest, LongCellsArriveWholeAndErrorsCarryTheServersWords)

@@ -13,6 +13,16 @@ namespace {
 /// SQLSTATE class 08, and the server's own word for being shut down.
 bool TellsOfLostConnection(std::string_view state) { return state.substr(0, 2) == "08" || state.substr(0, 4) == "57P0"; }
 
+/// A server that refuses a row may quote it, whatever part of it the statement wrote, and with it the secrets that stand
+/// in it. The words before it say what is wrong.
+std::string WithoutQuotedRow(std::string message)
+{
+    for (const char* quotes : {"Failing row contains", "Truncated value:"})
+        if (const std::size_t at = message.find(quotes); at != std::string::npos)
+            message.replace(at, std::string::npos, std::string(quotes) + " ***");
+    return message;
+}
+
 } // namespace
 
 OdbcError ReadOdbcError(SQLSMALLINT kind, SQLHANDLE handle)
@@ -33,7 +43,7 @@ OdbcError ReadOdbcError(SQLSMALLINT kind, SQLHANDLE handle)
         if (record == 1)
             error.code = native;
         error.connectionLost |= TellsOfLostConnection(reinterpret_cast<const char*>(state));
-        error.text.append(reinterpret_cast<const char*>(message)).append("\n");
+        error.text.append(WithoutQuotedRow(reinterpret_cast<const char*>(message))).append("\n");
     }
 }
 
