@@ -12,8 +12,9 @@
 
 namespace vk {
 
-/// One column's value into one member. A char* member takes over a malloc-owned copy and frees what it held.
-template <class Value> void ReadValue(Value& member, const VKDBiRowField& field, const char* name)
+/// One column's value into one member. A char* member takes over a malloc-owned copy and frees what it held. A column is
+/// a VKDBiRowField, or what reads as one does.
+template <class Value, class Column> void ReadValue(Value& member, const Column& field, const char* name)
 {
     if constexpr (std::is_array_v<Value>) {
         SetText(member, field.GetValueString(), name);

@@ -1,68 +1,58 @@
 #include <benchmark/benchmark.h>
 
-#include <cstdlib>
-#include <filesystem>
+#include <memory>
 #include <sqlite3.h>
 
-#include "VKConfiguration.h"
-#include "VKDBiReceiver.h"
-#include "VKDatabase.h"
-#include "VKRecordText.h"
+#include "ReceiverInstallation.h"
 
-/// What one send asks of the receivers: the factory's object, and one receiver by id, beside the bare library reading
-/// the same row in a transaction of the same kind.
+/// What a send asks of the receivers: the factory's object, and one receiver by id; and what a list of all of them costs.
+/// Beside each the bare library running the same statements in a transaction of the same kind.
 
 namespace {
 
-/// An installation with receivers in it; one for the whole program, because a process has one configuration.
-class Installation
+struct CloseHandle
 {
-public:
-    static Installation& Get()
-    {
-        static Installation installation;
-        return installation;
-    }
-    std::string File() const { return m_root + "/config/receivers.sdb"; }
-    VKDatabase& Database() { return *VKDatabase::getVKMultiThreadedDatabase(nullptr, true); }
-
-private:
-    Installation()
-    {
-        std::string name = (std::filesystem::temp_directory_path() / "vkbench-XXXXXX").string();
-        m_root = mkdtemp(name.data());
-        std::filesystem::create_directories(m_root + "/config");
-        FILE* const source = std::fopen((m_root + "/config/datasource").c_str(), "w");
-        std::fputs("database_type:\tSdb\n", source);
-        std::fclose(source);
-        VKConfiguration::getVKConfiguration()->setConfDirectory(m_root + "/config");
-        VKConfiguration::getVKConfiguration()->loadPrimaryConfiguration(true);
-        for (int i = 0; i < 100; ++i) {
-            VK_RECEIVER receiver;
-            vk::SetText(receiver.name, "receiver " + std::to_string(i), "name");
-            vk::SetText(receiver.pin, "user" + std::to_string(i) + "@example.org", "pin");
-            Database().getVKDBiReceiverObject()->Add(&receiver, true);
-        }
-    }
-    ~Installation()
-    {
-        Database().resetCache();
-        std::filesystem::remove_all(m_root);
-    }
-
-    std::string m_root;
+    void operator()(sqlite3* handle) const { sqlite3_close(handle); }
 };
 
-void FactoryHit(benchmark::State& state)
+/// The bare library on the receivers' file.
+class BareFile
 {
-    VKDatabase& database = Installation::Get().Database();
+public:
+    BareFile()
+    {
+        sqlite3* handle = nullptr;
+        sqlite3_open(ReceiverInstallation::Get().File().c_str(), &handle);
+        m_handle.reset(handle);
+    }
+
+    void Read(std::initializer_list<const char*> queries)
+    {
+        sqlite3_exec(m_handle.get(), "BEGIN IMMEDIATE TRANSACTION ;", nullptr, nullptr, nullptr);
+        for (const char* query : queries) {
+            char** table = nullptr;
+            int rows = 0;
+            int columns = 0;
+            sqlite3_get_table(m_handle.get(), query, &table, &rows, &columns, nullptr);
+            sqlite3_free_table(table);
+        }
+        sqlite3_exec(m_handle.get(), "COMMIT TRANSACTION ;", nullptr, nullptr, nullptr);
+    }
+
+private:
+    std::unique_ptr<sqlite3, CloseHandle> m_handle;
+};
+
+void factory_hit(benchmark::State& state)
+{
+    VKDatabase& database = ReceiverInstallation::Get().Database();
     for (auto _ : state)
         benchmark::DoNotOptimize(database.getVKDBiReceiverObject());
 }
 
-void ReceiverById(benchmark::State& state)
+void receiver_by_id(benchmark::State& state)
 {
-    VKDatabase& database = Installation::Get().Database();
+    VKDatabase& database = ReceiverInstallation::Get().Database();
     for (auto _ : state) {
         VK_RECEIVER receiver;
         benchmark::DoNotOptimize(database.getVKDBiReceiverObject()->GetByID(&receiver, 50));
@@ -70,36 +60,46 @@ void ReceiverById(benchmark::State& state)
     }
 }
 
-void ReceiverByIdBare(benchmark::State& state)
+void receiver_by_id_bare(benchmark::State& state)
 {
-    sqlite3* handle = nullptr;
-    sqlite3_open(Installation::Get().File().c_str(), &handle);
+    BareFile file;
+    for (auto _ : state)
+        file.Read(
+            {"SELECT * FROM receiver WHERE id=50;", "SELECT * FROM receiver_dept WHERE owner_id=50 ORDER BY id;"});
+}
+
+void receiver_list_10000(benchmark::State& state)
+{
+    VKDatabase& database = ReceiverInstallation::Get().Database();
     for (auto _ : state) {
-        sqlite3_exec(handle, "BEGIN IMMEDIATE TRANSACTION ;", nullptr, nullptr, nullptr);
-        for (const char* query :
-             {"SELECT * FROM receiver WHERE id=50;", "SELECT * FROM receiver_dept WHERE owner_id=50 ORDER BY id;"}) {
-            char** table = nullptr;
-            int rows = 0;
-            int columns = 0;
-            sqlite3_get_table(handle, query, &table, &rows, &columns, nullptr);
-            sqlite3_free_table(table);
-        }
-        sqlite3_exec(handle, "COMMIT TRANSACTION ;", nullptr, nullptr, nullptr);
+        VK_RECEIVER_LIST list;
+        database.getVKDBiReceiverObject()->Get(&list);
+        if (list.count != ReceiverInstallation::kReceivers)
+            state.SkipWithError("receivers are missing");
+        EmptyReceiverList(&list);
     }
-    sqlite3_close(handle);
+}
+
+void receiver_list_10000_bare(benchmark::State& state)
+{
+    BareFile file;
+    for (auto _ : state)
+        file.Read({"SELECT * FROM receiver ORDER BY UPPER(name) ASC;"});
 }
 
 /// What a thread pays once before its first receiver, and again after half an hour without one.
-void OpenReceivers(benchmark::State& state)
+void receiver_open(benchmark::State& state)
 {
-    VKDBsystem* const system = Installation::Get().Database().getDBSystemObject();
+    VKDBsystem* const system = ReceiverInstallation::Get().Database().getDBSystemObject();
     for (auto _ : state)
         delete VKDBiReceiver::CreateInstance(system);
 }
 
 } // namespace
 
-BENCHMARK(FactoryHit)->Unit(benchmark::kNanosecond);
-BENCHMARK(ReceiverById)->Unit(benchmark::kMicrosecond);
-BENCHMARK(ReceiverByIdBare)->Unit(benchmark::kMicrosecond);
-BENCHMARK(OpenReceivers)->Unit(benchmark::kMicrosecond);
+BENCHMARK(factory_hit)->Unit(benchmark::kNanosecond);
+BENCHMARK(receiver_by_id)->Unit(benchmark::kMicrosecond);
+BENCHMARK(receiver_by_id_bare)->Unit(benchmark::kMicrosecond);
+BENCHMARK(receiver_list_10000)->Unit(benchmark::kMillisecond);
+BENCHMARK(receiver_list_10000_bare)->Unit(benchmark::kMillisecond);
+BENCHMARK(receiver_open)->Unit(benchmark::kMicrosecond);

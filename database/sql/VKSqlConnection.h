@@ -5,6 +5,7 @@
 
 #include "VKDBiResultSet.h"
 #include "VKSqlDialect.h"
+#include "VKSqlRow.h"
 
 namespace vk {
 
@@ -28,6 +29,13 @@ public:
     virtual std::string GetPath() const = 0;
 
     virtual std::unique_ptr<VKDBiResultSet> ExecuteSelectQuery(const std::string& query) = 0;
+    /// Hands each row of a SELECT on as it is read, where the backend can: thousands of them are never held twice.
+    virtual void ForEachRow(const std::string& query, const SqlRowReader& take)
+    {
+        const auto rows = ExecuteSelectQuery(query);
+        for (int row = 0; row < rows->GetReturnedRowsCount(); ++row)
+            take(SqlResultRow((*rows)[row]));
+    }
     /// Gives back how many rows were touched.
     virtual long ExecuteUpdateQuery(const std::string& query) = 0;
     /// Gives back the id of the new row.

@@ -20,17 +20,6 @@ constexpr const char* kByName = " ORDER BY UPPER({receiver}.name) ASC";
 constexpr const char* kCarrierJoin = " LEFT OUTER JOIN {carrier} ON {carrier}.id={receiver}.carrier_id";
 constexpr const char* kDepartmentJoin = " LEFT OUTER JOIN {department} ON {department}.id={receiver}.department_id";
 
-/// Each row of a result as a record of a field table.
-template <class Record, class Fields, class Take>
-void ForEachRow(const VKDBiResultSet& rows, const Fields& fields, Take&& take)
-{
-    for (int row = 0; row < rows.GetReturnedRowsCount(); ++row) {
-        Record record;
-        ReadRow(fields, rows[row], record);
-        take(record);
-    }
-}
-
 } // namespace
 
 std::string SqlReceiverLists::DisabledAt(long time) const
@@ -60,17 +49,34 @@ std::unique_ptr<SqlAttachment> SqlReceiverLists::NeededCarriers(bool needed)
     return needed ? m_files.Carriers() : nullptr;
 }
 
-/// Runs in the caller's transaction, with the carriers attached when the query or the filter needs them.
-std::unique_ptr<VKDBiResultSet> SqlReceiverLists::SelectFiltered(const Query& query)
+/// To be run in a transaction, with the carriers attached when the query or the filter needs them.
+std::string SqlReceiverLists::Filtered(const Query& query) const
 {
     const SqlDialect& dialect = m_store.Dialect();
     SqlClause clause = m_filter.Clause(dialect);
     if (!query.condition.empty())
         clause.AddRaw(query.condition);
-    return m_store.Select("SELECT {} FROM {}{}{} {}{}", SqlRaw{Named(query.columns)}, kName,
-                          SqlRaw{query.protocols ? Named(kCarrierJoin) : ""},
-                          SqlRaw{m_filter.NeedsCover() ? SqlReceiverFilter::CoverJoin(dialect) : ""},
-                          SqlRaw{clause.Text()}, SqlRaw{Named(kByName)});
+    return Named("SELECT " + query.columns + " FROM {receiver}" + (query.protocols ? kCarrierJoin : "")) +
+           (m_filter.NeedsCover() ? SqlReceiverFilter::CoverJoin(dialect) : "") + " " + clause.Text() + Named(kByName);
+}
+
+void SqlReceiverLists::ForEachFiltered(const Query& query, const SqlRowReader& take)
+{
+    const auto carriers = NeededCarriers(query.protocols || m_filter.NeedsCarriers());
+    m_store.Shared([&] { m_store.ForEachRow(Filtered(query), take); });
+}
+
+/// Appends each row to a list, in place: a list may hold thousands.
+template <class Finish>
+void SqlReceiverLists::ReadInto(VK_RECEIVER_LIST& list, const std::string& query, Finish&& finish)
+{
+    SqlRowPlan plan(kReceiverTable.fields);
+    m_store.ForEachRow(query, [&](const SqlRow& row) {
+        AppendRecord(list.list, list.count, VK_RECEIVER{});
+        VK_RECEIVER& receiver = list.list[list.count - 1];
+        plan.Read(row, receiver);
+        finish(receiver, row);
+    });
 }
 
 void SqlReceiverLists::Get(VK_RECEIVER_LIST* list, const Extras& extras)
@@ -78,18 +84,15 @@ void SqlReceiverLists::Get(VK_RECEIVER_LIST* list, const Extras& extras)
     EmptyReceiverList(list);
     const auto carriers = NeededCarriers(extras.protocols || m_filter.NeedsCarriers());
     m_store.Shared([&] {
-        const auto rows =
-            SelectFiltered({extras.protocols ? "{receiver}.*, {carrier}.protocol_id AS protocol_id" : "{receiver}.*",
-                            extras.protocols, extras.onlyEnabled ? EnabledNow() : ""});
-        for (int row = 0; row < rows->GetReturnedRowsCount(); ++row) {
-            AppendRecord(list->list, list->count, VK_RECEIVER{});
-            VK_RECEIVER& receiver = list->list[list->count - 1];
-            m_owner.FillStructFromResultSet(&receiver, *rows, row);
+        const std::string query =
+            Filtered({extras.protocols ? "{receiver}.*, {carrier}.protocol_id AS protocol_id" : "{receiver}.*",
+                      extras.protocols, extras.onlyEnabled ? EnabledNow() : ""});
+        ReadInto(*list, query, [&](VK_RECEIVER& receiver, const SqlRow& row) {
             if (extras.protocols)
-                receiver.protocol_id = (*rows)[row]["protocol_id"].GetValueUInt();
+                receiver.protocol_id = static_cast<unsigned int>(row.Unsigned(row.Count() - 1));
             if (extras.miscSettings)
                 Decode(receiver);
-        }
+        });
         AddParts(*list, extras);
     });
 }
@@ -113,33 +116,37 @@ void SqlReceiverLists::AddParts(VK_RECEIVER_LIST& list, const Extras& extras)
     std::unordered_map<unsigned long, VK_RECEIVER*> receivers;
     for (int i = 0; i < list.count; ++i)
         receivers[list.list[i].id] = &list.list[i];
-    const auto ownerOf = [&](unsigned long id) {
+    const auto withOwner = [&](unsigned long id, auto&& add) {
         const auto found = receivers.find(id);
-        return found == receivers.end() ? nullptr : found->second;
+        if (found != receivers.end())
+            add(*found->second);
     };
     if (extras.departments)
-        ForEachRow<VK_DEPT_RIGHTS>(*m_store.Select("SELECT * FROM {} ORDER BY id", kReceiverDeptTable.name),
-                                   kReceiverDeptTable.fields, [&](const VK_DEPT_RIGHTS& rights) {
-                                       if (VK_RECEIVER* const owner = ownerOf(rights.owner_id))
-                                           AppendRecord(owner->dept_rights, owner->dept_rights_count, rights);
-                                   });
+        m_store.SelectRecords<VK_DEPT_RIGHTS>(
+            kReceiverDeptTable.fields,
+            [&](const VK_DEPT_RIGHTS& rights, const SqlRow&) {
+                withOwner(rights.owner_id, [&](VK_RECEIVER& owner) {
+                    AppendRecord(owner.dept_rights, owner.dept_rights_count, rights);
+                });
+            },
+            "SELECT * FROM {} ORDER BY id", kReceiverDeptTable.name);
     if (extras.schedules)
-        ForEachRow<VK_ONDUTY_SCHEDULE>(
-            *m_store.Select("SELECT * FROM {} WHERE member_id=0 ORDER BY id", kReceiverScheduleTable.name),
-            kReceiverScheduleTable.fields, [&](const VK_ONDUTY_SCHEDULE& schedule) {
-                if (VK_RECEIVER* const owner = ownerOf(schedule.owner_id))
-                    AppendRecord(owner->schedules, owner->schedule_count, schedule);
-            });
+        m_store.SelectRecords<VK_ONDUTY_SCHEDULE>(
+            kReceiverScheduleTable.fields,
+            [&](const VK_ONDUTY_SCHEDULE& schedule, const SqlRow&) {
+                withOwner(schedule.owner_id,
+                          [&](VK_RECEIVER& owner) { AppendRecord(owner.schedules, owner.schedule_count, schedule); });
+            },
+            "SELECT * FROM {} WHERE member_id=0 ORDER BY id", kReceiverScheduleTable.name);
 }
 
 void SqlReceiverLists::GetBrief(VK_RECEIVER_LIST* list, const char* columns, bool protocols)
 {
     EmptyReceiverList(list);
+    const std::string query =
+        Filtered({std::string(columns) + (protocols ? ", {carrier}.protocol_id AS protocol_id" : ""), protocols, ""});
     const auto carriers = NeededCarriers(protocols || m_filter.NeedsCarriers());
-    const auto rows = m_store.Shared([&] {
-        return SelectFiltered(
-            {std::string(columns) + (protocols ? ", {carrier}.protocol_id AS protocol_id" : ""), protocols, ""});
-    });
+    const auto rows = m_store.Shared([&] { return m_store.Select("{}", SqlRaw{query}); });
     for (int row = 0; row < rows->GetReturnedRowsCount(); ++row) {
         AppendRecord(list->list, list->count, VK_RECEIVER{});
         VK_RECEIVER& receiver = list->list[list->count - 1];
@@ -173,8 +180,13 @@ bool SqlReceiverLists::GetOne(VK_RECEIVER* receiver, const std::string& conditio
 {
     EmptyReceiver(receiver);
     return m_store.Shared([&] {
-        const auto rows = m_store.Select("SELECT * FROM {} WHERE {}", kName, SqlRaw{condition});
-        if (!m_owner.FillStructFromResultSet(receiver, *rows, 0))
+        bool found = false;
+        SqlRowPlan plan(kReceiverTable.fields);
+        m_store.ForEachRow(Named("SELECT * FROM {receiver} WHERE ") + condition, [&](const SqlRow& row) {
+            if (!std::exchange(found, true))
+                plan.Read(row, *receiver);
+        });
+        if (!found)
             return false;
         ReadDeptRights(*receiver);
         if (withSchedules)
@@ -186,67 +198,56 @@ bool SqlReceiverLists::GetOne(VK_RECEIVER* receiver, const std::string& conditio
 void SqlReceiverLists::GetWhere(VK_RECEIVER_LIST* list, const std::string& condition)
 {
     EmptyReceiverList(list);
-    const auto rows = m_store.Shared([&] {
-        return m_store.Select(Named("SELECT * FROM {receiver} WHERE {}{}"), SqlRaw{condition}, SqlRaw{Named(kByName)});
+    m_store.Shared([&] {
+        ReadInto(*list, Named("SELECT * FROM {receiver} WHERE ") + condition + Named(kByName),
+                 [](VK_RECEIVER&, const SqlRow&) {});
     });
-    for (int row = 0; row < rows->GetReturnedRowsCount(); ++row) {
-        AppendRecord(list->list, list->count, VK_RECEIVER{});
-        m_owner.FillStructFromResultSet(&list->list[list->count - 1], *rows, row);
-    }
 }
 
 void SqlReceiverLists::ReadDeptRights(VK_RECEIVER& receiver)
 {
-    ForEachRow<VK_DEPT_RIGHTS>(
-        *m_store.Select("SELECT * FROM {} WHERE owner_id={} ORDER BY id", kReceiverDeptTable.name, receiver.id),
+    m_store.SelectRecords<VK_DEPT_RIGHTS>(
         kReceiverDeptTable.fields,
-        [&](const VK_DEPT_RIGHTS& rights) { AppendRecord(receiver.dept_rights, receiver.dept_rights_count, rights); });
+        [&](const VK_DEPT_RIGHTS& rights, const SqlRow&) {
+            AppendRecord(receiver.dept_rights, receiver.dept_rights_count, rights);
+        },
+        "SELECT * FROM {} WHERE owner_id={} ORDER BY id", kReceiverDeptTable.name, receiver.id);
 }
 
 void SqlReceiverLists::ReadSchedules(VK_RECEIVER& receiver)
 {
-    ForEachRow<VK_ONDUTY_SCHEDULE>(*m_store.Select("SELECT * FROM {} WHERE owner_id={} AND member_id=0 ORDER BY id",
-                                                   kReceiverScheduleTable.name, receiver.id),
-                                   kReceiverScheduleTable.fields, [&](const VK_ONDUTY_SCHEDULE& schedule) {
-                                       AppendRecord(receiver.schedules, receiver.schedule_count, schedule);
-                                   });
+    m_store.SelectRecords<VK_ONDUTY_SCHEDULE>(
+        kReceiverScheduleTable.fields,
+        [&](const VK_ONDUTY_SCHEDULE& schedule, const SqlRow&) {
+            AppendRecord(receiver.schedules, receiver.schedule_count, schedule);
+        },
+        "SELECT * FROM {} WHERE owner_id={} AND member_id=0 ORDER BY id", kReceiverScheduleTable.name, receiver.id);
 }
 
 void SqlReceiverLists::GetNames(std::vector<VK_NAME_RECORD>& names)
 {
     names.clear();
-    const auto carriers = NeededCarriers(m_filter.NeedsCarriers());
-    const auto rows = m_store.Shared([&] { return SelectFiltered({"{receiver}.id, {receiver}.name", false, ""}); });
-    for (int row = 0; row < rows->GetReturnedRowsCount(); ++row)
-        names.push_back({(*rows)[row][0].GetValueULong(), (*rows)[row][1].GetValueString()});
+    ForEachFiltered({"{receiver}.id, {receiver}.name", false, ""}, [&](const SqlRow& row) {
+        names.push_back({row.Unsigned(0), std::string(SqlColumn(row, 1).GetValueString())});
+    });
 }
 
 void SqlReceiverLists::GetDepartments(std::map<unsigned long, unsigned long>& departments)
 {
     departments.clear();
-    const auto carriers = NeededCarriers(m_filter.NeedsCarriers());
-    const auto rows = m_store.Shared([&] {
-        return SelectFiltered({"{receiver}.id, {receiver}.department_id", false, ""});
-    });
-    for (int row = 0; row < rows->GetReturnedRowsCount(); ++row)
-        departments[(*rows)[row][0].GetValueULong()] = (*rows)[row][1].GetValueULong();
+    ForEachFiltered({"{receiver}.id, {receiver}.department_id", false, ""},
+                    [&](const SqlRow& row) { departments[row.Unsigned(0)] = row.Unsigned(1); });
 }
 
 void SqlReceiverLists::GetProperties(std::vector<VKReceProperty>& properties)
 {
     properties.clear();
-    const auto carriers = NeededCarriers(true);
-    const auto rows = m_store.Shared([&] {
-        return SelectFiltered({"{receiver}.id, {receiver}.two_way, {carrier}.protocol_id, {receiver}.is_secure, "
-                               "{receiver}.type",
-                               true, ""});
+    const char* const columns = "{receiver}.id, {receiver}.two_way, {carrier}.protocol_id, {receiver}.is_secure, "
+                                "{receiver}.type";
+    ForEachFiltered({columns, true, ""}, [&](const SqlRow& row) {
+        properties.push_back({row.Unsigned(0), row.Boolean(1), IsMxpProtocol(static_cast<int>(row.Integer(2))),
+                              row.Boolean(3), row.Integer(4) == VKReceiverNumeric});
     });
-    for (int row = 0; row < rows->GetReturnedRowsCount(); ++row) {
-        const VKDBiRow& fields = (*rows)[row];
-        properties.push_back({fields[0].GetValueULong(), fields[1].GetValueBool(),
-                              IsMxpProtocol(fields[2].GetValueInt()), fields[3].GetValueBool(),
-                              fields[4].GetValueInt() == VKReceiverNumeric});
-    }
 }
 
 void SqlReceiverLists::GetViews(VK_RECEIVER_VIEW_LIST* list, const SqlReceiverFilter& filter)
@@ -264,11 +265,15 @@ void SqlReceiverLists::GetViews(VK_RECEIVER_VIEW_LIST* list, const SqlReceiverFi
                               filter.Clause(m_store.Dialect()).Text() + Named(kByName);
     const auto carriers = m_files.Carriers();
     const auto departments = m_files.Departments();
-    const auto rows = m_store.Shared([&] { return m_store.Select("{}", SqlRaw{query}); });
-    ForEachRow<VK_RECEIVER_VIEW>(*rows, kReceiverViewFields, [&](VK_RECEIVER_VIEW& view) {
-        if (*view.special_carrier != '\0')
-            SetText(view.carrier_name, view.special_carrier, "carrier_name");
-        AddReceiverView(list, &view);
+    m_store.Shared([&] {
+        m_store.SelectRecords<VK_RECEIVER_VIEW>(
+            kReceiverViewFields,
+            [&](VK_RECEIVER_VIEW& view, const SqlRow&) {
+                if (*view.special_carrier != '\0')
+                    SetText(view.carrier_name, view.special_carrier, "carrier_name");
+                AddReceiverView(list, &view);
+            },
+            "{}", SqlRaw{query});
     });
 }
 

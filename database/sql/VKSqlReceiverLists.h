@@ -15,7 +15,7 @@ namespace vk {
 class SqlReceiverLists
 {
 public:
-    /// All must outlive the object; the owner turns rows into records.
+    /// All must outlive the object; the owner's system has the event log.
     SqlReceiverLists(SqlStore& store, SqlReceiverFiles& files, VKDBiReceiver& owner)
         : m_store(store), m_files(files), m_owner(owner)
     {
@@ -54,7 +54,9 @@ private:
         std::string condition;  ///< beside the filter
     };
 
-    std::unique_ptr<VKDBiResultSet> SelectFiltered(const Query& query);
+    std::string Filtered(const Query& query) const;
+    void ForEachFiltered(const Query& query, const SqlRowReader& take);
+    template <class Finish> void ReadInto(VK_RECEIVER_LIST& list, const std::string& query, Finish&& finish);
     std::unique_ptr<SqlAttachment> NeededCarriers(bool needed);
     std::string Named(std::string_view pattern) const { return NameTables(m_store.Dialect(), pattern); }
     std::string EnabledNow() const;

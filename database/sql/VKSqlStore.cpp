@@ -20,6 +20,13 @@ std::unique_ptr<VKDBiResultSet> SqlStore::RunSelect(const std::string& text)
     return m_connection->ExecuteSelectQuery(statement);
 }
 
+void SqlStore::ForEachRow(const std::string& query, const SqlRowReader& take)
+{
+    const std::string statement = query + Dialect().SelectEnd();
+    RequireFitsLimit(statement, m_readLimit);
+    m_connection->ForEachRow(statement, take);
+}
+
 long SqlStore::RunUpdate(const std::string& text)
 {
     const std::string statement = text + Dialect().UpdateEnd();

@@ -6,6 +6,7 @@
 
 #include "VKSqlConnection.h"
 #include "VKSqlRecord.h"
+#include "VKSqlRowPlan.h"
 #include "VKSqlTransaction.h"
 
 namespace vk {
@@ -47,6 +48,21 @@ public:
     template <class... Values> std::unique_ptr<VKDBiResultSet> Select(std::string_view pattern, const Values&... values)
     {
         return RunSelect(SqlText(Dialect(), pattern, values...));
+    }
+
+    /// Hands on each row of a ready SELECT.
+    void ForEachRow(const std::string& query, const SqlRowReader& take);
+
+    /// Reads each row of a SELECT by position into a new record of a field table, and hands that on with the row.
+    template <class Record, class Fields, class Take, class... Values>
+    void SelectRecords(const Fields& fields, Take&& take, std::string_view pattern, const Values&... values)
+    {
+        SqlRowPlan<Fields> plan(fields);
+        ForEachRow(SqlText(Dialect(), pattern, values...), [&](const SqlRow& row) {
+            Record record;
+            plan.Read(row, record);
+            take(record, row);
+        });
     }
 
     /// The single number that a SELECT gives; 0 without a row.

@@ -33,6 +33,11 @@ std::unique_ptr<VKDBiResultSet> SQLite3Connection::ExecuteSelectQuery(const std:
     return result;
 }
 
+void SQLite3Connection::ForEachRow(const std::string& query, const SqlRowReader& take)
+{
+    RequireTaken(m_database.ForEachRow(query, take));
+}
+
 long SQLite3Connection::ExecuteUpdateQuery(const std::string& query)
 {
     VKSQLite3ResultSet result;

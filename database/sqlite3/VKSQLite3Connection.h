@@ -21,6 +21,7 @@ public:
     const SqlDialect& Dialect() const override;
     std::string GetPath() const override { return m_database.GetPath(); }
     std::unique_ptr<VKDBiResultSet> ExecuteSelectQuery(const std::string& query) override;
+    void ForEachRow(const std::string& query, const SqlRowReader& take) override;
     long ExecuteUpdateQuery(const std::string& query) override;
     unsigned long ExecuteInsertQuery(const std::string& query) override;
     bool StartTransactionShared(const std::string& name, bool retry, int count, long sleepMs) override;

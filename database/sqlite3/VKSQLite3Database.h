@@ -5,6 +5,7 @@
 
 #include "VKSQLite3ResultSet.h"
 #include "VKSQLite3TableDesc.h"
+#include "VKSqlRow.h"
 
 struct sqlite3;
 struct sqlite3_context;
@@ -74,6 +75,8 @@ public:
 
     /// Run one text. False when not ready; every other failure throws.
     bool ExecuteSelectQuery(const std::string& query, VKSQLite3ResultSet& result);
+    /// The same, each row as SQLite steps to it; nothing of the statement outlives the call. What `take` throws ends it.
+    bool ForEachRow(const std::string& query, const vk::SqlRowReader& take);
     bool ExecuteUpdateQuery(const std::string& query, VKSQLite3ResultSet& result);
     /// id becomes the row id of the new row, 0 when SQLite gives a negative one.
     bool ExecuteInsertQuery(const std::string& query, VKSQLite3ResultSet& result, unsigned long& id);

@@ -128,6 +128,26 @@ TEST_F(VKReceiverTest, FoundByNameAndPinWhateverTheCase)
     EmptyReceiverList(&list);
 }
 
+TEST_F(VKReceiverTest, ARowOfAResultFillsARecordByPosition)
+{
+    Receiver ann("ann", "1");
+    ann.type = VKReceiverTwoWay;
+    ASSERT_TRUE(receivers->Add(&ann, false));
+    VKSQLite3Database file(dir / "receivers.sdb", true);
+    VKSQLite3ResultSet result;
+    file.SelectQueryTransaction("SELECT * FROM receiver;", result);
+    Receiver read;
+    EXPECT_TRUE(receivers->FillStructFromResultSet(&read, result, 0));
+    EXPECT_STREQ(read.name, "ann");
+    EXPECT_EQ(read.type, VKReceiverTwoWay);
+    for (const int missing : {-1, 1})
+        EXPECT_FALSE(receivers->FillStructFromResultSet(&read, result, missing));
+    EXPECT_THROW(file.ForEachRow("SELECT nothing FROM receiver;", [](const vk::SqlRow&) {}), VKDBexception);
+    EXPECT_THROW(file.ForEachRow("SELECT * FROM receiver;", [](const vk::SqlRow&) { throw std::bad_alloc(); }),
+                 std::bad_alloc);
+    EXPECT_TRUE(file.CloseDatabase()) << "nothing of the statement is left";
+}
+
 TEST_F(VKReceiverTest, BrokenRulesAreToldTogetherAndNothingIsStored)
 {
     Receiver first("Taken", "1");
