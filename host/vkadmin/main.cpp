@@ -9,6 +9,7 @@
 #include "QueueCommands.h"
 #include "ReceiverNoun.h"
 #include "SessionCommands.h"
+#include "SettingsCommands.h"
 
 namespace {
 
@@ -140,6 +141,16 @@ constexpr vk::Option kClientMode[] = {
 constexpr vk::Operand kMessagesBuild[] = {{"FILE", "The constants file: a C header, each text a line \"#define NAME NUMBER "
                                                    "/* text */\"; DIR/config/message_constants.h is one."}};
 
+constexpr vk::Operand kSettingsShow[] = {{"KEY", "Those alone; all when not given.", Need::Optional}};
+constexpr vk::Operand kSettingsSet[] = {
+    {"KEY", "The elements and the attribute that lead to the value, joined by points: server_port, "
+            "apns2_notification.topic, templates.greetings-msg.enable. \"show\" lists them."},
+    {"VALUE", "Switches are true or false, addresses have commas between them, server-to-server profiles are a JSON "
+              "list. Not for a secret, unless \"\" is to empty it.", Need::Optional},
+};
+constexpr vk::Option kSettingsFile[] = {
+    {"--file", "FILE", "The value stands in this file, a secret in its first line; \"-\" is standard input."}};
+
 constexpr vk::Operand kJobStatusShow[] = {{"JOB", "The job's id."}};
 
 constexpr vk::Operand kPacketParse[] = {{"FILE", "The file with the envelope; \"-\" is standard input."}};
@@ -211,6 +222,11 @@ constexpr vk::Command kCommands[] = {
     {"job-status show", "Shows the last known state of a job.", {}, &vk::ShowJobStatus, kJobStatusShow},
     {"messages build", "Makes the catalogue of the texts that explain a refused record anew, all or nothing.", {},
      &vk::BuildMessages, kMessagesBuild},
+    {"settings mxp show", "Shows the settings of the MXP manager, those of push among them; \"***\" stands for a secret.",
+     {}, &vk::ShowMxpSettings, kSettingsShow},
+    {"settings mxp set", "Sets one of them.", kSettingsFile, &vk::SetMxpSetting, kSettingsSet},
+    {"settings gateway show", "Shows the settings of the XMPP gateway.", {}, &vk::ShowGatewaySettings, kSettingsShow},
+    {"settings gateway set", "Sets one of them.", kSettingsFile, &vk::SetGatewaySetting, kSettingsSet},
     {"packet parse", "Shows what an envelope of the protocol holds, or where and why it is refused. Needs no root.", {},
      &vk::ParsePacket, kPacketParse, vk::Scope::Alone},
     {"packet make", "Writes an envelope with one packet, as the side that sends it has to. Needs no root.", kPacketMake,
@@ -227,6 +243,8 @@ constexpr vk::ManualSection kSections[] = {
      "DIR/config/dir         where the queues are\n"
      "DIR/config/datasource  which database it is\n"
      "DIR/config/vklogs.ini  what is logged, and where\n"
+     "DIR/config/mxp_config.xml          the settings of the MXP manager and of push\n"
+     "DIR/config/xmppgateway_config.xml  the settings of the XMPP gateway\n"
      "DIR/config/*.sdb       the embedded database files\n"
      "DIR/config/messages.sdb  the message catalogue, made from message_constants.h beside it\n"
      "DIR/temp/xmpp_user_sessions.sdb  who is logged in\n"
