@@ -1,4 +1,4 @@
-#include "Delivery.h"
+#include "Measurements.h"
 #include "Stage.h"
 #include "VKMXPCoreManager.h"
 #include "VKMXPmEnvelope.h"

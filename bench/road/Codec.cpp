@@ -1,41 +1,15 @@
+#include "CodecWork.h"
 #include "GoldenEnvelopes.h"
-#include "Parts.h"
+#include "Measurements.h"
 #include "Statistics.h"
-#include "VKMXPmMessage.h"
 
-#include <expat.h>
 #include <malloc.h>
 
-#include <memory>
 #include <stdexcept>
 
 namespace {
 
-std::unique_ptr<VKMXPmMessage> Message(std::size_t bodySize)
-{
-    auto message = std::make_unique<VKMXPmMessage>();
-    message->m_strJobID = "20240101120000_4711";
-    message->m_strSender = "Emergency Desk";
-    message->m_tDispatchTime = 1700000000;
-    message->m_iSeverity = 3;
-    message->m_strSubject = "Fire alarm, building 7";
-    const std::string line = "Smoke on the 3rd floor; \"east\" stairs closed. ";
-    while (message->m_strBody.size() < bodySize)
-        message->m_strBody += line;
-    message->m_strBody.resize(bodySize);
-    message->m_vecResponseChoices = {"On my way", "Cannot come"};
-    message->m_bTwoWay = true;
-    message->m_bValid = true;
-    return message;
-}
-
-std::string EnvelopeOf(int packets, std::size_t bodySize)
-{
-    VKMXPmEnvelope envelope;
-    for (int i = 0; i < packets; ++i)
-        envelope.Add(Message(bodySize).release());
-    return envelope.GenerateXML();
-}
+using codec::EnvelopeOf;
 
 /// One message, and as much body as makes 1,024 bytes of it.
 std::string EnvelopeOfOneKiB()
@@ -57,13 +31,7 @@ void ReadAndWrite(const std::string& text)
 
 void ReadWithExpat(const std::string& text)
 {
-    XML_Parser parser = XML_ParserCreate("UTF-8");
-    XML_SetElementHandler(
-        parser, [](void*, const char*, const char**) {}, [](void*, const char*) {});
-    XML_SetCharacterDataHandler(parser, [](void*, const char*, int) {});
-    const XML_Status status = XML_Parse(parser, text.data(), static_cast<int>(text.size()), 1);
-    XML_ParserFree(parser);
-    if (status != XML_STATUS_OK)
+    if (!codec::ReadWithExpat(text))
         throw std::runtime_error("expat refused an envelope");
 }
 
@@ -79,8 +47,8 @@ Figure PacketCodec(Stage&)
 
 Figure EnvelopeOfThousand(Stage&)
 {
-    const std::string thousand = EnvelopeOf(1000, 330);
-    const std::string ten = EnvelopeOf(10, 330);
+    const std::string thousand = EnvelopeOf(1000);
+    const std::string ten = EnvelopeOf(10);
     const auto [ours, few] = NanosecondsInTurn(
         20, 1, [&] { ReadAndWrite(thousand); },
         [&] {

@@ -1,4 +1,4 @@
-#include "Connect.h"
+#include "Measurements.h"
 #include "Stage.h"
 
 #include <filesystem>

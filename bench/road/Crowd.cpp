@@ -1,4 +1,4 @@
-#include "Idle.h"
+#include "Measurements.h"
 #include "Stage.h"
 #include "VKMXPCoreManager.h"
 

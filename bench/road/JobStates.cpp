@@ -1,4 +1,4 @@
-#include "Parts.h"
+#include "Measurements.h"
 #include "Statistics.h"
 #include "TempDir.h"
 #include "VKConfiguration.h"

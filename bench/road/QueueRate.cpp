@@ -1,8 +1,8 @@
 #include "Arrivals.h"
-#include "Delivery.h"
+#include "Measurements.h"
 #include "Stage.h"
-#include "VKDBiMessageQueue.h"
 #include "VKDatabase.h"
+#include "VKDBiMessageQueue.h"
 #include "VKRecordText.h"
 
 #include <json/json.h>

@@ -1,5 +1,5 @@
 #include "Arrivals.h"
-#include "Delivery.h"
+#include "Measurements.h"
 #include "Stage.h"
 #include "VKMXPCoreManager.h"
 #include "VKMXPmMessage.h"

@@ -1,8 +1,5 @@
-#include "Connect.h"
-#include "Delivery.h"
-#include "Idle.h"
 #include "Measurement.h"
-#include "Parts.h"
+#include "Measurements.h"
 #include "Stage.h"
 #include "Transfers.h"
 

@@ -34,6 +34,29 @@ std::string Prefixed(const char* prefix, const char* format, va_list arguments)
     return prefix ? std::string(prefix) + " " + buffer : std::string(buffer);
 }
 
+using LogLevel = VKLogInterface::LogLevel;
+
+/// The level behind a selector of the older operations; NONE for a number that selects none.
+struct Selected
+{
+    int selector;
+    LogLevel level;
+};
+constexpr Selected kSeverities[] = {{VKsysEventLogInterface::SEVERITY_WARNING, LogLevel::WARN},
+                                    {VKsysEventLogInterface::SEVERITY_ERROR, LogLevel::ERROR},
+                                    {VKsysEventLogInterface::SEVERITY_FATAL, LogLevel::FATAL}};
+constexpr Selected kTraceLevels[] = {{VKsysEventLogInterface::TRACE_LOW, LogLevel::DEBUG},
+                                     {VKsysEventLogInterface::TRACE_MEDIUM, LogLevel::DEBUG},
+                                     {VKsysEventLogInterface::TRACE_HIGH, LogLevel::TRACE}};
+
+template <std::size_t Size> LogLevel LevelOf(const Selected (&rows)[Size], int selector)
+{
+    for (const Selected& row : rows)
+        if (row.selector == selector)
+            return row.level;
+    return LogLevel::NONE;
+}
+
 } // namespace
 
 // --- Levels. NONE stops nothing: it stands below TRACE and passes all that TRACE passes.
@@ -160,81 +183,65 @@ bool VKsysEventLogInterface::Stop()
 
 bool VKsysEventLogInterface::IsAlive() { return m_bRunning; }
 
-// --- Older formatted operations.
+// --- Older formatted operations: each collects its arguments, the rest is one function.
 
-bool VKsysEventLogInterface::Print(const char* prefix, const char* format, ...)
+/// \param behind stands behind the text
+bool VKsysEventLogInterface::PassFormatted(LogLevel level, const char* prefix, int line, const char* file,
+                                           const char* format, va_list arguments, const std::string& behind)
 {
     if (!m_bRunning || !format)
         return false;
+    // A selector that selects no level is taken and writes nothing.
+    return level == NONE || Pass(level, Prefixed(prefix, format, arguments) + behind, line, file);
+}
+
+bool VKsysEventLogInterface::Print(const char* prefix, const char* format, ...)
+{
     va_list arguments;
     va_start(arguments, format);
-    const std::string text = Prefixed(prefix, format, arguments);
+    const bool passed = PassFormatted(INFO, prefix, 0, nullptr, format, arguments);
     va_end(arguments);
-    return WriteInfo(text, 0, static_cast<char*>(nullptr));
+    return passed;
 }
 
 bool VKsysEventLogInterface::WriteInfo(const char* prefix, const char* format, ...)
 {
-    if (!m_bRunning || !format)
-        return false;
     va_list arguments;
     va_start(arguments, format);
-    const std::string text = Prefixed(prefix, format, arguments);
+    const bool passed = PassFormatted(INFO, prefix, 0, nullptr, format, arguments);
     va_end(arguments);
-    return WriteInfo(text, 0, static_cast<char*>(nullptr));
+    return passed;
 }
 
 bool VKsysEventLogInterface::WriteSystemError(const char* prefix, const char* format, ...)
 {
-    const std::string cause = VKgetLastError();
-    if (!m_bRunning || !format)
-        return false;
+    const std::string cause = VKgetLastError(); // before anything changes errno
     va_list arguments;
     va_start(arguments, format);
-    const std::string text = Prefixed(prefix, format, arguments);
+    const bool passed =
+        PassFormatted(ERROR, prefix, 0, nullptr, format, arguments, " [System Library Error] " + cause);
     va_end(arguments);
-    return WriteError(text + " [System Library Error] " + cause, 0, static_cast<char*>(nullptr));
+    return passed;
 }
 
 bool VKsysEventLogInterface::WriteError(Severity severity, const char* prefix, int line, const char* file,
                                         const char* format, ...)
 {
-    if (!m_bRunning || !format)
-        return false;
     va_list arguments;
     va_start(arguments, format);
-    const std::string text = Prefixed(prefix, format, arguments);
+    const bool passed = PassFormatted(LevelOf(kSeverities, severity), prefix, line, file, format, arguments);
     va_end(arguments);
-    char* const place = const_cast<char*>(file); // the slots take it so and do not write to it
-    switch (severity) {
-    case SEVERITY_WARNING:
-        return WriteWarn(text, line, place);
-    case SEVERITY_ERROR:
-        return WriteError(text, line, place);
-    case SEVERITY_FATAL:
-        return WriteFatal(text, line, place);
-    }
-    return true;
+    return passed;
 }
 
 bool VKsysEventLogInterface::WriteTrace(TraceLevel level, const char* prefix, int line, const char* file,
                                         const char* format, ...)
 {
-    if (!m_bRunning || !format)
-        return false;
     va_list arguments;
     va_start(arguments, format);
-    const std::string text = Prefixed(prefix, format, arguments);
+    const bool passed = PassFormatted(LevelOf(kTraceLevels, level), prefix, line, file, format, arguments);
     va_end(arguments);
-    char* const place = const_cast<char*>(file);
-    switch (level) {
-    case TRACE_LOW:
-    case TRACE_MEDIUM:
-        return WriteDebug(text, line, place);
-    case TRACE_HIGH:
-        return WriteTrace(text, line, place);
-    }
-    return true;
+    return passed;
 }
 
 std::string VKsysEventLogInterface::format2String(const char* format, ...)

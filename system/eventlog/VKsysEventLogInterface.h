@@ -4,6 +4,7 @@
 #include "VKsysEventLogWriterInterface.h"
 
 #include <atomic>
+#include <cstdarg>
 #include <memory>
 #include <string>
 #include <utility>
@@ -130,6 +131,8 @@ private:
     static VKsysEventLogInterface* Register(std::unique_ptr<VKsysEventLogInterface> logger);
 
     bool Pass(LogLevel level, const std::string& message, int line, const char* file);
+    bool PassFormatted(LogLevel level, const char* prefix, int line, const char* file, const char* format,
+                       va_list arguments, const std::string& behind = {});
     bool PrePrint(LogLevel level, std::string message, int line, const char* file);
 
     std::string m_strConfigFile;
