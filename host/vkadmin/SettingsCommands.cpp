@@ -77,8 +77,8 @@ void RequireAllTaken(const Json::Value& given, const Json::Value& taken)
         if (isThere && value.isObject())
             RequireAllTaken(value, taken[member]);
         if (!isThere && !(value.isObject() && value.empty()))
-            throw UsageError(std::string(kPolicyKey) + ": '" + member + "' has a value of another kind; switches take " +
-                             "true and false, periods and tones a number from 0, " + kPolicySecret + " a text");
+            throw UsageError(std::string(kPolicyKey) + ": '" + member + "' has a value of another kind; switches " +
+                             "take true and false, periods and tones a number from 0, " + kPolicySecret + " a text");
     }
 }
 
@@ -95,7 +95,7 @@ void SetPolicy(VKMXPManagerSettings& settings, const std::string& text, bool fro
         RequireAllTaken(given, taken);
     const std::string password = trial.m_objPolicySettings.m_optPassword.value_or("");
     if (!password.empty() && !fromFile)
-        throw UsageError(key + ": one with a " + kPolicySecret + " comes from --file: everybody can read a command line");
+        throw UsageError(key + ": a " + kPolicySecret + " comes from --file: everybody can read a command line");
     if (password == kMasked)
         throw UsageError(key + ": the " + kPolicySecret + " is \"***\", which only stands for one that is not shown");
     VKConfiguration::ConvertJSONToGeneralPolicyData(text, &settings);

@@ -6,6 +6,7 @@
 #include "JobStatusCommand.h"
 #include "MessageCommands.h"
 #include "PacketCommands.h"
+#include "PushCommand.h"
 #include "QueueCommands.h"
 #include "ReceiverNoun.h"
 #include "SessionCommands.h"
@@ -151,6 +152,11 @@ constexpr vk::Operand kSettingsSet[] = {
 constexpr vk::Option kSettingsFile[] = {
     {"--file", "FILE", "The value stands in this file, a secret in its first line; \"-\" is standard input."}};
 
+constexpr vk::Operand kPushTest[] = {
+    {"SERVICE", "apns, apns2, gcms or fcm."},
+    {"TOKEN", "The device's token, or PROFILE@TOKEN, as the message files have it."},
+};
+
 constexpr vk::Operand kJobStatusShow[] = {{"JOB", "The job's id."}};
 
 constexpr vk::Operand kPacketParse[] = {{"FILE", "The file with the envelope; \"-\" is standard input."}};
@@ -222,11 +228,14 @@ constexpr vk::Command kCommands[] = {
     {"job-status show", "Shows the last known state of a job.", {}, &vk::ShowJobStatus, kJobStatusShow},
     {"messages build", "Makes the catalogue of the texts that explain a refused record anew, all or nothing.", {},
      &vk::BuildMessages, kMessagesBuild},
-    {"settings mxp show", "Shows the settings of the MXP manager, those of push among them; \"***\" stands for a secret.",
-     {}, &vk::ShowMxpSettings, kSettingsShow},
+    {"settings mxp show", "Shows the settings of the MXP manager, those of push among them; \"***\" stands for a "
+                          "secret.", {}, &vk::ShowMxpSettings, kSettingsShow},
     {"settings mxp set", "Sets one of them.", kSettingsFile, &vk::SetMxpSetting, kSettingsSet},
     {"settings gateway show", "Shows the settings of the XMPP gateway.", {}, &vk::ShowGatewaySettings, kSettingsShow},
     {"settings gateway set", "Sets one of them.", kSettingsFile, &vk::SetGatewaySetting, kSettingsSet},
+    {"push test", "Sends one notification, with a text that says it is a test, and tells what the service answered. "
+                  "Its settings are those of \"settings mxp\"; what was done goes to DIR/logs/vkadmin.log.", {},
+     &vk::TestPush, kPushTest},
     {"packet parse", "Shows what an envelope of the protocol holds, or where and why it is refused. Needs no root.", {},
      &vk::ParsePacket, kPacketParse, vk::Scope::Alone},
     {"packet make", "Writes an envelope with one packet, as the side that sends it has to. Needs no root.", kPacketMake,
@@ -236,7 +245,7 @@ constexpr vk::Command kCommands[] = {
 constexpr vk::ManualSection kSections[] = {
     {"EXIT STATUS",
      "0  done\n"
-     "1  the record or the packet is refused or is not there\n"
+     "1  the record, the packet or the notification is refused, or is not there\n"
      "2  the call or the root is wrong; nothing was done\n"
      "3  the database cannot be opened or used"},
     {"FILES",
@@ -245,6 +254,7 @@ constexpr vk::ManualSection kSections[] = {
      "DIR/config/vklogs.ini  what is logged, and where\n"
      "DIR/config/mxp_config.xml          the settings of the MXP manager and of push\n"
      "DIR/config/xmppgateway_config.xml  the settings of the XMPP gateway\n"
+     "DIR/logs/vkadmin.log   what \"push test\" did\n"
      "DIR/config/*.sdb       the embedded database files\n"
      "DIR/config/messages.sdb  the message catalogue, made from message_constants.h beside it\n"
      "DIR/temp/xmpp_user_sessions.sdb  who is logged in\n"
