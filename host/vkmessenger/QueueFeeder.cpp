@@ -55,6 +55,7 @@ void QueueFeeder::Run()
 {
     m_parts.router.Own().GiveBack(m_parts.settings.service);
     m_parts.router.Waiting().GiveBack(m_parts.settings.service);
+    TakeBack();
     m_lastSent = Clock::now();
     while (!m_parts.stop && !IsDone()) {
         Round();
@@ -62,6 +63,21 @@ void QueueFeeder::Run()
             SleepUntilStop(Pause());
     }
     Finish();
+}
+
+/// What this service was asking about when it ended is due at once: its answers come to this service's name.
+void QueueFeeder::TakeBack()
+{
+    QueueStore& own = m_parts.router.Own();
+    for (const VK_MESSAGE_HEADER& header : own.List(m_parts.settings.protocol, "", "Q.")) {
+        VK_MESSAGE_HEADER row;
+        std::string body;
+        if (header.next_query_time <= std::time(nullptr) || !own.Load(header.msg_name, row, body) ||
+            QueueMessage(row, body).SentBy() != m_parts.settings.service)
+            continue;
+        row.next_query_time = 0;
+        own.Change(row, body, row.msg_name);
+    }
 }
 
 void QueueFeeder::Round()

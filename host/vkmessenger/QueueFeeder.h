@@ -74,6 +74,7 @@ private:
 
     // QueueFeeder.cpp: the loop, and what comes in.
     bool Attempt(const std::function<void()>& work);
+    void TakeBack();
     void Round();
     void KeepHouse();
     void Poll();

@@ -42,6 +42,8 @@ public:
 
     /// When it was handed over; 0 when it was not.
     long SentAt() const { return static_cast<long>(m_report.get("sent_at", 0).asInt64()); }
+    /// The service that handed it over.
+    std::string SentBy() const { return m_report.get("service", "").asString(); }
     void NoteSent(long time, const std::string& service);
 
     /// The queue that it is on its way to, 0 for none: kept in the body, so that a move that was cut short is known.

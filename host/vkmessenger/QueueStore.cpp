@@ -48,23 +48,24 @@ QueueStore::QueueStore(VKDBsystem& system, int number, const std::string& servic
     }
 }
 
-void QueueStore::Select(const std::string& protocol, const std::string& pin, int most)
+void QueueStore::Select(const std::string& protocol, const std::string& pin, const std::string& status, int most)
 {
+    m_queue->SetFilter(protocol, status, 0, 0);
     m_queue->SetFilterByPin(protocol, pin);
     m_queue->SetFilter(most, most > 0 ? 1 : 0);
 }
 
 QueueStore::Headers QueueStore::TakeReady(const std::string& protocol, const std::string& pin, int most)
 {
-    Select(protocol, pin, most);
+    Select(protocol, pin, "", most);
     vk::List list;
     m_queue->GetReadyMsg(&list, true);
     return list.Headers();
 }
 
-QueueStore::Headers QueueStore::List(const std::string& protocol, const std::string& pin)
+QueueStore::Headers QueueStore::List(const std::string& protocol, const std::string& pin, const std::string& status)
 {
-    Select(protocol, pin, 0);
+    Select(protocol, pin, status, 0);
     vk::List list;
     m_queue->Get(&list, true);
     return list.Headers();

@@ -21,7 +21,8 @@ public:
     using Headers = std::vector<VK_MESSAGE_HEADER>;
     /// What is ready, of a protocol ("mxp*") and of one receiver or of all (""): the service's own from now on.
     Headers TakeReady(const std::string& protocol, const std::string& pin, int most);
-    Headers List(const std::string& protocol, const std::string& pin);
+    /// What is there, taken or not; of one status ("Q.") or of all ("").
+    Headers List(const std::string& protocol, const std::string& pin, const std::string& status = "");
     /// Gives what was taken back.
     void Unlock(const Headers& headers);
     /// Gives all back that a service holds.
@@ -42,7 +43,7 @@ public:
     bool Delete(const std::string& name) { return m_queue->Delete(name); }
 
 private:
-    void Select(const std::string& protocol, const std::string& pin, int most);
+    void Select(const std::string& protocol, const std::string& pin, const std::string& status, int most);
 
     const int m_number;
     const std::string m_service;

@@ -48,7 +48,7 @@ protected:
     std::vector<std::string> Call(std::vector<std::string> more = {}) const
     {
         std::vector<std::string> words = {"send", "--root", installation.Root(), "--queue", "1", "--follow",
-                                          "--settle", "500", "--query-interval", "1"};
+                                          "--settle", "500"};
         words.insert(words.end(), more.begin(), more.end());
         return words;
     }
@@ -103,8 +103,10 @@ TEST_F(QueueRoad, SentAnsweredAndArchived)
     RunningProgram messenger("vkmessenger", Call());
     Add("plain");
     Add("asked", R"(, "two_way": true)");
-    EXPECT_TRUE(installation.Await(4, {"M.0.plain.mxp", "M.0.asked.mxp"})) << messenger.Out() << messenger.Err();
+    Add("files", R"(, "attachments": [")" + installation.Dir().Write("plan.txt", "second floor") + "\"]");
+    EXPECT_TRUE(installation.Await(4, {"M.0.plain.mxp", "M.0.asked.mxp", "M.0.files.mxp"})) << messenger.Out() << messenger.Err();
     EXPECT_EQ(installation.Body(4, "M.0.asked.mxp")["report"]["status_name"].asString(), "CONFIRMED");
+    EXPECT_TRUE(device.AwaitOut("\"event\":\"file\"")) << device.Out();
     EXPECT_EQ(messenger.End(SIGTERM), 0);
     EXPECT_EQ(messenger.Err(), "");
     ExpectWhole();
