@@ -8,6 +8,7 @@
 #include "VKMessageManager.h"
 #include "VKRDBActiveMxpClient.h"
 #include "VKRDBDepartment.h"
+#include "VKRDBMessageQueue.h"
 #include "VKRDBReceiver.h"
 #include "VKRDBXmppGWUser.h"
 #include "VKRDBcarrier.h"
@@ -24,12 +25,13 @@
 
 namespace {
 
-template <class Interface, class FileBackend, class ServerBackend> std::unique_ptr<Interface> MakeBackend()
+template <class Interface, class FileBackend, class ServerBackend, class... Arguments>
+std::unique_ptr<Interface> MakeBackend(const Arguments&... arguments)
 {
     if (VKDBsystem::db_Type == DbTypeSdb)
-        return std::make_unique<FileBackend>();
+        return std::make_unique<FileBackend>(arguments...);
     if (VKDBsystem::db_Type == DbTypeOdbc)
-        return std::make_unique<ServerBackend>();
+        return std::make_unique<ServerBackend>(arguments...);
     throw VKDBexception(vk::DbError::General, __FILE__, __LINE__, "No database is open.");
 }
 
@@ -82,10 +84,11 @@ VKDBiCarrier* VKDBiCarrier::CreateInstance(VKDBsystem* system)
 /// The fax and voice queues, 6 and 7, are files on every installation. A queue has no validating layer.
 VKDBiMessageQueue* VKDBiMessageQueue::CreateInstance(VKDBsystem* system, int queueNumber, const std::string& serviceName)
 {
-    if (VKDBsystem::db_Type != DbTypeSdb && queueNumber != 6 && queueNumber != 7)
-        throw VKDBexception(vk::DbError::General, __FILE__, __LINE__,
-                            "The file database is not open, and there is no other one.");
-    auto queue = std::make_unique<VKSQLite3MessageQueue>(queueNumber, serviceName);
+    std::unique_ptr<VKDBiMessageQueue> queue;
+    if (queueNumber == 6 || queueNumber == 7)
+        queue = std::make_unique<VKSQLite3MessageQueue>(queueNumber, serviceName);
+    else
+        queue = MakeBackend<VKDBiMessageQueue, VKSQLite3MessageQueue, VKRDBMessageQueue>(queueNumber, serviceName);
     queue->Initialize(system);
     return queue.release();
 }

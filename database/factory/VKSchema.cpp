@@ -1,6 +1,7 @@
 #include "VKSchema.h"
 
 #include "VKPostgreSqlDialect.h"
+#include "VKQueueTables.h"
 #include "VKSqlSchema.h"
 #include "VKTableCatalogue.h"
 #include "VKTransactSqlDialect.h"
@@ -23,6 +24,14 @@ std::vector<std::string> SchemaStatements(const SqlDialect& dialect)
                 statements.push_back(std::move(statement));
         });
     });
+    for (const QueueServerTable& queue : kQueueServerTables) {
+        const std::string name = dialect.TableOf(queue.name);
+        for (std::string& statement : TableStatements(dialect, Table{queue.name, kQueueServerFields}))
+            statements.push_back(std::move(statement));
+        for (const QueueIndex& index : kQueueServerIndexes)
+            statements.push_back("CREATE INDEX " + name + "_" + index.name + " ON " + name + " (" + index.columns +
+                                 ")");
+    }
     return statements;
 }
 

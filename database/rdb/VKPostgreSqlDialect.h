@@ -19,6 +19,11 @@ public:
         return SqlDialect::Sorted("SELECT * FROM (" + query + ") this_table_1", order);
     }
     std::string Page(const std::string& query, const std::string& order, long size, long offset) const override;
+    /// Unlike a lock on the table it does not get in the way of the server's own cleaning.
+    std::string HoldName(const std::string& name) const override
+    {
+        return "SELECT pg_advisory_xact_lock(hashtext('" + name + "'))";
+    }
     std::string SelectEnd() const override { return ""; }
     std::string InsertEnd() const override { return " RETURNING id"; }
     std::string UpdateEnd() const override { return ""; }

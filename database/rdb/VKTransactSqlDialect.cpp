@@ -27,6 +27,29 @@ std::string TransactSqlDialect::Page(const std::string& query, const std::string
            ") as rnum FROM (" + query + ") this_table_1 ) this_table_2 WHERE rnum > " + std::to_string(offset);
 }
 
+std::string TransactSqlDialect::PageOfTable(const std::string& columns, const std::string& from,
+                                            const std::string& order, long size, long offset) const
+{
+    return "SELECT * FROM (SELECT TOP " + std::to_string(offset + size) + " " + columns +
+           ", ROW_NUMBER() OVER (ORDER BY " + order + ") as rnum FROM " + from + ") this_table WHERE rnum > " +
+           std::to_string(offset);
+}
+
+std::string TransactSqlDialect::WithFirstLetter(std::string_view column, char letter) const
+{
+    const std::string name(column);
+    return Text({&letter, 1}) + "+SUBSTRING(" + name + ", 2, LEN(" + name + ")-1)";
+}
+
+std::string TransactSqlDialect::DeleteBehindNewest(const TableName& table, const std::string& condition,
+                                                   long kept) const
+{
+    return "WITH this_table AS (SELECT ROW_NUMBER() OVER (ORDER BY last_modify_time DESC, create_time DESC) AS rnum "
+           "FROM " +
+           TableOf(table) + " WHERE " + condition + ") DELETE FROM this_table WHERE this_table.rnum > " +
+           std::to_string(kept);
+}
+
 std::string TransactSqlDialect::KeepIdentity(const TableName& table, bool on) const
 {
     return std::string("SET IDENTITY_INSERT ") + table.relational + (on ? " ON" : " OFF");

@@ -20,6 +20,14 @@ public:
     }
     std::string Substring() const override { return "SUBSTRING"; }
     std::string Page(const std::string& query, const std::string& order, long size, long offset) const override;
+    std::string PageOfTable(const std::string& columns, const std::string& from, const std::string& order, long size,
+                            long offset) const override;
+    std::string WithFirstLetter(std::string_view column, char letter) const override;
+    std::string DeleteBehindNewest(const TableName& table, const std::string& condition, long kept) const override;
+    std::string HoldName(const std::string& name) const override
+    {
+        return "EXEC sp_getapplock @Resource='" + name + "', @LockMode='Exclusive', @LockOwner='Transaction'";
+    }
     std::string SelectEnd() const override { return ""; }
     std::string InsertEnd() const override { return "; SELECT [id] = @@IDENTITY, ERRORCODE=@@ERROR "; }
     std::string UpdateEnd() const override { return " SELECT ErrorCode = @@ERROR "; }

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "VKMessageHeader.h"
+#include "VKSqlTransaction.h"
 
 namespace vk {
 
@@ -16,16 +17,20 @@ public:
     virtual ~MessageBodies() = default;
 
     /// The transaction has begun: what a service that died left half done is put right first.
-    virtual void Begin(SqlStore& store) = 0;
+    virtual void Begin(SqlStore& store, const TableName& table, TransactionLock lock) = 0;
     /// The transaction is about to be rolled back: all changes since Begin are undone.
     virtual void Undo() noexcept = 0;
     /// The transaction is committed.
     virtual void Committed() noexcept = 0;
 
+    /// Whether a body is something beside its row, which has to be moved and removed with it.
+    virtual bool StandApart() const = 0;
     virtual bool Exists(const std::string& name) = 0;
     virtual bool Load(const std::string& name, VK_MESSAGE_CONTENT* content) = 0;
-    /// Stores the body under a name; one that is there is replaced.
-    virtual void Write(const std::string& name, const VK_MESSAGE_CONTENT& content) = 0;
+    /// Stores a new row with its body and gives back its id; a body that is there under its name is replaced.
+    virtual unsigned long Insert(const QueueRow& row, const VK_MESSAGE_CONTENT& content) = 0;
+    /// Stores a changed row, by its id, with its body.
+    virtual void Update(const QueueRow& row, const VK_MESSAGE_CONTENT& content) = 0;
     virtual void Move(const std::string& oldName, const std::string& newName) = 0;
     virtual void Remove(const std::string& name) = 0;
     virtual void RemoveAll() = 0;

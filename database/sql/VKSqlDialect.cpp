@@ -67,6 +67,13 @@ std::string SqlDialect::WithFirstLetter(std::string_view column, char letter) co
     return Text({&letter, 1}) + "||substr(" + std::string(column) + ", 2)";
 }
 
+std::string SqlDialect::PageOfTable(const std::string& columns, const std::string& from, const std::string& order,
+                                    long size, long offset) const
+{
+    return "SELECT " + columns + " FROM " + from + " ORDER BY " + order + " LIMIT " + std::to_string(size) +
+           " OFFSET " + std::to_string(offset);
+}
+
 std::string SqlDialect::NullForZeroColumn(std::string_view name, std::string_view of) const
 {
     return std::string(name) + " AS NULLIF(" + std::string(of) + ", 0) PERSISTED";

@@ -68,6 +68,27 @@ public:
     /// One page of a query's rows: at most `size` of them, behind the first `offset`, in this order.
     virtual std::string Page(const std::string& query, const std::string& order, long size, long offset) const = 0;
 
+    /// One page of a table's rows, `from` being the table and its WHERE; the order may be of any of its columns.
+    virtual std::string PageOfTable(const std::string& columns, const std::string& from, const std::string& order,
+                                    long size, long offset) const;
+
+    /// The statement that deletes the rows of a queue that meet a condition, but the newest of them; empty where it
+    /// takes more than one.
+    virtual std::string DeleteBehindNewest(const TableName&, const std::string& condition, long kept) const
+    {
+        static_cast<void>(condition);
+        static_cast<void>(kept);
+        return "";
+    }
+
+    /// The query that waits until no other transaction holds a name, and holds it until this one ends; empty where a
+    /// transaction that changes something is alone anyway.
+    virtual std::string HoldName(const std::string& name) const
+    {
+        static_cast<void>(name);
+        return "";
+    }
+
     /// What stands behind each kind of statement, so that the new id and errors come back.
     virtual std::string SelectEnd() const { return ";"; }
     virtual std::string InsertEnd() const { return ";"; }

@@ -100,7 +100,7 @@ void SqlMessageQueue::UseStore(std::unique_ptr<SqlStore> store, std::unique_ptr<
 template <class Body> auto SqlMessageQueue::InQueue(TransactionLock lock, Body&& body)
 {
     auto result = InTransaction(m_store->Connection(), lock, [&] {
-        m_bodies->Begin(*m_store);
+        m_bodies->Begin(*m_store, m_table, lock);
         try {
             return body();
         } catch (...) {
@@ -142,10 +142,13 @@ SqlMessageQueue::Names SqlMessageQueue::SelectNames(const std::string& condition
     return names;
 }
 
-void SqlMessageQueue::DeleteNamed(const Names& names)
+/// Deletes the rows that a condition names, with their bodies; gives back how many there were.
+long SqlMessageQueue::DeleteRows(const std::string& condition)
 {
-    for (const std::string& name : names)
-        m_bodies->Remove(name);
+    if (m_bodies->StandApart())
+        for (const std::string& name : SelectNames(condition))
+            m_bodies->Remove(name);
+    return m_store->Update("DELETE FROM {} WHERE {}", m_table, SqlRaw{condition});
 }
 
 bool SqlMessageQueue::Add(VK_MESSAGE_CONTENT* content)
@@ -156,11 +159,8 @@ bool SqlMessageQueue::Add(VK_MESSAGE_CONTENT* content)
     const QueueRow row = RowOf(header);
     const std::string same = NameClause(row.msg_name);
     header.id = Change([&] {
-        DeleteNamed(SelectNames(same));
-        m_store->Update("DELETE FROM {} WHERE {}", m_table, SqlRaw{same});
-        const unsigned long id = m_store->InsertRow(Table{m_table, kQueueTable.fields}, row);
-        m_bodies->Write(row.msg_name, *content);
-        return id;
+        DeleteRows(same);
+        return m_bodies->Insert(row, *content);
     });
     return true;
 }
@@ -177,10 +177,9 @@ bool SqlMessageQueue::Modify(VK_MESSAGE_CONTENT* content, const std::string& old
         row.id = (*found)[0][0].GetValueULong();
         const std::string present = (*found)[0][1].GetValueString();
         m_store->Update("DELETE FROM {} WHERE msg_name={} AND id<>{}", m_table, name, row.id);
-        m_store->UpdateRow(Table{m_table, kQueueTable.fields}, row);
         if (present != name)
             m_bodies->Remove(present);
-        m_bodies->Write(name, *content);
+        m_bodies->Update(row, *content);
         content->header.id = row.id;
         return true;
     });
@@ -190,10 +189,7 @@ bool SqlMessageQueue::Delete(const std::string& name)
 {
     RequireMessageName(name);
     const std::string same = NameClause(name);
-    return Change([&] {
-        DeleteNamed(SelectNames(same));
-        return m_store->Update("DELETE FROM {} WHERE {}", m_table, SqlRaw{same}) > 0;
-    });
+    return Change([&] { return DeleteRows(same) > 0; });
 }
 
 bool SqlMessageQueue::DeleteMsgList(VK_MESSAGE_HEADER_LIST* list)
@@ -202,10 +198,7 @@ bool SqlMessageQueue::DeleteMsgList(VK_MESSAGE_HEADER_LIST* list)
     for (int i = 0; i < list->count; ++i)
         ids.push_back(list->list[i].id);
     return Change([&] {
-        ForIds(ids, [&](const SqlRaw& some) {
-            DeleteNamed(SelectNames("id IN (" + some.text + ")"));
-            m_store->Update("DELETE FROM {} WHERE id IN ({})", m_table, some);
-        });
+        ForIds(ids, [&](const SqlRaw& some) { DeleteRows("id IN (" + some.text + ")"); });
         return true;
     });
 }
@@ -298,12 +291,19 @@ bool SqlMessageQueue::GetImpl(VK_MESSAGE_HEADER_LIST* list, bool full, ReadyOpti
 std::unique_ptr<VKDBiResultSet> SqlMessageQueue::SelectPage(bool full, const std::string& filter,
                                                             const std::string& order)
 {
-    const std::string query =
-        m_store->Part("SELECT {} FROM {} {}", SqlRaw{HeaderColumns(full)}, m_table, SqlRaw{filter}).text;
+    const std::string from = m_store->Part("{} {}", m_table, SqlRaw{filter}).text;
     if (m_iPageSize <= 0)
-        return m_store->Select("{} ORDER BY {}", SqlRaw{query}, SqlRaw{order});
+        return m_store->Select("SELECT {} FROM {} ORDER BY {}", SqlRaw{HeaderColumns(full)}, SqlRaw{from},
+                               SqlRaw{order});
     const long offset = (std::max(m_iPageNumber, 1) - 1L) * m_iPageSize;
-    return m_store->Select("{}", SqlRaw{m_store->Dialect().Page(query, order, m_iPageSize, offset)});
+    return SelectFirst(HeaderColumns(full), from, order, m_iPageSize, offset);
+}
+
+/// At most `size` rows behind the first `offset`, in an order that need not be of columns that are read.
+std::unique_ptr<VKDBiResultSet> SqlMessageQueue::SelectFirst(const std::string& columns, const std::string& from,
+                                                             const std::string& order, long size, long offset)
+{
+    return m_store->Select("{}", SqlRaw{m_store->Dialect().PageOfTable(columns, from, order, size, offset)});
 }
 
 /// Without pages what was read is all there is.
@@ -447,21 +447,21 @@ bool SqlMessageQueue::CleanupOldMsgs(int maxMessages, int days)
     const std::string old =
         m_store->Part("last_modify_time<{} AND {}", Now() - days * kDaySeconds, SqlRaw{removable}).text;
     return Change([&] {
-        DeleteNamed(SelectNames(old));
-        m_store->Update("DELETE FROM {} WHERE {}", m_table, SqlRaw{old});
+        DeleteRows(old);
+        if (const std::string text = m_store->Dialect().DeleteBehindNewest(m_table, removable, maxMessages);
+            !text.empty()) {
+            m_store->Update("{}", SqlRaw{text});
+            return true;
+        }
         const long excess = m_store->SelectNumber("SELECT COUNT(id) FROM {}", m_table) - maxMessages;
         if (excess <= 0)
             return true;
-        const std::string query =
-            m_store->Part("SELECT id, msg_name FROM {} WHERE {}", m_table, SqlRaw{removable}).text;
-        const auto oldest = m_store->Select(
-            "{}", SqlRaw{m_store->Dialect().Page(query, "last_modify_time ASC, create_time ASC", excess, 0)});
+        const auto oldest = SelectFirst("id", m_store->Part("{} WHERE {}", m_table, SqlRaw{removable}).text,
+                                        "last_modify_time ASC, create_time ASC", excess, 0);
         Ids ids;
-        for (int row = 0; row < oldest->GetReturnedRowsCount(); ++row) {
+        for (int row = 0; row < oldest->GetReturnedRowsCount(); ++row)
             ids.push_back((*oldest)[row][0].GetValueULong());
-            m_bodies->Remove((*oldest)[row][1].GetValueString());
-        }
-        ForIds(ids, [&](const SqlRaw& some) { m_store->Update("DELETE FROM {} WHERE id IN ({})", m_table, some); });
+        ForIds(ids, [&](const SqlRaw& some) { DeleteRows("id IN (" + some.text + ")"); });
         return true;
     });
 }
@@ -478,8 +478,8 @@ bool SqlMessageQueue::EmptyQueue()
 time_t SqlMessageQueue::GetOldestMsgTime()
 {
     return Read([&] {
-        const std::string query = m_store->Part("SELECT create_time FROM {}", m_table).text;
-        return m_store->SelectNumber("{}", SqlRaw{m_store->Dialect().Page(query, "create_time ASC", 1, 0)});
+        const std::string table = m_store->Dialect().TableOf(m_table);
+        return (*SelectFirst("create_time", table, "create_time ASC", 1, 0))[0][0].GetValueLong();
     });
 }
 

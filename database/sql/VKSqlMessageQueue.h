@@ -76,10 +76,12 @@ private:
 
     bool GetImpl(VK_MESSAGE_HEADER_LIST* list, bool full, ReadyOption option);
     std::unique_ptr<VKDBiResultSet> SelectPage(bool full, const std::string& filter, const std::string& order);
+    std::unique_ptr<VKDBiResultSet> SelectFirst(const std::string& columns, const std::string& from,
+                                                const std::string& order, long size, long offset);
     void CountPages(const std::string& filter, int returned);
     bool Rename(const std::string& oldName, const std::string& newName, const time_t* time);
     void Release(const std::string& which);
-    void DeleteNamed(const Names& names);
+    long DeleteRows(const std::string& condition);
     Names SelectNames(const std::string& condition);
     std::string NameClause(const std::string& name) const;
     template <class Run> void ForIds(const Ids& ids, Run&& run);

@@ -40,9 +40,11 @@ void SQLite3MessageFiles::RequireDone(bool done, const char* what, const std::st
                             std::generic_category().message(errno));
 }
 
-void SQLite3MessageFiles::Begin(SqlStore& store)
+/// Every transaction of the file database takes the write lock.
+void SQLite3MessageFiles::Begin(SqlStore& store, const TableName& table, TransactionLock)
 {
     m_store = &store;
+    m_table = table;
     m_bStarted = false;
     OpenIntent();
     ReadIntent();
@@ -77,6 +79,19 @@ void SQLite3MessageFiles::Committed() noexcept
 bool SQLite3MessageFiles::Load(const std::string& name, VK_MESSAGE_CONTENT* content)
 {
     return m_files.LoadMsgFileContent(name, content);
+}
+
+unsigned long SQLite3MessageFiles::Insert(const QueueRow& row, const VK_MESSAGE_CONTENT& content)
+{
+    const unsigned long id = m_store->InsertRow(Table{m_table, kQueueTable.fields}, row);
+    Write(row.msg_name, content);
+    return id;
+}
+
+void SQLite3MessageFiles::Update(const QueueRow& row, const VK_MESSAGE_CONTENT& content)
+{
+    m_store->UpdateRow(Table{m_table, kQueueTable.fields}, row);
+    Write(row.msg_name, content);
 }
 
 void SQLite3MessageFiles::Write(const std::string& name, const VK_MESSAGE_CONTENT& content)

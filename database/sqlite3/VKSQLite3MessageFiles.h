@@ -29,13 +29,15 @@ public:
     explicit SQLite3MessageFiles(VKMsgQueueFileOperations files);
     ~SQLite3MessageFiles() override;
 
-    void Begin(SqlStore& store) override;
+    void Begin(SqlStore& store, const TableName& table, TransactionLock lock) override;
     void Undo() noexcept override;
     void Committed() noexcept override;
 
+    bool StandApart() const override { return true; }
     bool Exists(const std::string& name) override { return m_files.CheckExists(name); }
     bool Load(const std::string& name, VK_MESSAGE_CONTENT* content) override;
-    void Write(const std::string& name, const VK_MESSAGE_CONTENT& content) override;
+    unsigned long Insert(const QueueRow& row, const VK_MESSAGE_CONTENT& content) override;
+    void Update(const QueueRow& row, const VK_MESSAGE_CONTENT& content) override;
     void Move(const std::string& oldName, const std::string& newName) override;
     void Remove(const std::string& name) override;
     void RemoveAll() override;
@@ -50,6 +52,7 @@ private:
         std::string to;
     };
 
+    void Write(const std::string& name, const VK_MESSAGE_CONTENT& content);
     void Intend(Change change);
     void BackUp(const std::string& name);
     void ReadIntent();
@@ -60,7 +63,8 @@ private:
     void RequireDone(bool done, const char* what, const std::string& name) const;
 
     VKMsgQueueFileOperations m_files;
-    SqlStore* m_store = nullptr; ///< of the running transaction
+    SqlStore* m_store = nullptr; ///< of the running transaction, as the table
+    TableName m_table{};
     int m_iIntent = -1;          ///< descriptor of the intent; -1 until the first change or read
     long m_lNumber = 0;          ///< of the running transaction, or of the intent that was read
     bool m_bStarted = false;     ///< the intent holds the running transaction's number

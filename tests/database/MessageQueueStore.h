@@ -10,16 +10,16 @@
 #include "VKRecordText.h"
 #include "VKSQLite3MessageQueue.h"
 
-/// Queues 1 to 10 in directories of their own.
-class MessageQueueStore : public FileDatabase
+/// Queues 1 to 10, on the database of a fixture; their directories are their own.
+template <class Database> class QueuesOn : public Database
 {
 protected:
-    MessageQueueStore()
+    QueuesOn()
     {
         VK_DIRECTORY_PATH paths{};
         auto* const slots = reinterpret_cast<char(*)[256]>(&paths);
         for (int slot = 0; slot < 16; ++slot) {
-            const std::string path = dir / ("slot" + std::to_string(slot));
+            const std::string path = this->dir / ("slot" + std::to_string(slot));
             std::filesystem::create_directories(path);
             vk::SetText(slots[slot], path, "path");
         }
@@ -28,7 +28,7 @@ protected:
 
     std::unique_ptr<VKDBiMessageQueue> Open(int number, const std::string& service = "svc")
     {
-        return std::unique_ptr<VKDBiMessageQueue>(VKDBiMessageQueue::CreateInstance(&system, number, service));
+        return std::unique_ptr<VKDBiMessageQueue>(VKDBiMessageQueue::CreateInstance(&this->system, number, service));
     }
 
     static unsigned long Add(VKDBiMessageQueue& queue, const std::string& name, const std::string& body = "{}",
@@ -68,7 +68,7 @@ protected:
         return body;
     }
 
-    /// The message files of a queue: all but the queue's own.
+    /// The message files of a queue on files: all but the queue's own.
     static std::set<std::string> Files(VKDBiMessageQueue& queue)
     {
         std::set<std::string> names;
@@ -80,3 +80,5 @@ protected:
         return names;
     }
 };
+
+using MessageQueueStore = QueuesOn<FileDatabase>;

@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <thread>
 
+#include "BackendDatabase.h"
 #include "ChildProcess.h"
 #include "MessageQueueStore.h"
 
@@ -13,7 +14,7 @@
 
 namespace {
 
-class VKMessageQueueProcesses : public MessageQueueStore, public testing::WithParamInterface<int>
+class VKMessageQueueProcesses : public QueuesOn<BackendDatabase>
 {
 };
 
@@ -114,14 +115,17 @@ TEST_F(VKMessageQueueCrash, KilledAtAnyPointLosesNothingAndLeavesNoHalf)
 TEST_P(VKMessageQueueProcesses, EachMessageIsTakenByExactlyOneOfThem)
 {
     constexpr int kCount = 200;
+    constexpr int kProcesses = 6;
     {
         const auto queue = Open(1);
         for (int i = 0; i < kCount; ++i)
             Add(*queue, "M.0.J" + std::to_string(i) + ".mxp");
     }
     std::vector<std::unique_ptr<ChildProcess>> processes;
-    for (int p = 0; p < GetParam(); ++p)
+    for (int p = 0; p < kProcesses; ++p)
         processes.push_back(std::make_unique<ChildProcess>([&, p] {
+            if (!OnFiles())
+                system.SetCustomDatabaseInstance(system.CreateNewDatabaseInstance());
             const auto queue = Open(1, "svc" + std::to_string(p));
             queue->SetFilter(5, 1);
             std::string taken;
@@ -137,7 +141,7 @@ TEST_P(VKMessageQueueProcesses, EachMessageIsTakenByExactlyOneOfThem)
     for (auto& process : processes)
         EXPECT_EQ(process->Wait(), 0);
     std::multiset<std::string> taken;
-    for (int p = 0; p < GetParam(); ++p) {
+    for (int p = 0; p < kProcesses; ++p) {
         std::istringstream lines(dir.Read("taken" + std::to_string(p)));
         for (std::string line; std::getline(lines, line);)
             taken.insert(line);
@@ -146,4 +150,4 @@ TEST_P(VKMessageQueueProcesses, EachMessageIsTakenByExactlyOneOfThem)
     EXPECT_EQ(std::set<std::string>(taken.begin(), taken.end()).size(), taken.size()) << "one was taken twice";
 }
 
-INSTANTIATE_TEST_SUITE_P(OnOneQueue, VKMessageQueueProcesses, testing::Values(2, 8));
+VK_ON_BOTH_BACKENDS(VKMessageQueueProcesses);

@@ -1,9 +1,13 @@
 #include <gmock/gmock.h>
 
+#include "BackendDatabase.h"
 #include "MessageQueueStore.h"
+#include "NotingConnection.h"
 #include "VKDatabase.h"
 #include "VKMessageName.h"
+#include "VKMessageRows.h"
 #include "VKMsgQueueFileOperations.h"
+#include "VKRDBMessageQueue.h"
 #include "VKSQLite3Database.h"
 
 using testing::ElementsAre;
@@ -13,13 +17,19 @@ using testing::UnorderedElementsAre;
 
 namespace {
 
-class VKMessageQueueTest : public MessageQueueStore
+class VKMessageQueueTest : public QueuesOn<BackendDatabase>
 {
 protected:
     VKMessageQueueTest() : queue(Open(1)) {}
 
-    void Sql(const std::string& statement)
+    /// Runs a statement behind the queue's back; "{}" is its table.
+    void Sql(std::string statement)
     {
+        statement.replace(statement.find("{}"), 2, OnFiles() ? "queue_metadata" : "VK_QUEUE_PAGING");
+        if (!OnFiles()) {
+            server->ExecuteCommand(statement);
+            return;
+        }
         VKSQLite3Database file(queue->GetQueueName() + "/queue_metabase.sdb", true);
         VKSQLite3ResultSet result;
         file.CheckNCreateSchema();
@@ -27,18 +37,52 @@ protected:
         file.ExecuteUpdateQuery(statement, result);
     }
 
+    /// What bodies there are, by name.
+    static std::set<std::string> Files(VKDBiMessageQueue& of)
+    {
+        if (of.GetQueueName().front() == '/')
+            return QueuesOn::Files(of);
+        const auto names = Names(of);
+        return {names.begin(), names.end()};
+    }
+
     std::unique_ptr<VKDBiMessageQueue> queue;
 };
 
+class VKMessageQueueFilesTest : public VKMessageQueueTest
+{
+};
+
 /// A queue whose clock stands where the test puts it.
-class QueueAt : public VKSQLite3MessageQueue
+template <class Queue> class QueueAt : public Queue
 {
 public:
-    using VKSQLite3MessageQueue::VKSQLite3MessageQueue;
-    time_t now = time(nullptr);
+    explicit QueueAt(const time_t& now) : Queue(2, ""), m_now(now) {}
 
 protected:
-    time_t Now() const override { return now; }
+    time_t Now() const override { return m_now; }
+
+private:
+    const time_t& m_now;
+};
+
+/// What a queue says to a server.
+class NotedQueue : public vk::SqlMessageQueue
+{
+public:
+    NotedQueue() : SqlMessageQueue(10, "svc")
+    {
+        const vk::TableName table{"queue_metadata", "VK_QUEUE_WAITING"};
+        UseStore(std::make_unique<vk::SqlStore>(std::make_unique<NotingConnection>(notes), kStatementLimit),
+                 std::make_unique<vk::MessageRows>(table), table);
+    }
+    bool CreateQueue(int) override { return true; }
+    bool DeleteQueue(int) override { return true; }
+
+    std::vector<std::string> notes;
+
+protected:
+    time_t Now() const override { return 10000; }
 };
 
 time_t LocalTime(int day, int hour, int minute)
@@ -77,7 +121,7 @@ TEST(VKMessageNameTest, PartsComeOutOfTheNameAndGoBack)
     EXPECT_EQ(vk::MessageName::Parse("Q.12.a.b.c.mxp").Text(), "Q.12.a.b.c.mxp");
 }
 
-TEST_F(VKMessageQueueTest, AddedMessageComesBackWholeAndASecondOfItsNameReplacesIt)
+TEST_P(VKMessageQueueTest, AddedMessageComesBackWholeAndASecondOfItsNameReplacesIt)
 {
     VK_MESSAGE_HEADER header;
     header.priority = 1;
@@ -103,7 +147,7 @@ TEST_F(VKMessageQueueTest, AddedMessageComesBackWholeAndASecondOfItsNameReplaces
     EXPECT_TRUE(queue->IsMsgExisting("M.0.J1.mxp"));
 }
 
-TEST_F(VKMessageQueueTest, NamesThatNoMessageMayHaveAreRefusedAndNothingIsStored)
+TEST_P(VKMessageQueueTest, NamesThatNoMessageMayHaveAreRefusedAndNothingIsStored)
 {
     for (const std::string& name : {std::string(""), std::string("../x"), std::string("M.a/b"), std::string("M.\tx"),
                                     std::string("lock"), std::string(".."), std::string("queue_metabase.sdb"),
@@ -115,7 +159,7 @@ TEST_F(VKMessageQueueTest, NamesThatNoMessageMayHaveAreRefusedAndNothingIsStored
     EXPECT_EQ(Body(*queue, "M.0.it's;--.mxp"), "x");
 }
 
-TEST_F(VKMessageQueueTest, RenamingMovesRowAndFileTogether)
+TEST_P(VKMessageQueueTest, RenamingMovesRowAndFileTogether)
 {
     Add(*queue, "M.0.J1.mxp", "body");
     EXPECT_FALSE(queue->Morph("M", "Q.", false, 0));
@@ -139,12 +183,12 @@ TEST_F(VKMessageQueueTest, RenamingMovesRowAndFileTogether)
     EXPECT_THAT(Files(*queue), IsEmpty());
 }
 
-TEST_F(VKMessageQueueTest, AChangeThatFailsLeavesRowsAndFilesAsTheyWere)
+TEST_P(VKMessageQueueFilesTest, AChangeThatFailsLeavesRowsAndFilesAsTheyWere)
 {
     Add(*queue, "M.0.J1.mxp", "old");
     Add(*queue, "M.0.J2.mxp", "two");
-    Sql("CREATE TRIGGER no_insert BEFORE INSERT ON queue_metadata BEGIN SELECT RAISE(ABORT, 'no'); END;");
-    Sql("CREATE TRIGGER no_update BEFORE UPDATE ON queue_metadata WHEN NEW.msg_status='X' BEGIN "
+    Sql("CREATE TRIGGER no_insert BEFORE INSERT ON {} BEGIN SELECT RAISE(ABORT, 'no'); END;");
+    Sql("CREATE TRIGGER no_update BEFORE UPDATE ON {} WHEN NEW.msg_status='X' BEGIN "
         "SELECT RAISE(ABORT, 'no'); END;");
     EXPECT_NE(ErrorOf([&] { Add(*queue, "M.0.J1.mxp", "new"); }), "");
     EXPECT_NE(ErrorOf([&] { queue->Morph("M.0.J1.mxp", "X.", false, 0); }), "");
@@ -159,7 +203,7 @@ TEST_F(VKMessageQueueTest, AChangeThatFailsLeavesRowsAndFilesAsTheyWere)
     EXPECT_EQ(queue->GetTotalRecordCount(), 1);
 }
 
-TEST_F(VKMessageQueueTest, APollTakesWhatIsReadyByPriorityAndNobodyElseGetsIt)
+TEST_P(VKMessageQueueTest, APollTakesWhatIsReadyByPriorityAndNobodyElseGetsIt)
 {
     const long now = time(nullptr);
     VK_MESSAGE_HEADER due;
@@ -194,7 +238,7 @@ TEST_F(VKMessageQueueTest, APollTakesWhatIsReadyByPriorityAndNobodyElseGetsIt)
         EXPECT_EQ(ErrorOf([&] { Ready(*Open(number, "")); }), "") << number;
 }
 
-TEST_F(VKMessageQueueTest, WhatADeadServiceHeldComesBack)
+TEST_P(VKMessageQueueTest, WhatADeadServiceHeldComesBack)
 {
     const long old = time(nullptr) - 1300;
     for (const char* name : {"M.0.taken.mxp", "M.0.first.mxp", "Q.2.asked.mxp"})
@@ -213,12 +257,12 @@ TEST_F(VKMessageQueueTest, WhatADeadServiceHeldComesBack)
     EXPECT_THAT(Ready(*other), testing::Contains("M.0.taken.mxp"));
 }
 
-TEST_F(VKMessageQueueTest, NoRunningMessageBecomesUnreachableWhenItsLockIsOlderThanIts)
+TEST_P(VKMessageQueueTest, NoRunningMessageBecomesUnreachableWhenItsLockIsOlderThanIts)
 {
     Add(*queue, "M.0.young.mxp");
     Ready(*queue);
     queue->Morph("M.0.young.mxp", "R.", true, time(nullptr)); // renamed long after it was taken
-    Sql("UPDATE queue_metadata SET lock_time=1;");
+    Sql("UPDATE {} SET lock_time=1");
     Add(*queue, "R.0.nobodys.mxp");
     const auto other = Open(1, "other");
     std::vector<std::string> services;
@@ -233,7 +277,7 @@ TEST_F(VKMessageQueueTest, NoRunningMessageBecomesUnreachableWhenItsLockIsOlderT
     EXPECT_THAT(Ready(*other), UnorderedElementsAre("M.0.young.mxp", "M.0.nobodys.mxp"));
 }
 
-TEST_F(VKMessageQueueTest, FiltersPagesAndSorting)
+TEST_P(VKMessageQueueTest, FiltersPagesAndSorting)
 {
     for (const char* pin : {"12", "123", "Ab"}) {
         VK_MESSAGE_HEADER header;
@@ -270,10 +314,16 @@ TEST_F(VKMessageQueueTest, FiltersPagesAndSorting)
     EXPECT_EQ(queue->GetTotalRecords(), 3);
 }
 
-TEST_F(VKMessageQueueTest, ScheduledMessagesAreReadyInTheirHalfHour)
+TEST_P(VKMessageQueueTest, ScheduledMessagesAreReadyInTheirHalfHour)
 {
-    QueueAt schedule(2, "");
-    schedule.Initialize(&system);
+    time_t now = 0;
+    std::unique_ptr<VKDBiMessageQueue> opened;
+    if (OnFiles())
+        opened = std::make_unique<QueueAt<VKSQLite3MessageQueue>>(now);
+    else
+        opened = std::make_unique<QueueAt<VKRDBMessageQueue>>(now);
+    opened->Initialize(&system);
+    VKDBiMessageQueue& schedule = *opened;
     const auto add = [&](const char* name, int days, int minute, long date) {
         VK_MESSAGE_HEADER header;
         header.schd_days_to_send = days;
@@ -286,7 +336,7 @@ TEST_F(VKMessageQueueTest, ScheduledMessagesAreReadyInTheirHalfHour)
     add("M.0.once.mxp", 16 | 256, 600, 0);
     add("M.0.date.mxp", 0, 60, LocalTime(8, 0, 0));
     const auto at = [&](int day, int hour, int minute) {
-        schedule.now = LocalTime(day, hour, minute);
+        now = LocalTime(day, hour, minute);
         return Ready(schedule);
     };
     EXPECT_THAT(at(7, 9, 59), IsEmpty());
@@ -306,7 +356,7 @@ TEST_F(VKMessageQueueTest, ScheduledMessagesAreReadyInTheirHalfHour)
     EXPECT_THAT(at(14, 10, 5), ElementsAre("M.0.wednesday.mxp")) << "the filter holds for both alternatives";
 }
 
-TEST_F(VKMessageQueueTest, CleaningTakesOldMessagesThenTheOldestBeyondTheCount)
+TEST_P(VKMessageQueueTest, CleaningTakesOldMessagesThenTheOldestBeyondTheCount)
 {
     const long now = time(nullptr);
     for (int i = 0; i < 6; ++i) {
@@ -325,7 +375,7 @@ TEST_F(VKMessageQueueTest, CleaningTakesOldMessagesThenTheOldestBeyondTheCount)
     EXPECT_THAT(Ready(*queue), ElementsAre("M.0.after.mxp"));
 }
 
-TEST_F(VKMessageQueueTest, FaxNamesEndingInPAreAlsoThoseWithoutIt)
+TEST_P(VKMessageQueueTest, FaxNamesEndingInPAreAlsoThoseWithoutIt)
 {
     const auto fax = Open(6);
     Add(*fax, "M.abc", "page");
@@ -335,7 +385,7 @@ TEST_F(VKMessageQueueTest, FaxNamesEndingInPAreAlsoThoseWithoutIt)
     EXPECT_THAT(Files(*fax), ElementsAre("M.abcp"));
 }
 
-TEST_F(VKMessageQueueTest, QueueDirectoriesAreFoundOrNamedInTheError)
+TEST_P(VKMessageQueueFilesTest, QueueDirectoriesAreFoundOrNamedInTheError)
 {
     const auto error = [&](int number, const char* path) {
         return ErrorOf([&] { VKMsgQueueFileOperations(number, path).Initialize(&system); });
@@ -357,4 +407,102 @@ TEST_F(VKMessageQueueTest, QueueDirectoriesAreFoundOrNamedInTheError)
     other->EmptyQueue();
     EXPECT_TRUE(queue->DeleteQueue(102));
     EXPECT_FALSE(std::filesystem::exists(dir / "named"));
+}
+
+TEST_P(VKMessageQueueTest, ATextComesBackAsGivenOrIsRefusedByName)
+{
+    const std::string hostile[] = {"'; DROP TABLE VK_QUEUE_PAGING;--", "a\\", "%_[x]{}", "\"\xF0\x9F\x9A\x92\"", "?:$1"};
+    const auto texts = [](VK_MESSAGE_HEADER& header) {
+        return std::vector<std::pair<char*, std::size_t>>{{header.sender_name, sizeof header.sender_name},
+                                                          {header.receiver_name, sizeof header.receiver_name},
+                                                          {header.rcv_group_name, sizeof header.rcv_group_name},
+                                                          {header.pin, sizeof header.pin},
+                                                          {header.carrier_name, sizeof header.carrier_name}};
+    };
+    for (const std::string& text : hostile) {
+        VK_MESSAGE_HEADER header;
+        for (const auto& [field, size] : texts(header))
+            vk::SetText(field, size, text, "text");
+        const std::string name = "M.0.j " + text.substr(0, 20) + ".mxp";
+        Add(*queue, name, text, header);
+        VK_MESSAGE_CONTENT content;
+        ASSERT_TRUE(queue->GetByName(name, &content, true, true)) << name;
+        for (const auto& [field, size] : texts(content.header))
+            EXPECT_EQ(std::string(field), text);
+        EXPECT_EQ(std::string(content.body, content.length), text);
+        EmptyMessageContent(&content);
+        queue->SetFilterByPin("", text.substr(0, 1) + "*");
+        EXPECT_THAT(Names(*queue), testing::Contains(name)) << text;
+        queue->ClearFilter();
+        EXPECT_EQ(Ready(*Open(1, text)).size(), 1u) << text;
+        EXPECT_TRUE(queue->Delete(name));
+    }
+    VK_MESSAGE_HEADER endless;
+    std::fill(std::begin(endless.carrier_name), std::end(endless.carrier_name), 'x');
+    EXPECT_THAT(ErrorOf([&] { Add(*queue, "M.0.x.mxp", "", endless); }), HasSubstr("carrier_name"));
+    EXPECT_NE(ErrorOf([&] { queue->Delete(std::string("M.0.x\0.mxp", 10)); }), "");
+    EXPECT_EQ(queue->GetTotalRecordCount(), 0);
+
+    Add(*queue, "M.0.long.mxp", std::string(300000, 'x') + "'");
+    EXPECT_EQ(Body(*queue, "M.0.long.mxp").size(), 300001u) << "no statement is too long for a body";
+}
+
+VK_ON_BOTH_BACKENDS(VKMessageQueueTest);
+INSTANTIATE_TEST_SUITE_P(Backends, VKMessageQueueFilesTest, testing::Values(Backend::Files));
+
+TEST(VKMessageQueueOnServer, SpeaksTheServersSqlToTheLetter)
+{
+    NotedQueue queue;
+    const std::string hold =
+        "EXEC sp_getapplock @Resource='VK_QUEUE_WAITING', @LockMode='Exclusive', @LockOwner='Transaction'";
+    const std::string end = " SELECT ErrorCode = @@ERROR ";
+    VK_MESSAGE_CONTENT content;
+    vk::SetText(content.header.msg_name, "M.2.J'1.mxp", "msg_name");
+    AddMessageContent(&content, "it's");
+    queue.Add(&content);
+    EmptyMessageContent(&content);
+    EXPECT_THAT(std::exchange(queue.notes, {}),
+                ElementsAre("exclusive", hold, "DELETE FROM VK_QUEUE_WAITING WHERE msg_name='M.2.J''1.mxp'" + end,
+                            "INSERT INTO VK_QUEUE_WAITING (msg_name, msg_status, msg_query_count, msg_job_id, "
+                            "msg_protocol, last_modify_time, last_paging_queue_id, create_time, priority, sender_name, "
+                            "receiver_name, rcv_group_name, pin, carrier_name, next_send_time, expiry_time, "
+                            "next_query_time, casc_delay_mins, schd_days_to_send, schd_time_in_mins, "
+                            "schd_last_send_time, schd_date_to_send, msg_contents) VALUES ('M.2.J''1.mxp', 'M', 2, "
+                            "'J''1', 'mxp', 10000, 0, 0, 3, '', '', '', '', '', 0, 0, 0, 0, 0, 0, 0, 0, 'it''s'); "
+                            "SELECT [id] = @@IDENTITY, ERRORCODE=@@ERROR ",
+                            "commit"));
+    VK_MESSAGE_HEADER_LIST list;
+    queue.SetFilter(10, 3);
+    queue.GetReadyMsg(&list, false);
+    const std::string ready =
+        "WHERE ((lock_time=0 OR last_lock_owner_svc_name='svc') AND (msg_status IN ('M','D','E','F') OR "
+        "(msg_status='Q' AND next_query_time<=10000) OR (msg_status='R' AND last_lock_owner_svc_name='svc' AND "
+        "last_modify_time<8800) OR (msg_status='W' AND last_modify_time<8200)))";
+    EXPECT_THAT(std::exchange(queue.notes, {}),
+                ElementsAre("exclusive", hold,
+                            "SELECT * FROM (SELECT TOP 30 id, msg_name, last_modify_time, last_paging_queue_id, "
+                            "ROW_NUMBER() OVER (ORDER BY priority ASC, last_modify_time ASC, create_time ASC) as rnum "
+                            "FROM VK_QUEUE_WAITING " +
+                                ready + ") this_table WHERE rnum > 20",
+                            "SELECT COUNT(id) FROM VK_QUEUE_WAITING " + ready, "commit"));
+    queue.UnprocessMsgList("svc");
+    const std::string held = " WHERE last_lock_owner_svc_name='svc' AND (lock_time<>0 OR msg_status='R')";
+    const auto back = [&](const std::string& letter) {
+        return "UPDATE VK_QUEUE_WAITING SET lock_time=0, last_lock_owner_svc_name='', msg_status='" + letter +
+               "', msg_name='" + letter + "'+SUBSTRING(msg_name, 2, LEN(msg_name)-1)" + held;
+    };
+    EXPECT_THAT(std::exchange(queue.notes, {}),
+                ElementsAre("exclusive", hold, "SELECT msg_name, msg_query_count FROM VK_QUEUE_WAITING" + held,
+                            back("M") + " AND msg_query_count=0" + end, back("Q") + " AND msg_query_count>0" + end,
+                            "commit"));
+    queue.CleanupOldMsgs(50, 0);
+    EXPECT_THAT(std::exchange(queue.notes, {}),
+                ElementsAre("exclusive", hold,
+                            "DELETE FROM VK_QUEUE_WAITING WHERE last_modify_time<10000 AND msg_status IN ('M','Q','R')" +
+                                end,
+                            "WITH this_table AS (SELECT ROW_NUMBER() OVER (ORDER BY last_modify_time DESC, create_time "
+                            "DESC) AS rnum FROM VK_QUEUE_WAITING WHERE msg_status IN ('M','Q','R')) DELETE FROM "
+                            "this_table WHERE this_table.rnum > 50" +
+                                end,
+                            "commit"));
 }
