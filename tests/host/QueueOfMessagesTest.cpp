@@ -168,6 +168,35 @@ TEST_F(QueueOfMessages, AServiceRunsOnceAndStopsWhenTold)
     EXPECT_EQ(installation.Names(4), Names{"M.0.later.fake"});
 }
 
+TEST_F(QueueOfMessages, AnArchiveThatIsAwayForATimeHoldsMessagesBack)
+{
+    const std::filesystem::path root = installation.Root();
+    RunningProgram messenger("vkmessenger", Call(installation.Root(), {"--follow"}));
+    Add("before", Body("before", "", "", false));
+    ASSERT_TRUE(installation.Await(4, {"M.0.before.fake"})) << messenger.Err();
+    std::filesystem::rename(root / "archive", root / "away");
+    Add("meanwhile", Body("meanwhile", "", "", false));
+    EXPECT_TRUE(RunningProgram::Await([&] { return messenger.Err().find("M.0.meanwhile.fake") != std::string::npos; }));
+    EXPECT_EQ(installation.Names(1), Names{"R.0.meanwhile.fake"});
+    std::filesystem::rename(root / "away", root / "archive");
+    EXPECT_TRUE(installation.Await(4, {"M.0.before.fake", "M.0.meanwhile.fake"})) << messenger.Err();
+    EXPECT_EQ(messenger.End(SIGTERM), 0);
+    EXPECT_EQ(installation.Names(1), Names{});
+    EXPECT_EQ(installation.Files("archive"), installation.Names(4));
+}
+
+TEST_F(QueueOfMessages, AQueueThatCannotBeOpenedIsNamedAndNothingIsSent)
+{
+    Add("kept", Body("kept", "", "", false));
+    installation.Dir().Write("root/archive/queue_metabase.sdb", "somebody's file");
+    const ProgramRun run = Send();
+    EXPECT_EQ(run.exitCode, 3);
+    EXPECT_THAT(run.err, HasSubstr("queue 4 cannot be opened: "));
+    EXPECT_EQ(run.out, "");
+    EXPECT_EQ(installation.Names(1), Names{"M.0.kept.fake"});
+    EXPECT_EQ(installation.Dir().Read("root/archive/queue_metabase.sdb"), "somebody's file");
+}
+
 TEST_F(QueueOfMessages, AWrongCallSaysWhat)
 {
     const struct

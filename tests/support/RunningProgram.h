@@ -39,7 +39,7 @@ public:
     std::string Out() const { return m_dir.Read("out"); }
     std::string Err() const { return m_dir.Read("err"); }
 
-    /// Waits until it has written this text, for twenty seconds at most.
+    /// Waits until it has written this text, for a minute at most.
     bool AwaitOut(const std::string& text) const
     {
         return Await([&] { return Out().find(text) != std::string::npos; });
@@ -64,10 +64,10 @@ public:
         return m_code;
     }
 
-    /// Looks every few milliseconds whether something is so, for twenty seconds at most.
+    /// Looks every few milliseconds whether something is so, for a minute at most.
     template <class Condition> static bool Await(const Condition& condition)
     {
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(60);
         while (!condition()) {
             if (std::chrono::steady_clock::now() > end)
                 return false;
