@@ -1,7 +1,9 @@
 #pragma once
 
+#include "FreePort.h"
 #include "TempDir.h"
 #include "VKMXPFileReceiver.h"
+#include "VKMXPStreamListener.h"
 #include "VKMXPTcpSocket.h"
 #include "VKMXPTlsOpenSsl.h"
 #include "VKMXPTrafficWait.h"
@@ -12,6 +14,8 @@
 #include <gloox/disco.h>
 #include <gloox/message.h>
 #include <gloox/siprofileft.h>
+#include <gloox/socks5bytestream.h>
+#include <gloox/socks5bytestreamserver.h>
 
 #include <atomic>
 #include <chrono>
@@ -65,6 +69,7 @@ public:
     ~FilePeer() override
     {
         m_stop = true;
+        Pause(false);
         m_traffic.Wake();
         m_thread.join();
     }
@@ -83,11 +88,12 @@ public:
         return m_got;
     }
 
-    /// Offers a file in-band; from any thread.
-    void Offer(const std::string& to, const std::string& name, const std::string& content, const std::string& packetId)
+    /// Offers a file, of at most 100 kB over SOCKS5; from any thread.
+    void Offer(const std::string& to, const std::string& name, const std::string& content, const std::string& packetId,
+               int type = kInBand)
     {
         const std::lock_guard<std::mutex> lock(m_guard);
-        m_offers.push_back({to, name, content, packetId});
+        m_offers.push_back({to, name, content, packetId, type});
         m_traffic.Wake();
     }
 
@@ -104,6 +110,16 @@ public:
 
     /// From the next offer on.
     void Become(Manner manner) { m_manner = manner; }
+
+    /// Stops to look at what comes, its connections stay open; and goes on.
+    void Pause(bool paused)
+    {
+        std::unique_lock<std::mutex> lock(m_guard);
+        m_paused = paused;
+        m_changed.notify_all();
+        m_traffic.Wake();
+        m_changed.wait(lock, [this] { return m_parked || !m_paused; });
+    }
 
 private:
     class Receiver : public vk::FileReceiver
@@ -149,30 +165,51 @@ private:
     struct Outgoing
     {
         std::string to, name, content, packetId;
+        int type;
     };
 
     /// Sends the one file that is on offer in a single stream.
     class Sender : public gloox::SIProfileFTHandler, public gloox::BytestreamDataHandler
     {
     public:
-        explicit Sender(FilePeer& peer) : m_peer(peer), m_profile(&peer.m_client, this) {}
+        explicit Sender(FilePeer& peer)
+            : m_peer(peer), m_profile(&peer.m_client, this),
+              m_server(peer.m_client.logInstance(), m_port, "127.0.0.1"), m_listener(m_server, &peer.m_traffic)
+        {
+            if ((peer.m_types & kSocks5) == 0)
+                return;
+            m_listener.Listen("127.0.0.1", m_port);
+            m_profile.registerSOCKS5BytestreamServer(&m_server);
+            m_profile.addStreamHost(peer.m_client.jid(), "127.0.0.1", m_port);
+        }
         void Offer(const Outgoing& file)
         {
             m_contents[m_profile.requestFT(gloox::JID(file.to), file.name, static_cast<long>(file.content.size()), "",
-                                           file.packetId, "", "", gloox::SIProfileFT::FTTypeIBB)] = file.content;
+                                           file.packetId, "", "", file.type)] = file.content;
         }
         void handleFTBytestream(gloox::Bytestream* stream) override
         {
             stream->registerBytestreamDataHandler(this);
-            stream->connect();
+            if (stream->type() == gloox::Bytestream::S5B)
+                m_listener.Release(dynamic_cast<gloox::SOCKS5Bytestream&>(*stream).connectionImpl());
+            if (stream->connect() && stream->type() == gloox::Bytestream::S5B)
+                m_opened.push_back(stream);
         }
-        /// A stream takes data only when this has returned.
-        void handleBytestreamOpen(gloox::Bytestream* stream) override { m_opened.push_back(stream); }
+        /// An in-band stream takes data only when this has returned.
+        void handleBytestreamOpen(gloox::Bytestream* stream) override
+        {
+            if (stream->type() == gloox::Bytestream::IBB)
+                m_opened.push_back(stream);
+        }
         void SendOpened()
         {
+            if (m_peer.m_types & kSocks5)
+                m_listener.Pump(!m_contents.empty());
             for (gloox::Bytestream* stream : std::exchange(m_opened, {})) {
                 stream->send(m_contents[stream->sid()]);
                 stream->close();
+                m_contents.erase(stream->sid());
+                m_ended.insert(stream);
                 const std::lock_guard<std::mutex> lock(m_peer.m_guard);
                 ++m_peer.m_sent;
                 m_peer.m_changed.notify_all();
@@ -193,13 +230,17 @@ private:
         void handleBytestreamClose(gloox::Bytestream* stream) override { m_ended.insert(stream); }
         ~Sender() override
         {
+            m_profile.removeSOCKS5BytestreamServer();
             for (gloox::Bytestream* stream : m_ended)
                 m_profile.dispose(stream);
         }
 
     private:
         FilePeer& m_peer;
+        const int m_port = FreePort();
         gloox::SIProfileFT m_profile;
+        gloox::SOCKS5BytestreamServer m_server;
+        vk::StreamListener m_listener;
         std::map<std::string, std::string> m_contents;
         std::vector<gloox::Bytestream*> m_opened;
         std::set<gloox::Bytestream*> m_ended;
@@ -240,6 +281,13 @@ private:
             else if (m_receiver && !m_opened)
                 PumpUntilOpen();
             SendWaiting();
+            {
+                std::unique_lock<std::mutex> lock(m_guard);
+                m_parked = m_paused;
+                m_changed.notify_all();
+                m_changed.wait(lock, [this] { return !m_paused; });
+                m_parked = false;
+            }
             m_traffic.Wait(m_manner == Manner::ReadNothing ? 20 : 1000);
         }
         m_receiver.reset();
@@ -267,6 +315,8 @@ private:
     std::mutex m_guard; ///< guards what follows
     std::condition_variable m_changed;
     bool m_online = false;
+    bool m_paused = false;
+    bool m_parked = false;
     std::vector<Got> m_got;
     std::vector<Outgoing> m_offers;
     int m_sent = 0;
