@@ -14,8 +14,8 @@ public:
                   const std::string& sysMsg);
     ~VKDBexception() override;
 
-    /// The message alone, so that a general handler says what failed.
-    const char* what() const noexcept override { return m_strMessage.c_str(); }
+    /// The message, with the backend's own words behind it, so that a general handler says what failed and why.
+    const char* what() const noexcept override { return m_strWhat.c_str(); }
 
     /// Everything in one line: code (hexadecimal), file, line, message, system message.
     virtual std::string ToString() const;
@@ -32,6 +32,7 @@ private:
     int m_iLine = 0;
     int m_iErrorCode = 0;
     std::string m_strSysMsg;
+    std::string m_strWhat = m_strSysMsg.empty() ? m_strMessage : m_strMessage + ": " + m_strSysMsg;
 };
 
 namespace vk {

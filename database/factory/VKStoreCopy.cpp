@@ -178,9 +178,9 @@ std::vector<CopiedTable> CopyStores(const StorePlace& from, const StorePlace& to
     ForEachFamily([&](const auto& family) {
         std::vector<CopiedTable> ofFamily;
         ForEachTable(family, [&](const auto& table) { ofFamily.push_back({family.name, table.name.file}); });
+        const auto target = Open(to, family); // even when there is nothing to copy: one that is not there is told
         if (HasRows(from, family)) {
             const auto source = Open(from, family);
-            const auto target = Open(to, family);
             source->Shared([&] {
                 target->Exclusive([&] {
                     std::size_t i = 0;

@@ -50,7 +50,8 @@ TEST(VKDBexception, SaysAllInOneLine)
 {
     const VKDBexception failure(255, "file.cpp", 12, "what", "why");
     EXPECT_EQ(failure.ToString(), "Exception raised! Error code[FF] File[file.cpp] Line[12] Msg[what] SysMsg[why]");
-    EXPECT_STREQ(failure.what(), "what");
+    EXPECT_STREQ(failure.what(), "what: why");
+    EXPECT_STREQ(VKDBexception(-1, "m").what(), "m");
     EXPECT_EQ(VKDBexception(-1, "m").ToString(),
               "Exception raised! Error code[FFFFFFFF] File[] Line[0] Msg[m] SysMsg[]");
 }

@@ -24,6 +24,11 @@ public:
     /// Cuts all connections and returns when it has ended.
     void Stop();
 
+    /// Takes all tables away.
+    void Drop() const { RunScript("DROP SCHEMA public CASCADE; CREATE SCHEMA public;"); }
+    /// Runs statements as the server's own client does; gives back what it complains about.
+    std::string RunScript(const std::string& statements) const;
+
     static constexpr const char* kSource = "vktest";
 
 private:
