@@ -69,7 +69,8 @@ private:
         /// When the stage is to be looked at.
         Clock::time_point due{};
         int tries = 0;
-        int target = 0; ///< of one that leaves
+        int target = 0;        ///< of one that leaves
+        bool answered = false; ///< one that travels has its last answer
     };
 
     // QueueFeeder.cpp: the loop, and what comes in.
@@ -101,6 +102,7 @@ private:
     void Fail(Entry& entry, const std::string& reason);
     void TakeReports();
     void TakeReport(Entry& entry, const MessageReport& report);
+    void TakeReportOnTheWay(Entry& entry, const MessageReport& report);
     void Show(QueueMessage& message, int target);
     void Enter(Entry& entry, Stage stage, std::chrono::milliseconds until = {});
     void DropThoseGone();

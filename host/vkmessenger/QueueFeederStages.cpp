@@ -204,8 +204,10 @@ void QueueFeeder::TakeReports()
 void QueueFeeder::TakeReport(Entry& entry, const MessageReport& report)
 {
     QueueMessage& message = *entry.message;
-    message.Note(report);
     m_parts.timeline.Show(message.Job(), "report", report);
+    if (entry.stage == Stage::Travelling)
+        return TakeReportOnTheWay(entry, report);
+    message.Note(report);
     if (entry.stage == Stage::Leaving || entry.stage == Stage::Gone)
         return;
     if (!report.keepOpen) {
@@ -217,6 +219,28 @@ void QueueFeeder::TakeReport(Entry& entry, const MessageReport& report)
     } else if (entry.stage == Stage::Asking) {
         Attempt([&] { Store(entry, message.QueryCount()); });
     }
+}
+
+/// The driver holds on to the file as long as its attachments travel, whatever its receiver says meanwhile. Behind them
+/// an answer may still come.
+void QueueFeeder::TakeReportOnTheWay(Entry& entry, const MessageReport& report)
+{
+    const bool failed = report.status == Reports::RS_FAILED;
+    const bool filesEnded = !report.keepOpen && (failed || report.status == Reports::RS_SENT);
+    if (!filesEnded) {
+        entry.message->Note(report);
+        entry.answered = entry.answered || !report.keepOpen;
+        return;
+    }
+    if (entry.answered) {
+        entry.message->NoteReason(report.failureReason);
+        return Leave(entry, kArchiveQueue);
+    }
+    entry.message->Note(report);
+    if (!failed)
+        return Enter(entry, Stage::Settling);
+    m_anyFailed = true;
+    Leave(entry, kErrorQueue);
 }
 
 void QueueFeeder::Show(QueueMessage& message, int target)

@@ -5,8 +5,8 @@
 #include <sstream>
 #include <string>
 
-/// A driver that delivers nothing: the subject of a message says, word by word, what its receiver does, one word for
-/// each query; the body says how sending comes out.
+/// A driver that delivers nothing: the subject of a message says, word by word, what its receiver does when it is asked,
+/// "LATER" leaves the rest to the next query; the body says how sending comes out.
 namespace {
 
 using Reports = VKMessengerReportsMngrInterface;
@@ -40,7 +40,8 @@ public:
             status = Reports::RS_DEVICE_OFFLINE;
             return true;
         }
-        status = Reports::RS_SENT;
+        // With attachments, which end with "FILES" or "BREAK".
+        status = file->strBody == "files" ? Reports::RS_PENDING : Reports::RS_SENT;
         file->SetCarrierReference(file->strJobID);
         return true;
     }
@@ -49,9 +50,15 @@ public:
     {
         status = Reports::RS_FAILED;
         std::istringstream words(file->strSubject);
-        for (std::string word; words >> word;)
+        std::string rest;
+        for (std::string word; words >> word;) {
+            if (word == "LATER") { // with the next query
+                std::getline(words, rest);
+                break;
+            }
             Apply(*file, word);
-        file->strSubject.clear();
+        }
+        file->strSubject = rest;
         return true;
     }
 
@@ -64,6 +71,8 @@ private:
         } else if (word == "CONFIRM") {
             file.AddReceivedResponse(word);
             PushBackMsgFile(&file, Reports::RS_CONFIRMED, false, "");
+        } else if (word == "FILES") {
+            PushBackMsgFile(&file, Reports::RS_SENT, false, "");
         } else if (word == "BREAK") {
             file.SetFailureReason("File transfer failed.");
             PushBackMsgFile(&file, Reports::RS_FAILED, false, "");
