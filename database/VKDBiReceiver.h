@@ -13,6 +13,7 @@
 #include "VKReceiver.h"
 #include "VKReceiverView.h"
 
+struct VK_CARRIER;
 struct VK_USER_GROUP;
 struct VK_FAVORITE_LIST;
 struct VK_RECIP_PERM_LIST;
@@ -168,6 +169,8 @@ public:
     virtual bool IsDepartmentBeingUsed(unsigned long departmentId) = 0;
     /// Whether a receiver is on the carrier, or has it as its backup.
     virtual bool IsCarrierBeingUsed(unsigned long carrierId) = 0;
+    /// The carrier with an id, without its data; false when there is none.
+    virtual bool GetCarrier(VK_CARRIER* carrier, unsigned long id) = 0;
     /// Whether a group has this name; groups and receivers share their names.
     virtual bool IsGroupName(const std::string& name) = 0;
     /// The receivers that this one covers, as they are stored. The filter is not looked at.

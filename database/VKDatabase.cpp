@@ -5,7 +5,9 @@
 #include "VKDBiActiveMxpClient.h"
 #include "VKDBiDepartment.h"
 #include "VKDBiMessageQueue.h"
+#include "VKDBiCarrier.h"
 #include "VKDBiReceiver.h"
+#include "VKDBiReceiverView.h"
 #include "VKDBiXmppGWUser.h"
 #include "VKDatabaseMultiThreaded.h"
 
@@ -172,6 +174,12 @@ template <class Entity, class... Keys> Entity* VKDatabase::ObjectOf(const std::s
 
 VKDBiDepartment* VKDatabase::getVKDBiDepartmentObject() { return ObjectOf<VKDBiDepartment>("VKDBiDepartment"); }
 VKDBiReceiver* VKDatabase::getVKDBiReceiverObject() { return ObjectOf<VKDBiReceiver>("VKDBiReceiver"); }
+VKDBiReceiverView* VKDatabase::getVKDBiReceiverViewObject()
+{
+    return ObjectOf<VKDBiReceiverView>("VKDBiReceiverView");
+}
+
+VKDBiCarrier* VKDatabase::getVKDBiCarrierObject() { return ObjectOf<VKDBiCarrier>("VKDBiCarrier"); }
 VKDBiXmppGWUser* VKDatabase::getVKDBiXmppGWUserObject() { return ObjectOf<VKDBiXmppGWUser>("VKDBiXmppGWUser"); }
 
 VKDBiActiveMxpClient* VKDatabase::getVKDBiActiveMxpClientObject()

@@ -13,7 +13,9 @@ class VKConfiguration;
 class VKDBiActiveMxpClient;
 class VKDBiDepartment;
 class VKDBiMessageQueue;
+class VKDBiCarrier;
 class VKDBiReceiver;
+class VKDBiReceiverView;
 class VKDBiXmppGWUser;
 class VKsysEventLogInterface;
 
@@ -70,6 +72,8 @@ public:
     // The factory: null when the database or the entity's file cannot be opened, with the reason in getLastErrorString.
     VKDBiDepartment* getVKDBiDepartmentObject();
     VKDBiReceiver* getVKDBiReceiverObject();
+    VKDBiReceiverView* getVKDBiReceiverViewObject();
+    VKDBiCarrier* getVKDBiCarrierObject();
     VKDBiXmppGWUser* getVKDBiXmppGWUserObject();
     VKDBiActiveMxpClient* getVKDBiActiveMxpClientObject();
     /// One for each queue number, or for each queue number and service.

@@ -7,6 +7,7 @@
 #include "VKBALMessages.h"
 #include "VKBALUtility.h"
 #include "VKBALexception.h"
+#include "VKCarrier.h"
 #include "VKFieldValidators.h"
 #include "VKPinTemplate.h"
 #include "VKReceiverRules.h"
@@ -71,20 +72,13 @@ bool VKBALReceiver::Delete(unsigned long id, unsigned long departmentId)
     return m_pImplementation->Delete(id, departmentId);
 }
 
-VKDBiCarrier& VKBALReceiver::Carriers()
-{
-    if (!m_pCarriers)
-        m_pCarriers.reset(VKDBiCarrier::CreateInstance(GetDbSystem()));
-    return *m_pCarriers;
-}
-
 /// 0 for none, for a special carrier, and for one that is not there.
 int VKBALReceiver::ProtocolOf(unsigned long carrierId)
 {
     if (carrierId == 0 || carrierId >= VK_FAX_CARRIER_ID)
         return 0;
     VK_CARRIER carrier;
-    return Carriers().GetByID(&carrier, carrierId, false) ? carrier.protocol_id : 0;
+    return m_pImplementation->GetCarrier(&carrier, carrierId) ? carrier.protocol_id : 0;
 }
 
 bool VKBALReceiver::ValidateReceiverPin(unsigned long receiverId, const std::string& pin, unsigned long carrierId)
@@ -93,7 +87,7 @@ bool VKBALReceiver::ValidateReceiverPin(unsigned long receiverId, const std::str
     if (carrierId == 0 || carrierId >= VK_FAX_CARRIER_ID)
         return true;
     VK_CARRIER carrier;
-    if (!Carriers().GetByID(&carrier, carrierId, false))
+    if (!m_pImplementation->GetCarrier(&carrier, carrierId))
         return true;
     const bool isOai = carrier.protocol_id == VKProtocolOaiOneWay || carrier.protocol_id == VKProtocolOaiTwoWay;
     if (isOai && !IsOaiNumber(pin, hexadecimal))

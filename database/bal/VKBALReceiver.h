@@ -3,7 +3,6 @@
 #include <memory>
 #include <string>
 
-#include "VKDBiCarrier.h"
 #include "VKReceiverForwarding.h"
 
 /// The receivers behind their rules: forwards every operation to the layer below, and refuses what breaks a rule.
@@ -32,9 +31,6 @@ public:
     static bool ValidatePinForOAIReceiver(const std::string& pin);
 
 private:
-    VKDBiCarrier& Carriers();
     int ProtocolOf(unsigned long carrierId);
     void CheckAttribute(const VK_ATTRIBUTE& attribute);
-
-    std::unique_ptr<VKDBiCarrier> m_pCarriers; ///< opened when a rule first asks for a carrier
 };

@@ -231,6 +231,10 @@ public:
     {
         return m_pImplementation->IsCarrierBeingUsed(carrierId);
     }
+    bool GetCarrier(VK_CARRIER* carrier, unsigned long id) override
+    {
+        return m_pImplementation->GetCarrier(carrier, id);
+    }
     bool IsGroupName(const std::string& name) override { return m_pImplementation->IsGroupName(name); }
     bool GetCoveredBy(VK_RECEIVER_LIST* list, unsigned long coverId) override
     {

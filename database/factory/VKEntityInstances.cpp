@@ -4,6 +4,7 @@
 #include "VKBALDepartment.h"
 #include "VKBALReceiver.h"
 #include "VKDBexception.h"
+#include "VKDBiReceiverView.h"
 #include "VKDBsystem.h"
 #include "VKMessageManager.h"
 #include "VKRDBActiveMxpClient.h"
@@ -74,6 +75,14 @@ VKDBiXmppGWUser* VKDBiXmppGWUser::CreateInstance(VKDBsystem* system)
 VKDBiActiveMxpClient* VKDBiActiveMxpClient::CreateInstance(VKDBsystem* system)
 {
     return MakePlain<VKDBiActiveMxpClient, VKSQLite3ActiveMxpClient, VKRDBActiveMxpClient>(system);
+}
+
+VKDBiReceiverView* VKDBiReceiverView::CreateInstance(VKDBsystem* system)
+{
+    auto view = std::make_unique<VKDBiReceiverView>(
+        std::unique_ptr<VKDBiReceiver>(VKDBiReceiver::CreateInstance(system)));
+    view->Initialize(system);
+    return view.release();
 }
 
 VKDBiCarrier* VKDBiCarrier::CreateInstance(VKDBsystem* system)

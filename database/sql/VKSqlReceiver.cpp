@@ -334,6 +334,25 @@ bool SqlReceiver::IsCarrierBeingUsed(unsigned long carrierId)
                            carrierId) > 0;
 }
 
+/// Read here, so that no second connection is needed for the rules of a receiver.
+bool SqlReceiver::GetCarrier(VK_CARRIER* carrier, unsigned long id)
+{
+    EmptyCarrier(carrier);
+    const auto carriers = m_parts->files.Carriers();
+    bool found = false;
+    m_parts->store->Shared([&] {
+        m_parts->store->SelectRecords<VK_CARRIER>(
+            kCarrierTable.fields,
+            [&](VK_CARRIER& read, const SqlRow&) {
+                std::free(std::exchange(read.carrier_data, nullptr));
+                *carrier = read;
+                found = true;
+            },
+            "SELECT * FROM {} WHERE id={}", kCarrierTable.name, id);
+    });
+    return found;
+}
+
 bool SqlReceiver::IsGroupName(const std::string& name)
 {
     const auto groups = m_parts->files.Groups();

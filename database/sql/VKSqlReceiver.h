@@ -87,6 +87,7 @@ public:
                     VK_DISABLE_HISTORY* add, bool keepHistory) override;
     bool IsDepartmentBeingUsed(unsigned long departmentId) override;
     bool IsCarrierBeingUsed(unsigned long carrierId) override;
+    bool GetCarrier(VK_CARRIER* carrier, unsigned long id) override;
     bool IsGroupName(const std::string& name) override;
     bool GetCoveredBy(VK_RECEIVER_LIST* list, unsigned long coverId) override;
     bool GetViewsByPin(VK_RECEIVER_VIEW_LIST* list, const std::string& pin) override;

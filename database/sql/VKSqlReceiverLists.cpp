@@ -63,7 +63,7 @@ std::string SqlReceiverLists::Filtered(const Query& query) const
 void SqlReceiverLists::ForEachFiltered(const Query& query, const SqlRowReader& take)
 {
     const auto carriers = NeededCarriers(query.protocols || m_filter.NeedsCarriers());
-    m_store.Shared([&] { m_store.ForEachRow(Filtered(query), take); });
+    Reading([&] { m_store.ForEachRow(Filtered(query), take); });
 }
 
 /// Appends each row to a list, in place: a list may hold thousands.
@@ -83,7 +83,7 @@ void SqlReceiverLists::Get(VK_RECEIVER_LIST* list, const Extras& extras)
 {
     EmptyReceiverList(list);
     const auto carriers = NeededCarriers(extras.protocols || m_filter.NeedsCarriers());
-    m_store.Shared([&] {
+    Reading([&] {
         const std::string query =
             Filtered({extras.protocols ? "{receiver}.*, {carrier}.protocol_id AS protocol_id" : "{receiver}.*",
                       extras.protocols, extras.onlyEnabled ? EnabledNow() : ""});
@@ -146,7 +146,7 @@ void SqlReceiverLists::GetBrief(VK_RECEIVER_LIST* list, const char* columns, boo
     const std::string query =
         Filtered({std::string(columns) + (protocols ? ", {carrier}.protocol_id AS protocol_id" : ""), protocols, ""});
     const auto carriers = NeededCarriers(protocols || m_filter.NeedsCarriers());
-    const auto rows = m_store.Shared([&] { return m_store.Select("{}", SqlRaw{query}); });
+    const auto rows = Reading([&] { return m_store.Select("{}", SqlRaw{query}); });
     for (int row = 0; row < rows->GetReturnedRowsCount(); ++row) {
         AppendRecord(list->list, list->count, VK_RECEIVER{});
         VK_RECEIVER& receiver = list->list[list->count - 1];
@@ -161,7 +161,7 @@ void SqlReceiverLists::GetForScheduler(VK_RECEIVER_LIST* list, bool withSchedule
     Extras extras;
     extras.schedules = withSchedules;
     const SqlRaw disabled{m_store.Dialect().ConditionColumn(DisabledAt(time(nullptr)))};
-    m_store.Shared([&] {
+    Reading([&] {
         const auto rows = m_store.Select(Named("SELECT {receiver}.id, {receiver}.name, {} AS IsReceiverDisabledAtTime "
                                                "from {receiver} ORDER BY UPPER({receiver}.name) ASC"),
                                          disabled);
@@ -179,7 +179,7 @@ void SqlReceiverLists::GetForScheduler(VK_RECEIVER_LIST* list, bool withSchedule
 bool SqlReceiverLists::GetOne(VK_RECEIVER* receiver, const std::string& condition, bool withSchedules)
 {
     EmptyReceiver(receiver);
-    return m_store.Shared([&] {
+    return Reading([&] {
         bool found = false;
         SqlRowPlan plan(kReceiverTable.fields);
         m_store.ForEachRow(Named("SELECT * FROM {receiver} WHERE ") + condition, [&](const SqlRow& row) {
@@ -198,7 +198,7 @@ bool SqlReceiverLists::GetOne(VK_RECEIVER* receiver, const std::string& conditio
 void SqlReceiverLists::GetWhere(VK_RECEIVER_LIST* list, const std::string& condition)
 {
     EmptyReceiverList(list);
-    m_store.Shared([&] {
+    Reading([&] {
         ReadInto(*list, Named("SELECT * FROM {receiver} WHERE ") + condition + Named(kByName),
                  [](VK_RECEIVER&, const SqlRow&) {});
     });
@@ -265,7 +265,7 @@ void SqlReceiverLists::GetViews(VK_RECEIVER_VIEW_LIST* list, const SqlReceiverFi
                               filter.Clause(m_store.Dialect()).Text() + Named(kByName);
     const auto carriers = m_files.Carriers();
     const auto departments = m_files.Departments();
-    m_store.Shared([&] {
+    Reading([&] {
         m_store.SelectRecords<VK_RECEIVER_VIEW>(
             kReceiverViewFields,
             [&](VK_RECEIVER_VIEW& view, const SqlRow&) {

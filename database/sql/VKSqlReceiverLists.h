@@ -59,6 +59,11 @@ private:
     template <class Finish> void ReadInto(VK_RECEIVER_LIST& list, const std::string& query, Finish&& finish);
     std::unique_ptr<SqlAttachment> NeededCarriers(bool needed);
     std::string Named(std::string_view pattern) const { return NameTables(m_store.Dialect(), pattern); }
+    /// Runs a body in a transaction; errors do not show the digest that the filter looks for.
+    template <class Body> auto Reading(Body&& body)
+    {
+        return SqlStore::HidingTexts({m_filter.accountDigest}, [&] { return m_store.Shared(body); });
+    }
     std::string EnabledNow() const;
     void ReadDeptRights(VK_RECEIVER& receiver);
     void ReadSchedules(VK_RECEIVER& receiver);

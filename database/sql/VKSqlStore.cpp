@@ -45,7 +45,7 @@ VKDBexception SqlStore::WithoutTexts(const VKDBexception& failure, const std::ve
 {
     const auto without = [&](std::string message) {
         for (const std::string& text : texts)
-            for (std::size_t at = message.find(text); text != "''" && at != std::string::npos;
+            for (std::size_t at = message.find(text); !text.empty() && text != "''" && at != std::string::npos;
                  at = message.find(text, at))
                 message.replace(at, text.size(), "***");
         return message;

@@ -133,6 +133,16 @@ public:
         }
     }
 
+    /// Runs a body; an error that quotes one of these texts is thrown on without them.
+    template <class Body> static auto HidingTexts(const std::vector<std::string>& texts, Body&& body)
+    {
+        try {
+            return body();
+        } catch (const VKDBexception& failure) {
+            throw WithoutTexts(failure, texts);
+        }
+    }
+
 private:
     /// Runs a body; an error that quotes the record's statement is thrown on without its secrets.
     template <class Fields, class Record, class Body>

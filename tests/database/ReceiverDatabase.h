@@ -48,7 +48,7 @@ class ReceiverDatabase : public BackendDatabase
 {
 protected:
     ReceiverDatabase() { receivers.reset(VKDBiReceiver::CreateInstance(&system)); }
-    ~ReceiverDatabase() override { VKDBiReceiver::s_bIsCoverByAllowed = false; }
+    ~ReceiverDatabase() override { VKDBiReceiver::s_bIsCoverByAllowed = VKDBiDepartment::s_bCountGrp = false; }
 
     unsigned long AddDepartment(const char* name, long most = -1)
     {

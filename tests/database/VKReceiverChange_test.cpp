@@ -2,6 +2,10 @@
 #include <gmock/gmock.h>
 
 #include "ReceiverDatabase.h"
+#include "VKBALMessages.h"
+#include "VKRDBReceiver.h"
+#include "VKSQLite3Database.h"
+#include "VKSQLite3Receiver.h"
 
 namespace {
 
@@ -13,7 +17,9 @@ class VKReceiverChangeTest : public ReceiverDatabase
 /// field. Four-byte UTF-8 is counted in bytes on a file and in characters on a server, so that it fits both.
 std::string Hostile(std::size_t length)
 {
-    std::string text = "'\"\\%_;--\n\xF0\x9F\x9A\x91{}$1?";
+    std::string text = "'\"\\%_;--\n";
+    if (text.size() + 10 <= length)
+        text += "\xF0\x9F\x9A\x91{}$1?";
     while (text.size() + 2 <= length)
         text += "''";
     return text.size() > length ? text.substr(0, length) : text;
@@ -124,6 +130,65 @@ TEST_P(VKReceiverChangeTest, AFullDepartmentRefusesToBeMovedIntoButNotToBeWorked
     EXPECT_EQ(inside.dept_rights_count, 1);
     EXPECT_FALSE(receivers->IsDepartmentRecvLimitReached(small));
     EXPECT_TRUE(receivers->IsDepartmentBeingUsed(small)) << "by its guest";
+}
+
+TEST_P(VKReceiverChangeTest, GroupsCountAndTakeNamesWhenThereAreAny)
+{
+    const char* const columns = " (id INTEGER, name VARCHAR(50), department_id INTEGER)";
+    const char* const row = " VALUES (1, 'On Call', 1)";
+    SetLimits(true, 10);
+    const unsigned long department = AddDepartment("Small", 2);
+    ASSERT_EQ(department, 1u);
+    VKDBiDepartment::s_bCountGrp = true;
+    Store("first", [&](Receiver& receiver) { receiver.department_id = department; });
+    EXPECT_FALSE(receivers->IsDepartmentRecvLimitReached(department)) << "no groups yet";
+    EXPECT_FALSE(receivers->IsGroupName("on call"));
+    if (OnFiles()) {
+        VKSQLite3Database groups(dir / "recipient_groups.sdb", true);
+        VKSQLite3ResultSet result;
+        groups.ExecuteUpdateQuery(std::string("CREATE TABLE recipient_group") + columns, result);
+        groups.ExecuteUpdateQuery(std::string("INSERT INTO recipient_group") + row, result);
+    } else {
+        server->ExecuteCommand(std::string("CREATE TABLE VK_RECIPIENT_GROUP") + columns);
+        server->ExecuteCommand(std::string("INSERT INTO VK_RECIPIENT_GROUP") + row);
+    }
+    EXPECT_TRUE(receivers->IsDepartmentRecvLimitReached(department));
+    const auto second = [&](Receiver& receiver) { receiver.department_id = department; };
+    EXPECT_EQ(ErrorOf([&] { Store("second", second); }), "100 Department maximum receivers limit exceeds.");
+    VKDBiDepartment::s_bCountGrp = false;
+    Store("second", second);
+    SetLimits(false, 0);
+    EXPECT_EQ(ErrorOf([&] { Store("ON CALL"); }), "1000 " + std::string(vk::MessageText(1114)) + "\n");
+}
+
+TEST_P(VKReceiverChangeTest, EveryTextIsStoredAsGiven)
+{
+    std::unique_ptr<vk::SqlReceiver> store; // behind the rules, which refuse some of them
+    if (OnFiles())
+        store = std::make_unique<VKSQLite3Receiver>();
+    else
+        store = std::make_unique<VKRDBReceiver>();
+    ASSERT_TRUE(store->Initialize(&system));
+    Receiver receiver;
+    Receiver read;
+    vk::ForEachField(vk::kReceiverTable.fields, [&](const auto& field) {
+        using Value = typename std::decay_t<decltype(field)>::Value;
+        if constexpr (std::is_array_v<Value>)
+            vk::SetText(field.of(receiver), Hostile(std::min<std::size_t>(sizeof(Value) - 1, 24)), field.name);
+    });
+    receiver.misc_settings = strdup(Hostile(500).c_str());
+    ASSERT_TRUE(store->Add(&receiver, false));
+    ASSERT_TRUE(store->GetByName(&read, receiver.name));
+    vk::ForEachField(vk::kReceiverTable.fields, [&](const auto& field) {
+        using Value = typename std::decay_t<decltype(field)>::Value;
+        if constexpr (std::is_array_v<Value> || std::is_same_v<Value, char*>) {
+            EXPECT_STREQ(field.of(read), field.of(receiver)) << field.name;
+        }
+    });
+    store->SetFilterAccount(std::string(40, 'x'), "secret");
+    Receivers none;
+    store->Get(&none, false, false, false);
+    EXPECT_EQ(none.count, 0);
 }
 
 TEST_P(VKReceiverChangeTest, TheHistoryFollowsTheStatusUnlessItIsGiven)
