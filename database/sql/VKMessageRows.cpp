@@ -28,9 +28,8 @@ QueueServerRow ServerRow(const QueueRow& row, const VK_MESSAGE_CONTENT& content)
 void MessageRows::Begin(SqlStore& store, const TableName&, TransactionLock lock)
 {
     m_store = &store;
-    if (const std::string hold = store.Dialect().HoldName(m_table.relational);
-        lock == TransactionLock::Exclusive && !hold.empty())
-        store.Select("{}", SqlRaw{hold});
+    if (lock == TransactionLock::Exclusive)
+        store.HoldTable(m_table);
 }
 
 bool MessageRows::Load(const std::string& name, VK_MESSAGE_CONTENT* content)

@@ -39,6 +39,14 @@ public:
         return InTransaction(*m_connection, TransactionLock::Exclusive, std::forward<Body>(body));
     }
 
+    /// Keeps every other transaction that asks for the same table waiting until this exclusive one ends. A server lets
+    /// exclusive ones go side by side otherwise.
+    void HoldTable(const TableName& table)
+    {
+        if (const std::string hold = Dialect().HoldName(table.relational); !hold.empty())
+            Select("{}", SqlRaw{hold});
+    }
+
     /// A part of a statement, its values conditioned.
     template <class... Values> SqlRaw Part(std::string_view pattern, const Values&... values) const
     {

@@ -208,7 +208,10 @@ bool SqlXmppGWUser::PopulateDefaultUsers()
     for (const DefaultUser* account : missing) {
         VKXmppGWUser user = MakeDefaultUser(*account, localIp);
         SqlStore::Renaming("ExecuteInsertQuery returned false.", [&] {
-            m_store->Exclusive([&] { return GetByName(&found, account->name, true) || Add(&user, true); });
+            m_store->Exclusive([&] {
+                m_store->HoldTable(kXmppGWUserTable.name); // others may be starting at the same time
+                return GetByName(&found, account->name, true) || Add(&user, true);
+            });
         });
     }
     return true;
