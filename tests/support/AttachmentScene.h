@@ -170,11 +170,18 @@ protected:
         ASSERT_NE(manager->StartC2CSession(s_server->Jid(user), "files", "mxp", false), nullptr);
         auto message = std::make_unique<VKMXPmMessage>();
         message->m_strJobID = jobId;
+        message->m_strSender = "Dispatch";
+        message->m_strSubject = "Alarm";
         message->m_strBody = "see the plans";
         message->m_bValid = true;
         VKMXPCoreManager::FileList list;
-        for (const std::string& path : paths)
+        for (const std::string& path : paths) {
             list.emplace_back(path, "key-of-" + jobId);
+            VKMXPmMessage::FileAttachment announced;
+            announced.m_strID = std::filesystem::path(path).filename();
+            announced.m_strSecureKey = "key-of-" + jobId;
+            message->m_vecAttachments.push_back(announced);
+        }
         message->AttachFiles(list);
         int sequence = 0;
         ASSERT_TRUE(manager->Send(message.get(), s_server->Jid(user), "files", sequence));

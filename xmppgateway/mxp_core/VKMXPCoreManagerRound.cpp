@@ -63,7 +63,7 @@ void VKMXPCoreManager::WaitForWork()
     m_objTraffic.Wait(kQuietLimit);
 }
 
-/// While it lives, what handlers end is kept; then it is deleted.
+/// While it lives, the sessions that handlers end are kept; then they are deleted.
 class VKMXPCoreManager::RoundMark
 {
 public:
@@ -72,7 +72,6 @@ public:
     {
         m_manager.m_bInRound = false;
         m_manager.m_vecEnded.clear();
-        m_manager.m_vecEndedConnections.clear();
     }
     RoundMark(const RoundMark&) = delete;
     RoundMark& operator=(const RoundMark&) = delete;
@@ -89,6 +88,7 @@ void VKMXPCoreManager::RunRound()
         m_cvTurn.wait(lock, [this] { return m_iCycleWaiters == 0; });
     }
     std::vector<Ended> ended;
+    std::vector<std::unique_ptr<VKMXPConnIface>> endedByHandlers;
     {
         const vk::ScopedSection cycle(*m_pobjCycleLock);
         const RoundMark mark(*this);
@@ -96,8 +96,12 @@ void VKMXPCoreManager::RunRound()
             VisitSession(*session);
         VisitResponses();
         ended = VisitConnections();
+        endedByHandlers.swap(m_vecEndedConnections);
         ++m_uRounds;
     }
+    // Outside the locks: the end of a connection waits for its file sender, whose handler may want one of them.
+    for (const auto& each : endedByHandlers)
+        each->TerminateConnection();
     for (const Ended& each : ended)
         each.pobjConnection->TerminateConnection();
 }
@@ -183,6 +187,9 @@ std::vector<VKMXPCoreManager::Ended> VKMXPCoreManager::VisitConnections()
     m_bMoreStrays = false;
     std::vector<std::string> dead;
     for (VKMXPConnIface* connection : connections) {
+        if (std::any_of(m_vecEndedConnections.begin(), m_vecEndedConnections.end(),
+                        [connection](const auto& ended) { return ended.get() == connection; }))
+            continue; // a handler has ended it in this very round
         // The wait of the poll lies behind the round, for all connections together: here it only takes what is there.
         if (connection->SendPing(0))
             ProcessAllIncoming(*connection);

@@ -181,7 +181,8 @@ bool VKMXPCoreManager::TerminateC2SConnection(const std::string& connectionId)
     }
     if (!ended)
         return false;
-    ended->TerminateConnection();
+    if (!(OnWorkThread() && m_bInRound)) // what a handler ends is taken down behind the round, outside its locks
+        ended->TerminateConnection();
     VK_LOG_INFO(m_pLogger,
                 "Successfully terminate and delete XMPP connection id:%s with server %s:%d using user ID:%s with "
                 "resource:%s.",
@@ -253,7 +254,7 @@ void VKMXPCoreManager::Discard(VKMXPSession* session)
         m_vecEnded.push_back(std::move(ended));
 }
 
-/// The same for a connection: one that a handler ended lives on to the end of the round, which may still look at it.
+/// The same for a connection: one that a handler ended lives on to the end of the round, which then takes it down.
 void VKMXPCoreManager::Discard(std::unique_ptr<VKMXPConnIface> connection)
 {
     if (OnWorkThread() && m_bInRound)

@@ -1,6 +1,7 @@
 // Files that cannot be secured, that change under way, and names that two transfers want.
 
 #include "AttachmentScene.h"
+#include "VKMXPMessageHandlerIface.h"
 #include "VKMXPRequestHandlerIface.h"
 #include "VKMXPSecureFiles.h"
 #include "VKMXPmEnvelope.h"
@@ -245,6 +246,51 @@ TEST_F(Attachments, OfADeviceComeWithItsOwnRequest)
     ASSERT_EQ(got.size(), 2U);
     EXPECT_TRUE(got["photo.jpg"] == photo);
     EXPECT_EQ(got["note.txt"], "in-band");
+}
+
+/// Ends the connection from the work thread, and from the sender's thread asks for the lock that the work thread holds.
+class EndsConnections final : public VKMXPMessageHandlerIface, public VKMXPAttachmentStatusHandlerIface
+{
+public:
+    explicit EndsConnections(VKMXPCoreManager& manager) : m_manager(manager) {}
+    void HandleMessage(const std::string&, const std::string& connectionId, const std::string&) override
+    {
+        m_ended = m_manager.TerminateC2SConnection(connectionId);
+    }
+    void HandleAttachmentStatus(const std::string& connectionId, const std::string&, int status,
+                                const std::string&) override
+    {
+        m_manager.TerminateC2CSession("nobody@localhost", connectionId);
+        m_status = status;
+    }
+
+    std::atomic<bool> m_ended{false};
+    std::atomic<int> m_status{0};
+
+private:
+    VKMXPCoreManager& m_manager;
+};
+
+TEST_F(Attachments, DoNotHoldUpAHandlerThatEndsTheirConnection)
+{
+    EndsConnections handler(*manager);
+    FilePeer alice(s_server->Jid("alice") + "/mxp", s_server->Port(), kBoth, FilePeer::Manner::Silent);
+    ASSERT_TRUE(alice.WaitUntilOnline());
+    Connect(FreePort(), 60);
+    ASSERT_TRUE(manager->RegisterForAttachmentStatus("files", &handler));
+    const int before = s_logger.CountContaining("Got new file.");
+    SendFiles("under way", {MakeFile("plan", "text")});
+    ASSERT_TRUE(Until([&] { return s_logger.CountContaining("Got new file.") > before; }));
+    manager->SetGeneralMessageHandler(&handler);
+    alice.Say(s_server->Jid("server") + "/vk", "end it");
+    EXPECT_TRUE(Until([&] { return handler.m_status != 0; }));
+    manager->SetGeneralMessageHandler(nullptr);
+    EXPECT_TRUE(handler.m_ended);
+    EXPECT_EQ(handler.m_status, 2);
+    Connect(0); // under the same name
+    alice.Become(FilePeer::Manner::Accept);
+    SendFiles("anew", {MakeFile("plan", "text")});
+    EXPECT_EQ(statuses.WaitFor("anew").status, kSent);
 }
 
 } // namespace
