@@ -222,4 +222,4 @@ BENCHMARK(queue_add_bare)->Unit(benchmark::kMicrosecond);
 BENCHMARK(queue_poll_100k)->Unit(benchmark::kMicrosecond);
 BENCHMARK(queue_poll_100k_bare)->Unit(benchmark::kMicrosecond);
 BENCHMARK(queue_poll_100k_statement)->Unit(benchmark::kMicrosecond);
-BENCHMARK(queue_processes)->Arg(1)->Arg(8)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
+BENCHMARK(queue_processes)->Arg(1)->Arg(2)->Arg(4)->Arg(8)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);

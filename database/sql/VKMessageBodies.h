@@ -9,12 +9,17 @@ namespace vk {
 
 class SqlStore;
 
-/// Where the bodies of a queue's messages are, and how they change together with the rows. All but Committed and Place
-/// run inside a transaction of the queue; what cannot be done throws VKDBexception. Names are message names.
+/// Where the bodies of a queue's messages are, and how they change together with the rows. All but Enter, Leave,
+/// Committed and Place run inside a transaction of the queue; what cannot be done throws VKDBexception. Names are message
+/// names.
 class MessageBodies
 {
 public:
     virtual ~MessageBodies() = default;
+
+    /// A transaction is about to begin, and has ended in whatever way: the time between is one caller's turn.
+    virtual void Enter() {}
+    virtual void Leave() noexcept {}
 
     /// The transaction has begun: what a service that died left half done is put right first.
     virtual void Begin(SqlStore& store, const TableName& table, TransactionLock lock) = 0;

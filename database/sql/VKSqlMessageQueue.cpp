@@ -70,6 +70,19 @@ VK_MESSAGE_HEADER HeaderOf(const VKDBiRow& fields, bool full)
     return row;
 }
 
+/// The caller's turn on the bodies, as long as the object lives.
+class Turn
+{
+public:
+    explicit Turn(MessageBodies& bodies) : m_bodies(bodies) { m_bodies.Enter(); }
+    ~Turn() { m_bodies.Leave(); }
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+private:
+    MessageBodies& m_bodies;
+};
+
 bool TakesServiceName(ReadyOption option) { return option == ReadyOption::Normal; }
 
 ReadyOption ReadyOptionOf(int queueNumber)
@@ -99,6 +112,7 @@ void SqlMessageQueue::UseStore(std::unique_ptr<SqlStore> store, std::unique_ptr<
 /// A transaction on rows and bodies together. Reads run in one too: a body whose row is being changed is not looked at.
 template <class Body> auto SqlMessageQueue::InQueue(TransactionLock lock, Body&& body)
 {
+    const Turn turn(*m_bodies);
     auto result = InTransaction(m_store->Connection(), lock, [&] {
         m_bodies->Begin(*m_store, m_table, lock);
         try {

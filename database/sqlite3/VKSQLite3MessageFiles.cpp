@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <limits>
 #include <sstream>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -40,13 +41,22 @@ void SQLite3MessageFiles::RequireDone(bool done, const char* what, const std::st
                             std::generic_category().message(errno));
 }
 
+/// A place that knows no such locks, or whose lock is broken, leaves all waiting to the database.
+void SQLite3MessageFiles::Enter()
+{
+    OpenIntent();
+    while (flock(m_iIntent, LOCK_EX) != 0 && errno == EINTR) {
+    }
+}
+
+void SQLite3MessageFiles::Leave() noexcept { flock(m_iIntent, LOCK_UN); }
+
 /// Every transaction of the file database takes the write lock.
 void SQLite3MessageFiles::Begin(SqlStore& store, const TableName& table, TransactionLock)
 {
     m_store = &store;
     m_table = table;
     m_bStarted = false;
-    OpenIntent();
     ReadIntent();
     const long committed = store.SelectNumber("PRAGMA user_version");
     if (!m_changes.empty()) {

@@ -29,6 +29,10 @@ public:
     explicit SQLite3MessageFiles(VKMsgQueueFileOperations files);
     ~SQLite3MessageFiles() override;
 
+    /// Waits for this caller's turn on the queue: by waking up, where the database alone would look again and again with
+    /// growing sleeps in between. Only the database's own lock keeps rows and files safe.
+    void Enter() override;
+    void Leave() noexcept override;
     void Begin(SqlStore& store, const TableName& table, TransactionLock lock) override;
     void Undo() noexcept override;
     void Committed() noexcept override;
