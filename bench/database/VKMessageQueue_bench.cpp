@@ -49,7 +49,7 @@ public:
     {
         sqlite3* handle = nullptr;
         sqlite3_open((m_root + "/queue_metabase.sdb").c_str(), &handle);
-        sqlite3_exec(handle, "PRAGMA synchronous=0;", nullptr, nullptr, nullptr);
+        sqlite3_exec(handle, "PRAGMA synchronous=0; PRAGMA journal_mode=PERSIST;", nullptr, nullptr, nullptr);
         return handle;
     }
     void WriteBare(const std::string& name) const

@@ -54,6 +54,20 @@ Figure LogQueued(Stage& stage);
 /// States of 1,000 jobs stored as one list, beside the same statements in the bare library in one transaction.
 Figure StatusListOfThousand(Stage& stage);
 
+// --- Stores.
+
+/// Messages added to a queue a second, beside the bare library and a plain file write with the same durability.
+Figure QueueAdd(Stage& stage);
+/// A poll that takes 100 ready messages of 100,000, beside the statement that finds them.
+Figure QueuePoll(Stage& stage);
+/// Messages a second that eight processes take from one queue, beside one process.
+Figure QueueProcesses(Stage& stage);
+/// The factory's object when it is there.
+Figure FactoryHit(Stage& stage);
+/// A receiver by id, and a list of 10,000, beside the same statements in the bare library.
+Figure ReceiverById(Stage& stage);
+Figure ReceiverListTenThousand(Stage& stage);
+
 // --- Connections.
 
 /// Connect and log in, TLS and all.
