@@ -18,6 +18,13 @@ struct VK_USER_GROUP;
 struct VK_FAVORITE_LIST;
 struct VK_RECIP_PERM_LIST;
 
+/// A record of a list that breaks rules.
+struct VKRefusedRecord
+{
+    int index = 0; ///< its place in the list
+    std::string reasons;
+};
+
 /// The receivers, whatever stores them. Operations throw VKDBexception (store, rules) and VKBALexception (the list of
 /// broken rules); they return false where an expected condition fails, such as a row that is not there. One object
 /// serves one thread. Records and lists that are read are emptied first; what they own is freed with their Empty...
@@ -157,6 +164,15 @@ public:
 
     /// Reads a row of "SELECT *" by position. False when there is no such row.
     virtual bool FillStructFromResultSet(VK_RECEIVER* receiver, VKDBiResultSet& result, int row);
+
+    // What is done as a whole, all or none.
+
+    /// The receiver has these values and no others. Throws code 1000 when there is no such receiver or attribute.
+    virtual bool ReplaceReceiverAttributes(unsigned long receiverId, VK_RECEIVER_ATTRIBUTE_LIST* values) = 0;
+    /// Stores new receivers as AddImpl does; their ids are set in the records. `refused`, which is emptied first, tells
+    /// which of them break a rule, alone or beside the others; while there are any, or with checkOnly, nothing is
+    /// stored. Gives back whether they were.
+    virtual bool AddAll(VK_RECEIVER_LIST* list, bool checkOnly, std::vector<VKRefusedRecord>& refused) = 0;
 
     // What the layers below do.
 

@@ -10,6 +10,7 @@
 #include "VKCarrier.h"
 #include "VKFieldValidators.h"
 #include "VKPinTemplate.h"
+#include "VKReceiverListRules.h"
 #include "VKReceiverRules.h"
 #include "VKRecordText.h"
 #include "VKascii.h"
@@ -26,6 +27,19 @@ bool IsOaiNumber(const std::string& pin, int base)
     const char* const end = pin.data() + pin.size();
     const auto [rest, error] = std::from_chars(pin.data(), end, number, base);
     return error == std::errc() && rest == end && number <= kHighestOaiPin;
+}
+
+/// The texts of the rules that a check finds broken; empty when there are none.
+template <class Check> std::string BrokenBy(Check&& check)
+{
+    try {
+        check();
+    } catch (const VKDBexception& failure) {
+        if (failure.GetErrorCode() != vk::DbError::RuleOrConstraint)
+            throw;
+        return failure.GetMsg();
+    }
+    return {};
 }
 
 } // namespace
@@ -60,6 +74,22 @@ void VKBALReceiver::CheckBALConstraints(const VK_RECEIVER& receiver, bool isNew)
             return ValidateReceiverPin(id, pin, carrierId);
         })
         .Check(receiver, isNew);
+}
+
+bool VKBALReceiver::AddAll(VK_RECEIVER_LIST* list, bool checkOnly, std::vector<VKRefusedRecord>& refused)
+{
+    refused.clear();
+    vk::ReceiverListRules together(*m_pImplementation);
+    for (int i = 0; m_iValidationMode != kWithoutValidation && i < list->count; ++i) {
+        std::string reasons = BrokenBy([&] { CheckBALConstraints(list->list[i], true); });
+        reasons += BrokenBy([&] { together.Check(list->list[i], i); });
+        if (!reasons.empty())
+            refused.push_back({i, reasons});
+    }
+    if (!refused.empty() || checkOnly)
+        return false;
+    std::vector<VKRefusedRecord> none;
+    return m_pImplementation->AddAll(list, false, none);
 }
 
 bool VKBALReceiver::Delete(unsigned long id, unsigned long departmentId)

@@ -19,6 +19,7 @@ public:
     bool Delete(unsigned long id, unsigned long departmentId) override;
     bool AddAttribute(VK_ATTRIBUTE* attribute) override;
     bool ModifyAttribute(VK_ATTRIBUTE* attribute) override;
+    bool AddAll(VK_RECEIVER_LIST* list, bool checkOnly, std::vector<VKRefusedRecord>& refused) override;
 
     /// Throws VKBALexception with all rules that the record breaks.
     void CheckBALConstraints(const VK_RECEIVER& receiver, bool isNew);

@@ -223,6 +223,14 @@ public:
     {
         return m_pImplementation->ModifyImpl(receiver, oldDepartmentId, update, add, keepHistory);
     }
+    bool ReplaceReceiverAttributes(unsigned long receiverId, VK_RECEIVER_ATTRIBUTE_LIST* values) override
+    {
+        return m_pImplementation->ReplaceReceiverAttributes(receiverId, values);
+    }
+    bool AddAll(VK_RECEIVER_LIST* list, bool checkOnly, std::vector<VKRefusedRecord>& refused) override
+    {
+        return m_pImplementation->AddAll(list, checkOnly, refused);
+    }
     bool IsDepartmentBeingUsed(unsigned long departmentId) override
     {
         return m_pImplementation->IsDepartmentBeingUsed(departmentId);

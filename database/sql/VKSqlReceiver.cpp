@@ -91,6 +91,15 @@ bool SqlReceiver::AddImpl(VK_RECEIVER* receiver)
     return true;
 }
 
+/// Rules are the business of the layer above.
+bool SqlReceiver::AddAll(VK_RECEIVER_LIST* list, bool checkOnly, std::vector<VKRefusedRecord>& refused)
+{
+    refused.clear();
+    if (!checkOnly)
+        m_parts->change.AddAll(*list);
+    return !checkOnly;
+}
+
 bool SqlReceiver::ModifyImpl(VK_RECEIVER* receiver, unsigned long oldDepartmentId, VK_DISABLE_HISTORY* update,
                              VK_DISABLE_HISTORY* add, bool keepHistory)
 {
@@ -394,6 +403,12 @@ bool SqlReceiver::GetAllAttributes(VK_ATTRIBUTE_LIST* list)
 bool SqlReceiver::AddReceiverAttribute(VK_RECEIVER_ATTRIBUTE* attribute)
 {
     return m_parts->attributes.AddValue(attribute);
+}
+
+bool SqlReceiver::ReplaceReceiverAttributes(unsigned long receiverId, VK_RECEIVER_ATTRIBUTE_LIST* values)
+{
+    m_parts->attributes.ReplaceValues(receiverId, *values);
+    return true;
 }
 
 bool SqlReceiver::DeleteReceiverAttributeByRcvID(unsigned long receiverId)

@@ -85,6 +85,8 @@ public:
     bool AddImpl(VK_RECEIVER* receiver) override;
     bool ModifyImpl(VK_RECEIVER* receiver, unsigned long oldDepartmentId, VK_DISABLE_HISTORY* update,
                     VK_DISABLE_HISTORY* add, bool keepHistory) override;
+    bool ReplaceReceiverAttributes(unsigned long receiverId, VK_RECEIVER_ATTRIBUTE_LIST* values) override;
+    bool AddAll(VK_RECEIVER_LIST* list, bool checkOnly, std::vector<VKRefusedRecord>& refused) override;
     bool IsDepartmentBeingUsed(unsigned long departmentId) override;
     bool IsCarrierBeingUsed(unsigned long carrierId) override;
     bool GetCarrier(VK_CARRIER* carrier, unsigned long id) override;

@@ -78,12 +78,26 @@ bool SqlReceiverAttributes::IsUniqueName(const std::string& name, unsigned long 
 
 bool SqlReceiverAttributes::AddValue(VK_RECEIVER_ATTRIBUTE* value)
 {
-    value->id = m_store.Exclusive([&] {
-        if (!IsThere(kReceiverTable.name, value->receiver_id) || !IsThere(kAttributes, value->attribute_id))
-            ThrowConstraint();
-        return m_store.InsertRow(kReceiverAttributeTable, *value);
-    });
+    value->id = m_store.Exclusive([&] { return InsertValue(*value); });
     return true;
+}
+
+void SqlReceiverAttributes::ReplaceValues(unsigned long receiverId, VK_RECEIVER_ATTRIBUTE_LIST& values)
+{
+    m_store.Exclusive([&] {
+        m_store.Update("DELETE FROM {} WHERE receiver_id={}", kValues, receiverId);
+        for (int i = 0; i < values.count; ++i) {
+            values.list[i].receiver_id = receiverId;
+            values.list[i].id = InsertValue(values.list[i]);
+        }
+    });
+}
+
+unsigned long SqlReceiverAttributes::InsertValue(const VK_RECEIVER_ATTRIBUTE& value)
+{
+    if (!IsThere(kReceiverTable.name, value.receiver_id) || !IsThere(kAttributes, value.attribute_id))
+        ThrowConstraint();
+    return m_store.InsertRow(kReceiverAttributeTable, value);
 }
 
 bool SqlReceiverAttributes::IsThere(const TableName& table, unsigned long id)

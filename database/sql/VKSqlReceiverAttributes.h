@@ -23,6 +23,8 @@ public:
     bool IsUniqueName(const std::string& name, unsigned long excludeId);
 
     bool AddValue(VK_RECEIVER_ATTRIBUTE* value);
+    /// The ids are set in the values.
+    void ReplaceValues(unsigned long receiverId, VK_RECEIVER_ATTRIBUTE_LIST& values);
     bool DeleteValuesOfReceiver(unsigned long receiverId);
     bool DeleteValuesOfAttribute(unsigned long attributeId);
     /// Of one receiver, or of all for id 0, ordered by receiver.
@@ -31,6 +33,7 @@ public:
     long CountReceivers(unsigned long attributeId);
 
 private:
+    unsigned long InsertValue(const VK_RECEIVER_ATTRIBUTE& value);
     bool IsThere(const TableName& table, unsigned long id);
     bool DeleteValues(const char* column, unsigned long id);
 

@@ -3,6 +3,7 @@
 #include <ctime>
 #include <optional>
 #include <strings.h>
+#include <vector>
 
 #include "VKCarrier.h"
 #include "VKDBiDepartment.h"
@@ -40,26 +41,39 @@ std::optional<std::string> InDomain(const std::string& address, const std::strin
 
 } // namespace
 
-void SqlReceiverChange::Add(VK_RECEIVER& receiver)
+void SqlReceiverChange::Add(VK_RECEIVER& receiver) { AddRows(&receiver, 1); }
+
+void SqlReceiverChange::AddAll(VK_RECEIVER_LIST& list) { AddRows(list.list, list.count); }
+
+/// In one transaction. What was not stored keeps the id that it had.
+void SqlReceiverChange::AddRows(VK_RECEIVER* receivers, int count)
 {
     std::optional<SqlDepartmentLimit> limit;
     if (VKDBiDepartment::s_bRecLimit)
         limit.emplace(m_store, m_files);
-    const unsigned long before = receiver.id;
+    std::vector<unsigned long> before;
     try {
         m_store.Exclusive([&] {
-            if (limit)
-                limit->RequireRoom(receiver.department_id);
-            receiver.id = m_store.InsertRow(kReceiverTable, receiver);
-            InsertDeptRights(receiver);
-            if (receiver.status_code == kOffDutyWithCover && receiver.forward_to_id == 0 &&
-                receiver.disable_start_date > 0)
-                m_history.AddFor(receiver, receiver.id);
+            for (int i = 0; i < count; ++i) {
+                if (limit)
+                    limit->RequireRoom(receivers[i].department_id);
+                before.push_back(receivers[i].id);
+                AddRow(receivers[i]);
+            }
         });
     } catch (...) {
-        receiver.id = before;
+        for (std::size_t i = 0; i < before.size(); ++i)
+            receivers[i].id = before[i];
         throw;
     }
+}
+
+void SqlReceiverChange::AddRow(VK_RECEIVER& receiver)
+{
+    receiver.id = m_store.InsertRow(kReceiverTable, receiver);
+    InsertDeptRights(receiver);
+    if (receiver.status_code == kOffDutyWithCover && receiver.forward_to_id == 0 && receiver.disable_start_date > 0)
+        m_history.AddFor(receiver, receiver.id);
 }
 
 bool SqlReceiverChange::Modify(VK_RECEIVER& receiver, unsigned long oldDepartmentId, const VK_DISABLE_HISTORY* update,

@@ -19,6 +19,8 @@ public:
     }
 
     void Add(VK_RECEIVER& receiver);
+    /// All or none.
+    void AddAll(VK_RECEIVER_LIST& list);
     bool Modify(VK_RECEIVER& receiver, unsigned long oldDepartmentId, const VK_DISABLE_HISTORY* update,
                 const VK_DISABLE_HISTORY* add, bool keepHistory);
     bool ModifyDepartment(const VK_RECEIVER& receiver, unsigned long oldDepartmentId, const VK_DISABLE_HISTORY* update,
@@ -35,6 +37,8 @@ public:
     bool DeleteGuestDepartment(unsigned long receiverId, unsigned long departmentId);
 
 private:
+    void AddRows(VK_RECEIVER* receivers, int count);
+    void AddRow(VK_RECEIVER& receiver);
     bool IsThere(const TableName& table, unsigned long id);
     void InsertDeptRights(const VK_RECEIVER& receiver);
     void DeleteDeptRights(unsigned long receiverId);

@@ -17,7 +17,7 @@ constexpr char kBlanks[] = " \t\r\n";
 
 } // namespace
 
-std::string ReadInput(const std::string& name)
+std::string ReadBytes(const std::string& name)
 {
     std::string text;
     try {
@@ -31,6 +31,12 @@ std::string ReadInput(const std::string& name)
     } catch (const std::ios_base::failure&) {
         throw InputError(name + ": " + std::strerror(errno));
     }
+    return text;
+}
+
+std::string ReadInput(const std::string& name)
+{
+    std::string text = ReadBytes(name);
     text.erase(0, std::min(text.find_first_not_of(kBlanks), text.size()));
     text.erase(text.find_last_not_of(kBlanks) + 1);
     return text;

@@ -4,7 +4,10 @@
 
 namespace vk {
 
-/// A file or standard input ("-"), without the white space around it. Throws InputError that names it.
+/// All bytes of a file or of standard input ("-"). Throws InputError that names it.
+std::string ReadBytes(const std::string& name);
+
+/// The same without the white space around it.
 std::string ReadInput(const std::string& name);
 
 /// The first line of such a file, as a password stands in one. Throws InputError also when it is empty.

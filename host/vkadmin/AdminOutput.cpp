@@ -17,6 +17,12 @@ void PrintLine(const std::string& line)
         throw std::runtime_error(std::string("standard output: ") + std::strerror(errno));
 }
 
+/// A value for people: a list or an object as it stands in JSON.
+std::string Text(const Json::Value& value)
+{
+    return Printable(value.isArray() || value.isObject() ? JsonLine(value) : value.asString());
+}
+
 std::string AsJson(const ShownRecord& record)
 {
     Json::Value object(Json::objectValue);
@@ -29,7 +35,7 @@ std::string Cell(const ShownRecord& record, const char* column)
 {
     for (const auto& [key, value] : record)
         if (key == column)
-            return Printable(value.asString());
+            return Text(value);
     return "";
 }
 
@@ -54,7 +60,7 @@ void PrintRecord(const ShownRecord& record, bool json)
         return;
     }
     for (const auto& [key, value] : record)
-        PrintLine(key + ": " + Printable(value.asString()));
+        PrintLine(key + ": " + Text(value));
 }
 
 void PrintTable(const std::vector<ShownRecord>& records, Slice<const char*> columns, bool json)

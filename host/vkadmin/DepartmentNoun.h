@@ -17,7 +17,21 @@ struct DepartmentNoun
 
     static constexpr auto kStore = &VKDatabase::getVKDBiDepartmentObject;
 
-    static bool Add(VKDBiDepartment& store, Record& department) { return store.Add(&department); }
+    static bool Add(VKDBiDepartment& store, const Arguments&, Record& department) { return store.Add(&department); }
+
+    template <class Change>
+    static bool Modify(VKDBiDepartment& store, const Arguments& arguments, Record& department, Change&& change)
+    {
+        change();
+        if (arguments.Has("--new-name"))
+            SetFromText(department.name, arguments.Text("--new-name"), "--new-name");
+        return store.Modify(&department);
+    }
+
+    static bool Delete(VKDBiDepartment& store, const Record& department) { return store.Delete(department.id); }
+
+    static void Filter(VKDBiDepartment&, const Arguments&) {}
+    static ShownRecord Details(VKDBiDepartment&, const Record&) { return {}; }
 
     template <class Visit>
     static void ForEach(VKDBiDepartment& store, Visit&& visit)

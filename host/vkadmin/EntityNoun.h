@@ -19,6 +19,19 @@ struct ListGuard
     List& list;
 };
 
+/// Runs a body that gives back the exit code. Broken rules are the record's fault and told as that; all other failures
+/// are the database's and thrown on.
+template <class Body> int UnlessRefused(Body&& body)
+{
+    try {
+        return body();
+    } catch (const VKDBexception& error) {
+        if (error.GetErrorCode() != DbError::RuleOrConstraint && error.GetErrorCode() != DbError::DepartmentLimit)
+            throw;
+        return Refused(error.GetMsg());
+    }
+}
+
 /// The verbs that every entity has. A noun says what it is called, how its record is described and which operations of
 /// its store they are:
 ///
@@ -29,8 +42,12 @@ struct ListGuard
 ///         static constexpr const char* kColumns[] = {"id", "name"};   // of "list"
 ///         static constexpr Slice<ColumnWords> kWords{};
 ///         static constexpr auto kStore = &VKDatabase::getVKDBiDepartmentObject;
-///         static bool Add(VKDBiDepartment& store, Record& record);    // the id comes back in the record
+///         static bool Add(VKDBiDepartment& store, const Arguments&, Record& record);   // the id comes back in the record
+///         static bool Modify(VKDBiDepartment& store, const Arguments&, Record& record, Change&& change);
+///         static bool Delete(VKDBiDepartment& store, const Record& record);
+///         static void Filter(VKDBiDepartment& store, const Arguments&);                // what "list" is to show
 ///         static void ForEach(VKDBiDepartment& store, Visit&& visit);
+///         static ShownRecord Details(VKDBiDepartment& store, const Record& record);    // shown behind the columns
 ///         static void Empty(Record& record);                          // frees what a record owns
 ///     };
 template <class Noun>
@@ -42,42 +59,67 @@ public:
         Owned record;
         FillFromOptions(Noun::kFields, Noun::kWords, arguments, record.value);
         auto& store = Store(arguments);
-        try {
-            if (!Noun::Add(store, record.value))
+        return UnlessRefused([&] {
+            if (!Noun::Add(store, arguments, record.value))
                 return Refused(std::string(Noun::kName) + " was not stored");
-        } catch (const VKDBexception& error) {
-            // Broken rules are the record's fault, everything else is the database's.
-            if (error.GetErrorCode() != DbError::RuleOrConstraint && error.GetErrorCode() != DbError::DepartmentLimit)
-                throw;
-            return Refused(error.GetMsg());
-        }
-        PrintNewId(record.value.id, arguments.Has("--json"));
-        return kExitOk;
+            PrintNewId(record.value.id, arguments.Has("--json"));
+            return static_cast<int>(kExitOk);
+        });
+    }
+
+    static int Modify(const Arguments& arguments)
+    {
+        auto& store = Store(arguments);
+        Owned record;
+        if (!Find(store, arguments, record.value))
+            return kExitFailed;
+        return UnlessRefused([&] {
+            static constexpr const char* kSelectors[] = {"id", "name"};
+            const auto change = [&] {
+                FillFromOptions(Noun::kFields, Noun::kWords, arguments, record.value, kSelectors);
+            };
+            if (!Noun::Modify(store, arguments, record.value, change))
+                return Refused(std::string(Noun::kName) + " was not stored");
+            return Done(arguments, record.value, "changed");
+        });
+    }
+
+    static int Delete(const Arguments& arguments)
+    {
+        auto& store = Store(arguments);
+        Owned record;
+        if (!Find(store, arguments, record.value))
+            return kExitFailed;
+        return UnlessRefused([&] {
+            if (!Noun::Delete(store, record.value))
+                return Refused(std::string(Noun::kName) + " was not deleted");
+            return Done(arguments, record.value, "deleted");
+        });
     }
 
     static int Show(const Arguments& arguments)
     {
-        RequireOneOf(arguments, "--id", "--name");
         auto& store = Store(arguments);
         Owned record;
-        const std::string name = arguments.Text("--name");
-        const bool found = arguments.Has("--id") ? store.GetByID(&record.value, IdOption(arguments))
-                                                 : store.GetByName(&record.value, name);
-        if (!found)
-            return Refused(std::string("there is no ") + Noun::kName + " " + arguments.Text("--id", "'" + name + "'"));
-        PrintRecord(Shown(record.value), arguments.Has("--json"));
+        if (!Find(store, arguments, record.value))
+            return kExitFailed;
+        ShownRecord shown = Shown(record.value);
+        for (auto& detail : Noun::Details(store, record.value))
+            shown.push_back(std::move(detail));
+        PrintRecord(shown, arguments.Has("--json"));
         return kExitOk;
     }
 
     static int List(const Arguments& arguments)
     {
         std::vector<ShownRecord> shown;
-        Noun::ForEach(Store(arguments), [&](const Record& record) { shown.push_back(Shown(record)); });
+        auto& store = Store(arguments);
+        Noun::Filter(store, arguments);
+        Noun::ForEach(store, [&](const Record& record) { shown.push_back(Shown(record)); });
         PrintTable(shown, Noun::kColumns, arguments.Has("--json"));
         return kExitOk;
     }
 
-private:
     using Record = typename Noun::Record;
 
     /// A record with what it owns.
@@ -91,9 +133,26 @@ private:
         Record value{};
     };
 
-    static auto& Store(const Arguments& arguments)
+    static auto& Store(const Arguments& arguments) { return UseEntity(arguments, Noun::kStore); }
+
+    /// The record that --id or --name names. False when there is none, which is told.
+    template <class Entity> static bool Find(Entity& store, const Arguments& arguments, Record& record)
     {
-        return UseEntity(arguments, Noun::kStore);
+        RequireOneOf(arguments, "--id", "--name");
+        const std::string name = arguments.Text("--name");
+        const bool found =
+            arguments.Has("--id") ? store.GetByID(&record, IdOption(arguments)) : store.GetByName(&record, name);
+        if (!found)
+            Refused(std::string("there is no ") + Noun::kName + " " + arguments.Text("--id", "'" + name + "'"));
+        return found;
+    }
+
+private:
+    static int Done(const Arguments& arguments, const Record& record, const char* what)
+    {
+        PrintDone(std::string(Noun::kName) + " " + std::to_string(record.id) + " (" + record.name + ") " + what,
+                  {{"id", static_cast<Json::UInt64>(record.id)}, {what, true}}, arguments.Has("--json"));
+        return kExitOk;
     }
 
     static ShownRecord Shown(const Record& record)

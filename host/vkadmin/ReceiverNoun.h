@@ -1,6 +1,8 @@
 #pragma once
 
+#include "AdminInput.h"
 #include "EntityNoun.h"
+#include "ReceiverFilter.h"
 #include "VKDBiReceiver.h"
 #include "VKReceiver.h"
 
@@ -19,13 +21,40 @@ struct ReceiverNoun
 
     static constexpr auto kStore = &VKDatabase::getVKDBiReceiverObject;
 
-    static bool Add(VKDBiReceiver& store, Record& receiver)
+    static bool Add(VKDBiReceiver& store, const Arguments& arguments, Record& receiver)
     {
-        constexpr int available = 1;
-        receiver.status_code = available;
-        receiver.two_way = receiver.type == VKReceiverTwoWay;
+        SetDefaults(receiver);
+        SetPassword(arguments, receiver);
         return store.Add(&receiver, true);
     }
+
+    /// What the columns do not say of a new receiver: it is available, and a two-way device answers.
+    static void SetDefaults(Record& receiver)
+    {
+        constexpr int available = 1;
+        if (receiver.status_code == 0)
+            receiver.status_code = available;
+        receiver.two_way = receiver.two_way || receiver.type == VKReceiverTwoWay;
+    }
+
+    template <class Change>
+    static bool Modify(VKDBiReceiver& store, const Arguments& arguments, Record& receiver, Change&& change)
+    {
+        const unsigned long department = receiver.department_id;
+        change();
+        if (arguments.Has("--new-name"))
+            SetFromText(receiver.name, arguments.Text("--new-name"), "--new-name");
+        // The one that was read is a digest already.
+        const bool isClear = SetPassword(arguments, receiver);
+        return store.Modify(&receiver, department, isClear, nullptr, nullptr, true);
+    }
+
+    static bool Delete(VKDBiReceiver& store, const Record& receiver)
+    {
+        return store.Delete(receiver.id, receiver.department_id);
+    }
+
+    static void Filter(VKDBiReceiver& store, const Arguments& arguments) { SetReceiverFilter(store, arguments); }
 
     template <class Visit>
     static void ForEach(VKDBiReceiver& store, Visit&& visit)
@@ -37,7 +66,24 @@ struct ReceiverNoun
             visit(list.list[i]);
     }
 
+    static ShownRecord Details(VKDBiReceiver&, const Record& receiver)
+    {
+        Json::Value departments(Json::arrayValue);
+        for (int i = 0; i < receiver.dept_rights_count; ++i)
+            departments.append(static_cast<Json::UInt64>(receiver.dept_rights[i].department_id));
+        return {{"guest_departments", departments}};
+    }
+
     static void Empty(Record& receiver) { EmptyReceiver(&receiver); }
+
+private:
+    static bool SetPassword(const Arguments& arguments, Record& receiver)
+    {
+        const std::string option = "--account-password-file";
+        if (arguments.Has(option))
+            SetFromText(receiver.acct_pwd, ReadPassword(arguments.Text(option)), option);
+        return arguments.Has(option);
+    }
 };
 
 } // namespace vk

@@ -7,7 +7,9 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
+#include <new>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -64,6 +66,12 @@ void SetFromText(Value& member, const std::string& text, const std::string& opti
             throw UsageError(option + ": '" + text + "' is no number");
     } else if constexpr (std::is_same_v<Value, std::string>) {
         member = text;
+    } else if constexpr (std::is_same_v<Value, char*>) { // the record's own
+        char* const copy = strdup(text.c_str());
+        if (copy == nullptr)
+            throw std::bad_alloc();
+        std::free(member);
+        member = copy;
     } else if constexpr (std::is_enum_v<Value>) {
         std::underlying_type_t<Value> number{};
         SetFromText(number, text, option);
@@ -73,19 +81,32 @@ void SetFromText(Value& member, const std::string& text, const std::string& opti
     }
 }
 
-/// Fills a record from the options that were given.
+/// The text of a column's value, with the number of the word that it may be.
+inline std::string WithoutWord(std::string text, Slice<CodeText<int>> words)
+{
+    for (const auto& word : words)
+        if (text == word.text)
+            return std::to_string(word.code);
+    return text;
+}
+
+inline bool Contains(Slice<const char*> names, const char* name)
+{
+    for (const char* one : names)
+        if (std::strcmp(one, name) == 0)
+            return true;
+    return false;
+}
+
+/// Fills a record from the options that were given, but for those of some columns.
 template <class Fields, class Record>
-void FillFromOptions(const Fields& fields, Slice<ColumnWords> words, const Arguments& arguments, Record& record)
+void FillFromOptions(const Fields& fields, Slice<ColumnWords> words, const Arguments& arguments, Record& record,
+                     Slice<const char*> but = {})
 {
     ForEachField(fields, [&](const auto& row) {
         const std::string option = OptionOfColumn(row.name);
-        if (!arguments.Has(option))
-            return;
-        std::string text = arguments.Text(option);
-        for (const auto& word : WordsOfColumn(words, row.name))
-            if (text == word.text)
-                text = std::to_string(word.code);
-        SetFromText(row.of(record), text, option);
+        if (arguments.Has(option) && !Contains(but, row.name))
+            SetFromText(row.of(record), WithoutWord(arguments.Text(option), WordsOfColumn(words, row.name)), option);
     });
 }
 
@@ -133,9 +154,8 @@ std::vector<std::pair<std::string, Json::Value>> ShownValues(const Fields& field
     ForEachField(fields, [&](const auto& row) {
         if (std::decay_t<decltype(row)>::template has<Secret>)
             return;
-        for (const char* name : hidden)
-            if (std::strcmp(name, row.name) == 0)
-                return;
+        if (Contains(hidden, row.name))
+            return;
         values.emplace_back(row.name, ValueToJson(row.of(record), WordsOfColumn(words, row.name)));
     });
     return values;

@@ -1,3 +1,4 @@
+#include "AttributeCommands.h"
 #include "ClientCommands.h"
 #include "DatabaseCommands.h"
 #include "DepartmentNoun.h"
@@ -8,7 +9,10 @@
 #include "PacketCommands.h"
 #include "PushCommand.h"
 #include "QueueCommands.h"
+#include "ReceiverCommands.h"
 #include "ReceiverNoun.h"
+#include "ReceiverOptions.h"
+#include "ReceiverTransfer.h"
 #include "SessionCommands.h"
 #include "SettingsCommands.h"
 
@@ -34,17 +38,15 @@ constexpr vk::Option kSessionAdd[] = {
 };
 constexpr vk::Option kSessionRemove[] = {{"--jid", "JID", "The JID of the session.", Need::Required}};
 
-constexpr vk::Option kReceiverAdd[] = {
-    {"--name", "NAME", "Its name, unique.", Need::Required},
-    {"--pin", "PIN", "Its address on the carrier; the bare JID of a mobile device.", Need::Required},
-    {"--type", "TYPE", "What kind of device it is; alpha when not given.", Need::Optional, "alpha|numeric|two-way|fax"},
-    {"--description", "TEXT", "Free text."},
-    {"--email", "ADDRESS", "Its mail address."},
-    {"--department-id", "N", "The department that it belongs to."},
-    {"--carrier-id", "N", "Its carrier."},
-};
 constexpr vk::Option kDepartmentAdd[] = {
     {"--name", "NAME", "Its name, unique.", Need::Required},
+    {"--description", "TEXT", "Free text."},
+    {"--max-receivers", "N", "How many receivers it may have."},
+};
+constexpr vk::Option kDepartmentModify[] = {
+    {"--id", "N", "The one with this id."},
+    {"--name", "NAME", "The one with this name, letters of either case."},
+    {"--new-name", "NAME", "Its new name."},
     {"--description", "TEXT", "Free text."},
     {"--max-receivers", "N", "How many receivers it may have."},
 };
@@ -192,10 +194,32 @@ constexpr vk::Command kCommands[] = {
     {"session add", "Enters a device as logged in, as a gateway does.", kSessionAdd, &vk::AddSession},
     {"session list", "Lists the devices that are logged in.", {}, &vk::ListSessions},
     {"session remove", "Takes a device out.", kSessionRemove, &vk::RemoveSession},
-    {"receiver add", "Adds a receiver and prints its id.", kReceiverAdd, &Receivers::Add},
+    {"receiver add", "Adds a receiver and prints its id.", vk::kReceiverAdd.rows, &Receivers::Add},
+    {"receiver modify", "Changes what is given of a receiver.", vk::kReceiverModify.rows, &Receivers::Modify},
+    {"receiver delete", "Deletes a receiver with all that belongs to it.", kShow, &Receivers::Delete},
     {"receiver show", "Shows all of one receiver but its secrets.", kShow, &Receivers::Show},
-    {"receiver list", "Lists all receivers by name.", {}, &Receivers::List},
+    {"receiver list", "Lists receivers by name.", vk::kReceiverFilter, &Receivers::List},
+    {"receiver status", "Shows whether a receiver is available and when it was not, or changes it.",
+     vk::kReceiverStatus, &vk::ReceiverStatus},
+    {"receiver guest-departments", "Shows in which departments a receiver is seen beside its own, after changing them.",
+     vk::kReceiverGuests, &vk::ReceiverGuestDepartments},
+    {"receiver attributes", "Shows a receiver's values of attributes, after changing them.", vk::kReceiverAttributes,
+     &vk::ReceiverAttributes},
+    {"receiver export", "Writes receivers as CSV (RFC 4180), without their secrets.", vk::kReceiverFilter,
+     &vk::ExportReceivers, vk::kReceiverCsvOut},
+    {"receiver import", "Adds the receivers of a CSV file, all or none. Its first line names the columns, those of "
+                        "\"export\"; name and pin must be there, ids are given anew. Rows that cannot be stored are "
+                        "listed with their lines and why.",
+     vk::kReceiverImport, &vk::ImportReceivers, vk::kReceiverCsvIn},
+    {"attribute add", "Defines an attribute for receivers and prints its id.", vk::kAttributeAdd.rows,
+     &vk::AddAttribute},
+    {"attribute modify", "Changes what is given of an attribute.", vk::kAttributeModify.rows, &vk::ModifyAttribute},
+    {"attribute delete", "Deletes an attribute of which no receiver has a value.", vk::kAttributeDelete,
+     &vk::DeleteAttribute},
+    {"attribute list", "Lists the attributes in their order.", {}, &vk::ListAttributes},
     {"department add", "Adds a department and prints its id.", kDepartmentAdd, &Departments::Add},
+    {"department modify", "Changes what is given of a department.", kDepartmentModify, &Departments::Modify},
+    {"department delete", "Deletes a department to which no receiver belongs.", kShow, &Departments::Delete},
     {"department show", "Shows all of one department.", kShow, &Departments::Show},
     {"queue list", "Lists the messages of a queue.", kQueueList, &vk::ListQueue},
     {"queue show", "Shows all of one message and its body.", kQueueShow, &vk::ShowQueued},
