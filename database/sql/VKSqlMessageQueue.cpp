@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <map>
 
 #include "VKMessageName.h"
 #include "VKTableRow.h"
@@ -269,6 +270,7 @@ bool SqlMessageQueue::GetReadyMsg(VK_MESSAGE_HEADER_LIST* list, bool full)
     const ReadyOption option = ReadyOptionOf(m_iQueueNumber);
     if (TakesServiceName(option) && m_strService.empty())
         Fail(__LINE__, "Messenger service name not set");
+    RequireFits(m_strService, sizeof(QueueRow::last_lock_owner_svc_name), "last_lock_owner_svc_name");
     return GetImpl(list, full, option);
 }
 
@@ -381,36 +383,42 @@ bool SqlMessageQueue::UnlockMsgList(VK_MESSAGE_HEADER_LIST* list)
     });
 }
 
-/// Gives the rows that a condition names back: nobody's, and M or Q.
-void SqlMessageQueue::Release(const std::string& which)
+/// Gives an owner's rows that a condition names back: nobody's, and M or Q. Both are parts of a condition.
+void SqlMessageQueue::Release(const std::string& owner, const std::string& which)
 {
     const auto rows =
-        m_store->Select("SELECT msg_name, msg_query_count FROM {} WHERE {}", m_table, SqlRaw{which});
+        m_store->Select("SELECT msg_name, msg_query_count FROM {} WHERE {}{}", m_table, SqlRaw{owner}, SqlRaw{which});
+    std::map<std::string, std::string> oldNames; // by the new one
+    for (const bool sending : {true, false}) // what was being sent comes first where two would get one name
+        for (int row = 0; row < rows->GetReturnedRowsCount(); ++row) {
+            const std::string name = (*rows)[row][0].GetValueString();
+            const std::string newName = ((*rows)[row][1].GetValueLong() > 0 ? "Q" : "M") + name.substr(1);
+            if (sending != (name[0] == 'R'))
+                continue;
+            if (!oldNames.emplace(newName, name).second) // the other one keeps its name, so that neither is lost
+                m_store->Update("UPDATE {} SET lock_time=0, last_lock_owner_svc_name='' WHERE msg_name={}", m_table,
+                                name);
+            else if (name != newName) // as one that is added anew is replaced
+                m_store->Update("DELETE FROM {} WHERE msg_name={}", m_table, newName);
+        }
     const auto update = [&](char status, const char* asked) {
-        m_store->Update("UPDATE {} SET lock_time=0, last_lock_owner_svc_name='', msg_status={}, msg_name={} WHERE {}",
+        m_store->Update("UPDATE {} SET lock_time=0, last_lock_owner_svc_name='', msg_status={}, msg_name={} WHERE "
+                        "{}{}{}",
                         m_table, std::string(1, status), SqlRaw{m_store->Dialect().WithFirstLetter("msg_name", status)},
-                        SqlRaw{which + asked});
+                        SqlRaw{owner}, SqlRaw{asked}, SqlRaw{which});
     };
-    std::vector<std::pair<std::string, std::string>> moves;
-    for (int row = 0; row < rows->GetReturnedRowsCount(); ++row) {
-        const std::string name = (*rows)[row][0].GetValueString();
-        const std::string newName = ((*rows)[row][1].GetValueLong() > 0 ? "Q" : "M") + name.substr(1);
-        if (name == newName)
-            continue;
-        m_store->Update("DELETE FROM {} WHERE msg_name={}", m_table, newName); // as one that is added anew is replaced
-        moves.emplace_back(name, newName);
-    }
     update('M', " AND msg_query_count=0");
     update('Q', " AND msg_query_count>0");
-    for (const auto& [name, newName] : moves)
-        if (m_bodies->Exists(name)) // a row without one goes with the next read
+    for (const auto& [newName, name] : oldNames)
+        if (name != newName && m_bodies->Exists(name)) // a row without one goes with the next read
             m_bodies->Move(name, newName);
 }
 
 bool SqlMessageQueue::UnprocessMsgList(const std::string& serviceName)
 {
     return Change([&] {
-        Release(m_store->Part("last_lock_owner_svc_name={} AND (lock_time<>0 OR msg_status='R')", serviceName).text);
+        Release(m_store->Part("last_lock_owner_svc_name={}", serviceName).text,
+                " AND (lock_time<>0 OR msg_status='R')");
         return true;
     });
 }
@@ -424,10 +432,8 @@ bool SqlMessageQueue::UnprocessLockedUpMsgs(const std::vector<std::string>& serv
     // What is being sent by nobody is of no service's list; without this it would stay so for ever.
     const std::string orNobodys = names.empty() ? "''" : names + ", ''";
     return Change([&] {
-        Release(m_store
-                    ->Part("last_lock_owner_svc_name IN ({}) AND msg_status='R' AND last_modify_time<{}",
-                           SqlRaw{orNobodys}, limit)
-                    .text);
+        Release("last_lock_owner_svc_name IN (" + orNobodys + ")",
+                m_store->Part(" AND msg_status='R' AND last_modify_time<{}", limit).text);
         // One that is being sent keeps its owner, so that its own age, not that of its lock, gives it back.
         if (!names.empty())
             m_store->Update("UPDATE {} SET lock_time=0, last_lock_owner_svc_name='' WHERE last_lock_owner_svc_name IN "

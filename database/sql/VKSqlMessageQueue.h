@@ -80,7 +80,7 @@ private:
                                                 const std::string& order, long size, long offset);
     void CountPages(const std::string& filter, int returned);
     bool Rename(const std::string& oldName, const std::string& newName, const time_t* time);
-    void Release(const std::string& which);
+    void Release(const std::string& owner, const std::string& which);
     long DeleteRows(const std::string& condition);
     Names SelectNames(const std::string& condition);
     std::string NameClause(const std::string& name) const;

@@ -234,6 +234,7 @@ TEST_P(VKMessageQueueTest, APollTakesWhatIsReadyByPriorityAndNobodyElseGetsIt)
     EXPECT_THAT(Ready(*queue), ElementsAre("W.0.waiting.mxp"));
 
     EXPECT_THAT(ErrorOf([&] { Ready(*Open(1, "")); }), HasSubstr("Messenger service name not set"));
+    EXPECT_THAT(ErrorOf([&] { Ready(*Open(1, std::string(51, 's'))); }), HasSubstr("'last_lock_owner_svc_name'"));
     for (const int number : {2, 3})
         EXPECT_EQ(ErrorOf([&] { Ready(*Open(number, "")); }), "") << number;
 }
@@ -255,6 +256,15 @@ TEST_P(VKMessageQueueTest, WhatADeadServiceHeldComesBack)
     EXPECT_THAT(Ready(*other), UnorderedElementsAre("M.0.first.mxp", "Q.2.asked.mxp"));
     queue->UnprocessMsgList("svc");
     EXPECT_THAT(Ready(*other), testing::Contains("M.0.taken.mxp"));
+
+    queue->EmptyQueue();
+    for (const char* name : {"D.0.one.mxp", "R.0.one.mxp", "E.0.one.mxp"})
+        Add(*queue, name, name);
+    Sql("UPDATE {} SET lock_time=1, last_lock_owner_svc_name='svc'");
+    queue->UnprocessMsgList("svc");
+    EXPECT_THAT(Files(*queue), ElementsAre("D.0.one.mxp", "E.0.one.mxp", "M.0.one.mxp")) << "one name, none lost";
+    EXPECT_EQ(Ready(*other).size(), 3u);
+    EXPECT_EQ(Body(*queue, "M.0.one.mxp"), "R.0.one.mxp");
 }
 
 TEST_P(VKMessageQueueTest, NoRunningMessageBecomesUnreachableWhenItsLockIsOlderThanIts)
@@ -486,15 +496,14 @@ TEST(VKMessageQueueOnServer, SpeaksTheServersSqlToTheLetter)
                                 ready + ") this_table WHERE rnum > 20",
                             "SELECT COUNT(id) FROM VK_QUEUE_WAITING " + ready, "commit"));
     queue.UnprocessMsgList("svc");
-    const std::string held = " WHERE last_lock_owner_svc_name='svc' AND (lock_time<>0 OR msg_status='R')";
-    const auto back = [&](const std::string& letter) {
+    const std::string owner = " WHERE last_lock_owner_svc_name='svc'", held = " AND (lock_time<>0 OR msg_status='R')";
+    const auto back = [&](const std::string& letter, const std::string& asked) {
         return "UPDATE VK_QUEUE_WAITING SET lock_time=0, last_lock_owner_svc_name='', msg_status='" + letter +
-               "', msg_name='" + letter + "'+SUBSTRING(msg_name, 2, LEN(msg_name)-1)" + held;
+               "', msg_name='" + letter + "'+SUBSTRING(msg_name, 2, LEN(msg_name)-1)" + owner + asked + held + end;
     };
     EXPECT_THAT(std::exchange(queue.notes, {}),
-                ElementsAre("exclusive", hold, "SELECT msg_name, msg_query_count FROM VK_QUEUE_WAITING" + held,
-                            back("M") + " AND msg_query_count=0" + end, back("Q") + " AND msg_query_count>0" + end,
-                            "commit"));
+                ElementsAre("exclusive", hold, "SELECT msg_name, msg_query_count FROM VK_QUEUE_WAITING" + owner + held,
+                            back("M", " AND msg_query_count=0"), back("Q", " AND msg_query_count>0"), "commit"));
     queue.CleanupOldMsgs(50, 0);
     EXPECT_THAT(std::exchange(queue.notes, {}),
                 ElementsAre("exclusive", hold,
