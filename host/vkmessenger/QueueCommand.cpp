@@ -6,6 +6,7 @@
 #include "ServiceLock.h"
 #include "StopSignal.h"
 #include "VKDatabase.h"
+#include "VKLog.h"
 
 #include <algorithm>
 #include <limits>
@@ -76,6 +77,22 @@ VKDBsystem& OpenDatabase()
     return *database->getDBSystemObject();
 }
 
+QueueRouter OpenQueues(StoreWatch& watch, const QueueSettings& settings)
+{
+    const StoreWatch::Operation watched(watch);
+    return {OpenDatabase(), settings.queue, settings.service};
+}
+
+/// On the watch's thread.
+void TellOfSilence(DriverSession& session, int queue, std::chrono::seconds time)
+{
+    VK_LOG_ERROR(&session.Logger(),
+                 "The store has not answered for %lld seconds: another process holds it locked, or its server is "
+                 "silent. Waiting on.",
+                 static_cast<long long>(time.count()));
+    session.TellErrors("queue " + std::to_string(queue));
+}
+
 std::string ProtocolPattern(VKProtocolDriverInterface& driver)
 {
     std::string protocol = driver.GetProtocolName();
@@ -104,13 +121,14 @@ int SendQueue(const Arguments& arguments, std::chrono::seconds wait)
     const std::string root = CheckedRoot(arguments);
     UseRoot(arguments);
     const ServiceLock lock(root + "/temp", settings.queue, settings.service);
-    QueueRouter router(OpenDatabase(), settings.queue, settings.service);
-    Timeline timeline(arguments.Has("--json") ? Timeline::Form::Json : Timeline::Form::Readable, stdout);
     DriverSession session(arguments);
+    StoreWatch watch([&](std::chrono::seconds time) { TellOfSilence(session, settings.queue, time); });
+    QueueRouter router = OpenQueues(watch, settings);
+    Timeline timeline(arguments.Has("--json") ? Timeline::Form::Json : Timeline::Form::Readable, stdout);
     settings.protocol = ProtocolPattern(session.Exchange().Driver());
     WaitingRoom waiting(router, settings, root, session.Logger());
     AnswerLine line(session.Library().IsClassLibrary(), session.Logger());
-    QueueFeeder feeder({settings, router, waiting, session.Exchange(), line, timeline, session.Logger(),
+    QueueFeeder feeder({settings, router, watch, waiting, session.Exchange(), line, timeline, session.Logger(),
                         [&](const std::string& about) { session.TellErrors(about); }, stop});
     feeder.Run();
     return feeder.AnyFailed() ? kExitFailed : kExitOk;

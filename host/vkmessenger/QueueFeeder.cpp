@@ -1,6 +1,7 @@
 #include "QueueFeeder.h"
 
 #include "StopSignal.h"
+#include "TextLine.h"
 #include "VKDBexception.h"
 #include "VKLog.h"
 #include "VKMessageName.h"
@@ -21,12 +22,20 @@ constexpr int kPage = 50;
 constexpr std::size_t kMostInHand = 4000;
 constexpr seconds kHousekeeping(60);
 constexpr milliseconds kRetry(1000);
-constexpr seconds kTellAgain(60);
 /// The driver is asked about all open messages every ten milliseconds, more rarely when they are thousands.
 constexpr milliseconds kAskInterval(10);
 constexpr std::chrono::microseconds kAskShare(10);
+/// A message that cannot be read is tried so often before others get their turn for half an hour.
+constexpr int kLoadTries = 3;
 /// What was handed over last has so long to leave before the driver is ended.
 constexpr milliseconds kLastWords(500);
+
+std::string NameWith(char status, const VK_MESSAGE_HEADER& header)
+{
+    MessageName name = MessageName::Parse(header.msg_name);
+    name.status = status;
+    return name.Text();
+}
 
 } // namespace
 
@@ -36,25 +45,44 @@ QueueFeeder::~QueueFeeder() { m_parts.exchange.End(); }
 /// Does something with the store. What does not come out is told and is tried again by whoever comes back to it.
 bool QueueFeeder::Attempt(const std::function<void()>& work)
 {
+    if (Clock::now() < m_awayUntil)
+        return false;
     try {
+        const StoreWatch::Operation watched(m_parts.watch);
+        m_parts.router.Reconnect();
+        NoteWorks();
         work();
         return true;
     } catch (const VKDBexception& error) {
-        const std::string trouble = error.ToString();
-        if (trouble != m_lastTrouble || Clock::now() - m_lastTold >= kTellAgain) {
-            VK_LOG_ERROR(&m_parts.logger, "Queue %d: %s", m_parts.settings.queue, trouble.c_str());
-            m_lastTold = Clock::now();
-        }
-        m_lastTrouble = trouble;
-        m_parts.tellErrors("queue " + std::to_string(m_parts.settings.queue));
+        NoteTrouble(OneLine(error.what()));
         return false;
     }
 }
 
+void QueueFeeder::NoteTrouble(const std::string& trouble)
+{
+    const auto now = Clock::now();
+    if (m_parts.router.IsCutOff()) {
+        m_awaySince = m_awaySince == Clock::time_point{} ? now : m_awaySince;
+        m_awayUntil = now + kRetry;
+    }
+    if (const std::string told = m_troubles.Pass(trouble, now); !told.empty())
+        VK_LOG_ERROR(&m_parts.logger, "Queue %d: %s", m_parts.settings.queue, told.c_str());
+    m_parts.tellErrors("queue " + std::to_string(m_parts.settings.queue));
+}
+
+void QueueFeeder::NoteWorks()
+{
+    if (m_awaySince == Clock::time_point{})
+        return;
+    const auto time = std::chrono::ceil<seconds>(Clock::now() - m_awaySince);
+    m_awaySince = {};
+    VK_LOG_WARN(&m_parts.logger, "Queue %d: connected to the server again, after %lld seconds.", m_parts.settings.queue,
+                static_cast<long long>(time.count()));
+}
+
 void QueueFeeder::Run()
 {
-    m_parts.router.Own().GiveBack(m_parts.settings.service);
-    m_parts.router.Waiting().GiveBack(m_parts.settings.service);
     TakeBack();
     m_lastSent = Clock::now();
     while (!m_parts.stop && !IsDone()) {
@@ -65,9 +93,13 @@ void QueueFeeder::Run()
     Finish();
 }
 
-/// What this service was asking about when it ended is due at once: its answers come to this service's name.
+/// What this service held when it ended. What it was asking about is due at once: its answers come to this service's
+/// name.
 void QueueFeeder::TakeBack()
 {
+    const StoreWatch::Operation watched(m_parts.watch);
+    m_parts.router.Own().GiveBack(m_parts.settings.service);
+    m_parts.router.Waiting().GiveBack(m_parts.settings.service);
     QueueStore& own = m_parts.router.Own();
     for (const VK_MESSAGE_HEADER& header : own.List(m_parts.settings.protocol, "", "Q.")) {
         VK_MESSAGE_HEADER row;
@@ -106,17 +138,40 @@ void QueueFeeder::KeepHouse()
 
 void QueueFeeder::Poll()
 {
-    if (Clock::now() < m_nextPoll || CountInHand() >= kMostInHand)
+    if (Clock::now() < m_nextPoll)
         return;
+    if (CountInHand() >= kMostInHand) {
+        m_nextPoll = Clock::now() + milliseconds(m_parts.settings.pollMilliseconds);
+        return;
+    }
+    PutBack();
     QueueStore::Headers ready;
     const bool polled = Attempt([&] { ready = m_parts.router.Own().TakeReady(m_parts.settings.protocol, "", kPage); });
     m_foundNothing = polled && ready.empty();
     m_nextPoll = Clock::now() + (polled ? milliseconds(m_parts.settings.pollMilliseconds) : kRetry);
     if (ready.size() == kPage)
         m_nextPoll = {};
-    for (const VK_MESSAGE_HEADER& header : ready)
-        if (!m_parts.stop && !Attempt([&] { Take(header); }))
+    for (const VK_MESSAGE_HEADER& header : ready) {
+        if (m_parts.stop)
+            return;
+        if (Attempt([&] { Take(header); }))
+            Begin(header.id);
+        else
             m_nextPoll = Clock::now() + kRetry;
+    }
+}
+
+/// What needs the message's carrier, not the store: the first try to send it, or keeping its carrier connected for the
+/// answer.
+void QueueFeeder::Begin(unsigned long id)
+{
+    const auto entry = m_entries.find(id);
+    if (entry == m_entries.end())
+        return;
+    if (entry->second.stage == Stage::Sending && entry->second.due == Clock::time_point{})
+        Send(entry->second);
+    else if (entry->second.stage == Stage::Asking)
+        m_parts.line.Open(entry->second.message->File());
 }
 
 void QueueFeeder::Take(const VK_MESSAGE_HEADER& header)
@@ -135,24 +190,10 @@ void QueueFeeder::Take(const VK_MESSAGE_HEADER& header)
 
 void QueueFeeder::TakeNew(const VK_MESSAGE_HEADER& header)
 {
-    MessageName name = MessageName::Parse(header.msg_name);
-    name.status = 'R';
-    QueueStore& own = m_parts.router.Own();
-    if (!own.Rename(header.msg_name, name.Text()))
-        return;
     VK_MESSAGE_HEADER row;
     std::string body;
-    try {
-        if (!own.Load(name.Text(), row, body))
-            return;
-    } catch (const VKDBexception&) {
-        // A file that cannot be read is left alone for half an hour, and does not stand in the way of others.
-        MessageName later = name;
-        later.status = 'W';
-        own.Rename(name.Text(), later.Text());
-        own.Unlock({header});
-        throw;
-    }
+    if (!LoadTaken(header, row, body))
+        return;
     if (row.create_time == 0)
         row.create_time = header.last_modify_time;
     auto message = std::make_unique<QueueMessage>(row, body);
@@ -167,8 +208,35 @@ void QueueFeeder::TakeNew(const VK_MESSAGE_HEADER& header)
         Fail(entry, "Another message with the job_id '" + job + "' is still open.");
     else if (isExpired)
         Fail(entry, "The message expired before it could be sent.");
-    else
-        Send(entry);
+}
+
+/// Makes it R and loads it. When that fails it may be R or not, and is put back before the next poll.
+bool QueueFeeder::LoadTaken(const VK_MESSAGE_HEADER& header, VK_MESSAGE_HEADER& row, std::string& body)
+{
+    QueueStore& own = m_parts.router.Own();
+    const std::string taken = NameWith('R', header);
+    Unloaded& unloaded = m_unloaded[header.id];
+    unloaded.header = header;
+    unloaded.isToPutBack = true;
+    ++unloaded.failures;
+    const bool loaded = own.Rename(header.msg_name, taken) && own.Load(taken, row, body);
+    m_unloaded.erase(header.id);
+    return loaded;
+}
+
+/// One that cannot be read time and again waits for half an hour, so that it does not stand in the way of others.
+void QueueFeeder::PutBack()
+{
+    for (auto& [id, unloaded] : m_unloaded) {
+        if (!unloaded.isToPutBack)
+            continue;
+        const char status = unloaded.failures < kLoadTries ? 'M' : 'W';
+        unloaded.isToPutBack = !Attempt([&, &held = unloaded] {
+            m_parts.router.Own().Rename(NameWith('R', held.header), NameWith(status, held.header));
+            if (status == 'W')
+                m_parts.router.Own().Unlock({held.header});
+        });
+    }
 }
 
 /// A message that was handed over before, by this service or by another that is not there any more.
@@ -247,6 +315,7 @@ void QueueFeeder::Finish()
         TakeReports();
         std::this_thread::sleep_for(std::clamp<Clock::duration>(end - Clock::now(), {}, kAskInterval));
     } while (Clock::now() < end);
+    m_awayUntil = {};
     for (auto& [id, entry] : m_entries) {
         if (entry.stage == Stage::Settling)
             Attempt([&, &held = entry] { Settle(held); });

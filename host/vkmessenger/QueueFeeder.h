@@ -4,7 +4,9 @@
 #include "DriverExchange.h"
 #include "QueueRouter.h"
 #include "QueueSettings.h"
+#include "StoreWatch.h"
 #include "Timeline.h"
+#include "TroubleFilter.h"
 #include "WaitingRoom.h"
 
 #include <atomic>
@@ -26,7 +28,8 @@ namespace vk {
 ///   Asking     Q  wants an answer; its row is renewed from time to time, so that it stays with this service
 ///   Leaving       on its way to another queue
 ///
-/// Works on the thread that calls it. Failures of the store are logged and tried again.
+/// Works on the thread that calls it. Failures of the store are told and tried again, each message's at growing
+/// intervals. While the server of the store is away it is asked once a second, and what is in hand goes on.
 class QueueFeeder
 {
 public:
@@ -35,6 +38,7 @@ public:
     {
         const QueueSettings& settings;
         QueueRouter& router;
+        StoreWatch& watch;
         WaitingRoom& waiting;
         DriverExchange& exchange;
         AnswerLine& line;
@@ -69,19 +73,25 @@ private:
         /// When the stage is to be looked at.
         Clock::time_point due{};
         int tries = 0;
-        int target = 0;        ///< of one that leaves
+        int storeFailures = 0; ///< in a row
+        int target = 0;        ///< of one that leaves; 0 deletes it
         bool answered = false; ///< one that travels has its last answer
     };
 
     // QueueFeeder.cpp: the loop, and what comes in.
     bool Attempt(const std::function<void()>& work);
+    void NoteTrouble(const std::string& trouble);
+    void NoteWorks();
     void TakeBack();
     void Round();
     void KeepHouse();
     void Poll();
     void Take(const VK_MESSAGE_HEADER& header);
+    void Begin(unsigned long id);
     void TakeNew(const VK_MESSAGE_HEADER& header);
     void TakeOver(const VK_MESSAGE_HEADER& header);
+    bool LoadTaken(const VK_MESSAGE_HEADER& header, VK_MESSAGE_HEADER& row, std::string& body);
+    void PutBack();
     Entry& Keep(std::unique_ptr<QueueMessage> message, Stage stage);
     void Ask();
     bool IsDone() const;
@@ -93,6 +103,7 @@ private:
     // QueueFeederStages.cpp: what becomes of one message.
     void StepAll();
     void Step(Entry& entry);
+    void StepStored(Entry& entry);
     void Send(Entry& entry);
     void Settle(Entry& entry);
     void Renew(Entry& entry);
@@ -120,8 +131,19 @@ private:
     bool m_anyFailed = false;
     /// Until when a carrier's messages are held back, after a failure that took its time: those of others go first.
     std::map<std::string, Clock::time_point> m_holds;
-    std::string m_lastTrouble; ///< told once a minute at most, as long as it is the same
-    Clock::time_point m_lastTold{};
+
+    /// Messages that could not be loaded after they had become R, or may have become so: to be put back.
+    struct Unloaded
+    {
+        VK_MESSAGE_HEADER header;
+        int failures = 0;
+        bool isToPutBack = false;
+    };
+    std::unordered_map<unsigned long, Unloaded> m_unloaded; ///< by the row's id
+
+    TroubleFilter m_troubles;
+    Clock::time_point m_awaySince{}; ///< when the server of the store was found to be away; zero when it is there
+    Clock::time_point m_awayUntil{}; ///< when it is asked again
 };
 
 } // namespace vk

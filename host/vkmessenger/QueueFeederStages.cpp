@@ -19,7 +19,9 @@ using std::chrono::seconds;
 
 /// A driver's reason after which another try would be in vain.
 constexpr const char* kReceiverOffline = "Receiver is offline.";
+/// What the store refuses is tried again after a second, then after twice the time, up to this.
 constexpr milliseconds kRetry(1000);
+constexpr milliseconds kLongestRetry(30000);
 /// A server that does not answer holds the service up so long; its other messages must not do so one by one.
 constexpr seconds kLongFailure(1);
 /// A row that is being sent is given to others when it has not changed for 20 minutes.
@@ -56,16 +58,27 @@ void QueueFeeder::StepAll()
     for (auto& [id, entry] : m_entries) {
         if (m_parts.stop)
             return;
-        if (entry.stage != Stage::Gone && entry.due <= now && !Attempt([&, &held = entry] { Step(held); }))
-            entry.due = Clock::now() + kRetry;
+        if (entry.stage != Stage::Gone && entry.due <= now)
+            Step(entry);
     }
 }
 
 void QueueFeeder::Step(Entry& entry)
 {
+    if (entry.stage == Stage::Sending)
+        return Send(entry); // with the store or without it
+    if (Attempt([&] { StepStored(entry); })) {
+        entry.storeFailures = 0;
+        return;
+    }
+    const bool isAway = Clock::now() < m_awayUntil;
+    entry.storeFailures += isAway ? 0 : 1;
+    entry.due = Clock::now() + std::min(kRetry * (1 << std::clamp(entry.storeFailures - 1, 0, 5)), kLongestRetry);
+}
+
+void QueueFeeder::StepStored(Entry& entry)
+{
     switch (entry.stage) {
-    case Stage::Sending:
-        return Send(entry);
     case Stage::Settling:
         return Settle(entry);
     case Stage::Travelling:
@@ -79,6 +92,7 @@ void QueueFeeder::Step(Entry& entry)
         return Move(entry);
     case Stage::Leaving:
         return Move(entry);
+    case Stage::Sending:
     case Stage::Gone:
         return;
     }
@@ -134,12 +148,7 @@ void QueueFeeder::Settle(Entry& entry)
         Enter(entry, Stage::Asking, seconds(m_parts.settings.answerSeconds));
 }
 
-/// What stays open keeps its carrier connected.
-void QueueFeeder::Renew(Entry& entry)
-{
-    if (Store(entry, entry.message->QueryCount() + 1))
-        m_parts.line.Open(entry.message->File());
-}
+void QueueFeeder::Renew(Entry& entry) { Store(entry, entry.message->QueryCount() + 1); }
 
 /// Stores it as one that is asked about, with its report, and so that it is due for the next question in time.
 bool QueueFeeder::Store(Entry& entry, int queryCount)
@@ -148,7 +157,7 @@ bool QueueFeeder::Store(Entry& entry, int queryCount)
     VK_MESSAGE_HEADER row = message.Header();
     row.next_query_time = std::time(nullptr) + m_parts.settings.querySeconds;
     SetText(row.msg_name, message.NameAs('Q', queryCount), "msg_name");
-    if (m_parts.router.Own().Change(row, message.Body(), message.Name())) {
+    if (QueueRouter::Change(m_parts.router.Own(), row, message.Body(), message.Name())) {
         message.Header() = row;
         return true;
     }
@@ -166,7 +175,9 @@ void QueueFeeder::Leave(Entry& entry, int target)
 
 void QueueFeeder::Move(Entry& entry)
 {
-    if (m_parts.router.Move(*entry.message, m_parts.router.Own(), entry.target))
+    if (entry.target == 0)
+        m_parts.router.Own().Delete(entry.message->Name());
+    else if (m_parts.router.Move(*entry.message, m_parts.router.Own(), entry.target))
         Show(*entry.message, entry.target);
     else
         VK_LOG_WARN(&m_parts.logger, "Job ID: [%s] >> The message '%s' is not in queue %d any more.",
@@ -193,8 +204,7 @@ void QueueFeeder::TakeReports()
         Entry& entry = m_entries.at(id->second);
         HostMessageFile& own = entry.message->File();
         if (own.bDelete) {
-            Attempt([&] { m_parts.router.Own().Delete(entry.message->Name()); });
-            Enter(entry, Stage::Gone);
+            Leave(entry, 0);
         } else {
             TakeReport(entry, own.TakeReport().value_or(own.Now()));
         }

@@ -36,6 +36,22 @@ QueueStore& QueueRouter::Store(int number)
                              ", which this service does not use");
 }
 
+bool QueueRouter::IsCutOff() const
+{
+    return m_own.IsCutOff() || m_archive.IsCutOff() || m_error.IsCutOff() || m_waiting.IsCutOff();
+}
+
+void QueueRouter::Reconnect()
+{
+    for (QueueStore* store : {&m_own, &m_archive, &m_error, &m_waiting})
+        store->Reconnect();
+}
+
+bool QueueRouter::Change(QueueStore& store, VK_MESSAGE_HEADER& row, const std::string& body, const std::string& oldName)
+{
+    return store.Change(row, body, oldName) || (oldName != row.msg_name && store.Change(row, body, row.msg_name));
+}
+
 bool QueueRouter::Knows(int number) const
 {
     return number == m_own.Number() || number == kArchiveQueue || number == kErrorQueue || number == kWaitingQueue;
@@ -49,7 +65,8 @@ bool QueueRouter::Move(QueueMessage& message, QueueStore& from, int target)
     if (!(ends && isSentAgain) && !NoteTarget(message, from))
         return false;
     Arrive(message, from);
-    return from.Delete(message.Name());
+    from.Delete(message.Name());
+    return true;
 }
 
 bool QueueRouter::NoteTarget(QueueMessage& message, QueueStore& from)
@@ -58,7 +75,7 @@ bool QueueRouter::NoteTarget(QueueMessage& message, QueueStore& from)
     // Due at once for whoever takes it over.
     row.next_query_time = 0;
     SetText(row.msg_name, message.NameAs('Q', std::max(message.QueryCount(), 1)), "msg_name");
-    if (!from.Change(row, message.Body(), message.Name()))
+    if (!Change(from, row, message.Body(), message.Name()))
         return false;
     message.Header() = row;
     return true;

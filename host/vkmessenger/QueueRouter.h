@@ -27,12 +27,20 @@ public:
     QueueStore& Own() { return m_own; }
     QueueStore& Waiting() { return m_waiting; }
 
+    /// Whether one of them is cut off from its server; connects those anew. As QueueStore.
+    bool IsCutOff() const;
+    void Reconnect();
+
     /// Whether messages of this service go to that queue.
     bool Knows(int number) const;
 
     /// Moves a message from one of the queues to another.
-    /// \return False when its row is not there any more: it was deleted, or another service has it.
+    /// \return False when its row was not there any more and it did not move: it was deleted, or another service has it.
     bool Move(QueueMessage& message, QueueStore& from, int target);
+
+    /// Stores a changed message that was found by its old name. A change whose end was not heard of, because the
+    /// connection was cut then, may be called again. False when there is no such message.
+    static bool Change(QueueStore& store, VK_MESSAGE_HEADER& row, const std::string& body, const std::string& oldName);
 
     /// Finishes a move that a service began which ended before it was done.
     void FinishMove(QueueMessage& message, QueueStore& from);

@@ -39,13 +39,24 @@ struct Content : VK_MESSAGE_CONTENT
 } // namespace
 
 QueueStore::QueueStore(VKDBsystem& system, int number, const std::string& service)
-    : m_number(number), m_service(service)
+    : m_system(system), m_number(number), m_service(service)
 {
     try {
-        m_queue.reset(VKDBiMessageQueue::CreateInstance(&system, number, service));
+        m_queue = Open();
     } catch (const VKDBexception& error) {
         throw std::runtime_error("queue " + std::to_string(number) + " cannot be opened: " + error.GetMsg());
     }
+}
+
+std::unique_ptr<VKDBiMessageQueue> QueueStore::Open() const
+{
+    return std::unique_ptr<VKDBiMessageQueue>(VKDBiMessageQueue::CreateInstance(&m_system, m_number, m_service));
+}
+
+void QueueStore::Reconnect()
+{
+    if (IsCutOff())
+        m_queue = Open();
 }
 
 void QueueStore::Select(const std::string& protocol, const std::string& pin, const std::string& status, int most)

@@ -8,7 +8,8 @@
 
 namespace vk {
 
-/// A message queue as a service uses it, with what it takes held by value. Operations throw VKDBexception. One thread.
+/// A message queue as a service uses it, with what it takes held by value. Operations throw VKDBexception; on a server
+/// none of them comes out again after the connection was lost, until Reconnect has. One thread.
 class QueueStore
 {
 public:
@@ -17,6 +18,11 @@ public:
 
     int Number() const { return m_number; }
     const std::string& Service() const { return m_service; }
+
+    /// Whether a connection to the server was lost since this queue was opened: its own may be dead.
+    bool IsCutOff() const { return m_queue->IsConnectionStale(); }
+    /// Opens the queue anew when it is cut off. Throws VKDBexception, and leaves it as it was, when it cannot.
+    void Reconnect();
 
     using Headers = std::vector<VK_MESSAGE_HEADER>;
     /// What is ready, of a protocol ("mxp*") and of one receiver or of all (""): the service's own from now on.
@@ -45,9 +51,12 @@ public:
 private:
     void Select(const std::string& protocol, const std::string& pin, const std::string& status, int most);
 
+    std::unique_ptr<VKDBiMessageQueue> Open() const;
+
+    VKDBsystem& m_system;
     const int m_number;
     const std::string m_service;
-    std::unique_ptr<VKDBiMessageQueue> m_queue;
+    std::unique_ptr<VKDBiMessageQueue> m_queue; ///< never null
 };
 
 } // namespace vk

@@ -1,12 +1,11 @@
 #pragma once
 
+#include "Backend.h"
 #include "FileDatabase.h"
 #include "PostgresServer.h"
 #include "VKPostgreSqlDialect.h"
 #include "VKRDBiDatabase.h"
 #include "VKSchema.h"
-
-enum class Backend { Files, PostgreSql };
 
 /// The same cases on the file database and on a real server, each with all tables new and empty.
 class BackendDatabase : public FileDatabase, public testing::WithParamInterface<Backend>
@@ -37,8 +36,3 @@ public:
 protected:
     std::shared_ptr<VKRDBiDatabase> server; ///< what all entities share; null on files
 };
-
-/// Makes a suite run on both.
-#define VK_ON_BOTH_BACKENDS(SUITE)                                                                                     \
-    INSTANTIATE_TEST_SUITE_P(Backends, SUITE, testing::Values(Backend::Files, Backend::PostgreSql),                    \
-                             [](const auto& row) { return row.param == Backend::Files ? "Files" : "PostgreSql"; })
