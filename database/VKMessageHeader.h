@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string>
+#include <tuple>
 
 #include "VKTableField.h"
 
@@ -70,24 +71,34 @@ struct QueueRow : VK_MESSAGE_HEADER
     char msg_protocol[16] = {};
 };
 
+/// What every read of a queue gives, and what stands behind it in a full one.
+inline constexpr auto kBriefHeaderFields =
+    Fields(Field<&QueueRow::id>("id", PrimaryKey{}), Field<&QueueRow::msg_name>("msg_name"),
+           Field<&QueueRow::last_modify_time>("last_modify_time"),
+           Field<&QueueRow::last_paging_queue_id>("last_paging_queue_id"));
+inline constexpr auto kFurtherHeaderFields = Fields(
+    Field<&QueueRow::create_time>("create_time"), Field<&QueueRow::priority>("priority", SqlDefault{"3"}),
+    Field<&QueueRow::sender_name>("sender_name"), Field<&QueueRow::receiver_name>("receiver_name"),
+    Field<&QueueRow::rcv_group_name>("rcv_group_name"), Field<&QueueRow::pin>("pin"),
+    Field<&QueueRow::carrier_name>("carrier_name"), Field<&QueueRow::next_send_time>("next_send_time"),
+    Field<&QueueRow::expiry_time>("expiry_time"), Field<&QueueRow::next_query_time>("next_query_time"),
+    Field<&QueueRow::casc_delay_mins>("casc_delay_mins"), Field<&QueueRow::schd_days_to_send>("schd_days_to_send"),
+    Field<&QueueRow::schd_time_in_mins>("schd_time_in_mins"),
+    Field<&QueueRow::schd_last_send_time>("schd_last_send_time"),
+    Field<&QueueRow::schd_date_to_send>("schd_date_to_send"));
+
 /// The columns of a queue. The lock columns are changed by statements of their own, never with the record. In a
 /// relational database each queue has a table of its own name.
 inline constexpr Table kQueueTable{
     TableName{"queue_metadata", "VK_QUEUE_PAGING"},
-    Fields(Field<&QueueRow::id>("id", PrimaryKey{}), Field<&QueueRow::lock_time>("lock_time", NotWritten{}, SqlDefault{"0"}),
-           Field<&QueueRow::last_lock_owner_svc_name>("last_lock_owner_svc_name", NotWritten{}, SqlDefault{"''"}),
-           Field<&QueueRow::msg_name>("msg_name"), Field<&QueueRow::msg_status>("msg_status"),
-           Field<&QueueRow::msg_query_count>("msg_query_count"), Field<&QueueRow::msg_job_id>("msg_job_id"),
-           Field<&QueueRow::msg_protocol>("msg_protocol"), Field<&QueueRow::last_modify_time>("last_modify_time"),
-           Field<&QueueRow::last_paging_queue_id>("last_paging_queue_id"), Field<&QueueRow::create_time>("create_time"),
-           Field<&QueueRow::priority>("priority", SqlDefault{"3"}), Field<&QueueRow::sender_name>("sender_name"),
-           Field<&QueueRow::receiver_name>("receiver_name"), Field<&QueueRow::rcv_group_name>("rcv_group_name"),
-           Field<&QueueRow::pin>("pin"), Field<&QueueRow::carrier_name>("carrier_name"),
-           Field<&QueueRow::next_send_time>("next_send_time"), Field<&QueueRow::expiry_time>("expiry_time"),
-           Field<&QueueRow::next_query_time>("next_query_time"), Field<&QueueRow::casc_delay_mins>("casc_delay_mins"),
-           Field<&QueueRow::schd_days_to_send>("schd_days_to_send"),
-           Field<&QueueRow::schd_time_in_mins>("schd_time_in_mins"),
-           Field<&QueueRow::schd_last_send_time>("schd_last_send_time"),
-           Field<&QueueRow::schd_date_to_send>("schd_date_to_send"))};
+    std::tuple_cat(
+        Fields(Field<&QueueRow::id>("id", PrimaryKey{}),
+               Field<&QueueRow::lock_time>("lock_time", NotWritten{}, SqlDefault{"0"}),
+               Field<&QueueRow::last_lock_owner_svc_name>("last_lock_owner_svc_name", NotWritten{}, SqlDefault{"''"}),
+               Field<&QueueRow::msg_name>("msg_name"), Field<&QueueRow::msg_status>("msg_status"),
+               Field<&QueueRow::msg_query_count>("msg_query_count"), Field<&QueueRow::msg_job_id>("msg_job_id"),
+               Field<&QueueRow::msg_protocol>("msg_protocol"), Field<&QueueRow::last_modify_time>("last_modify_time"),
+               Field<&QueueRow::last_paging_queue_id>("last_paging_queue_id")),
+        kFurtherHeaderFields)};
 
 } // namespace vk

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "VKMessageHeader.h"
 #include "VKSqlTransaction.h"
@@ -25,7 +26,7 @@ public:
     virtual void Begin(SqlStore& store, const TableName& table, TransactionLock lock) = 0;
     /// The transaction is about to be rolled back: all changes since Begin are undone.
     virtual void Undo() noexcept = 0;
-    /// The transaction is committed.
+    /// The transaction is committed, and the turn is over.
     virtual void Committed() noexcept = 0;
 
     /// Whether a body is something beside its row, which has to be moved and removed with it.
@@ -37,7 +38,7 @@ public:
     /// Stores a changed row, by its id, with its body.
     virtual void Update(const QueueRow& row, const VK_MESSAGE_CONTENT& content) = 0;
     virtual void Move(const std::string& oldName, const std::string& newName) = 0;
-    virtual void Remove(const std::string& name) = 0;
+    virtual void Remove(const std::vector<std::string>& names) = 0;
     virtual void RemoveAll() = 0;
 
     virtual std::string Place() const = 0;

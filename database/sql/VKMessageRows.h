@@ -19,7 +19,7 @@ public:
     unsigned long Insert(const QueueRow& row, const VK_MESSAGE_CONTENT& content) override;
     void Update(const QueueRow& row, const VK_MESSAGE_CONTENT& content) override;
     void Move(const std::string&, const std::string&) override {}
-    void Remove(const std::string&) override {}
+    void Remove(const std::vector<std::string>&) override {}
     void RemoveAll() override {}
     std::string Place() const override { return m_table.relational; }
 

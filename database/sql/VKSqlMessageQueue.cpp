@@ -35,40 +35,37 @@ QueueRow RowOf(const VK_MESSAGE_HEADER& header)
     return row;
 }
 
-/// The columns of a header, in the table's order behind the four that every read has.
+/// The columns of a header, in the order that HeaderOf reads them.
 const std::string& HeaderColumns(bool full)
 {
-    static const std::string brief = "id, msg_name, last_modify_time, last_paging_queue_id";
-    static const std::string all = [] {
+    const auto add = [](std::string& columns, const auto& fields) {
+        ForEachField(fields, [&](const auto& field) { detail::AddWithComma(columns, field.name); });
+    };
+    static const std::string brief = [&] {
+        std::string columns;
+        add(columns, kBriefHeaderFields);
+        return columns;
+    }();
+    static const std::string all = [&] {
         std::string columns = brief;
-        bool behindCreateTime = false;
-        ForEachField(kQueueTable.fields, [&](const auto& field) {
-            behindCreateTime = behindCreateTime || std::strcmp(field.name, "create_time") == 0;
-            if (behindCreateTime)
-                detail::AddWithComma(columns, field.name);
-        });
+        add(columns, kFurtherHeaderFields);
         return columns;
     }();
     return full ? all : brief;
 }
 
 /// Reads a row of HeaderColumns by position: a poll reads many.
-VK_MESSAGE_HEADER HeaderOf(const VKDBiRow& fields, bool full)
+VK_MESSAGE_HEADER HeaderOf(const SqlRow& row, bool full)
 {
-    QueueRow row;
-    ReadValue(row.id, fields[0], "id");
-    ReadValue(row.msg_name, fields[1], "msg_name");
-    ReadValue(row.last_modify_time, fields[2], "last_modify_time");
-    ReadValue(row.last_paging_queue_id, fields[3], "last_paging_queue_id");
-    int position = 4;
-    bool behindCreateTime = false;
+    VK_MESSAGE_HEADER header;
+    int position = 0;
+    const auto read = [&](const auto& field) {
+        ReadValue(field.of(header), SqlColumn(row, position++), field.name);
+    };
+    ForEachField(kBriefHeaderFields, read);
     if (full)
-        ForEachField(kQueueTable.fields, [&](const auto& field) {
-            behindCreateTime = behindCreateTime || std::strcmp(field.name, "create_time") == 0;
-            if (behindCreateTime)
-                ReadValue(field.of(row), fields[position++], field.name);
-        });
-    return row;
+        ForEachField(kFurtherHeaderFields, read);
+    return header;
 }
 
 /// The caller's turn on the bodies, as long as the object lives.
@@ -113,16 +110,19 @@ void SqlMessageQueue::UseStore(std::unique_ptr<SqlStore> store, std::unique_ptr<
 /// A transaction on rows and bodies together. Reads run in one too: a body whose row is being changed is not looked at.
 template <class Body> auto SqlMessageQueue::InQueue(TransactionLock lock, Body&& body)
 {
-    const Turn turn(*m_bodies);
-    auto result = InTransaction(m_store->Connection(), lock, [&] {
-        m_bodies->Begin(*m_store, m_table, lock);
-        try {
-            return body();
-        } catch (...) {
-            m_bodies->Undo();
-            throw;
-        }
-    });
+    const auto inTurn = [&] {
+        const Turn turn(*m_bodies);
+        return InTransaction(m_store->Connection(), lock, [&] {
+            m_bodies->Begin(*m_store, m_table, lock);
+            try {
+                return body();
+            } catch (...) {
+                m_bodies->Undo();
+                throw;
+            }
+        });
+    };
+    auto result = inTurn();
     m_bodies->Committed();
     return result;
 }
@@ -161,8 +161,7 @@ SqlMessageQueue::Names SqlMessageQueue::SelectNames(const std::string& condition
 long SqlMessageQueue::DeleteRows(const std::string& condition)
 {
     if (m_bodies->StandApart())
-        for (const std::string& name : SelectNames(condition))
-            m_bodies->Remove(name);
+        m_bodies->Remove(SelectNames(condition));
     return m_store->Update("DELETE FROM {} WHERE {}", m_table, SqlRaw{condition});
 }
 
@@ -193,7 +192,7 @@ bool SqlMessageQueue::Modify(VK_MESSAGE_CONTENT* content, const std::string& old
         const std::string present = (*found)[0][1].GetValueString();
         m_store->Update("DELETE FROM {} WHERE msg_name={} AND id<>{}", m_table, name, row.id);
         if (present != name)
-            m_bodies->Remove(present);
+            m_bodies->Remove({present});
         m_bodies->Update(row, *content);
         content->header.id = row.id;
         return true;
@@ -282,16 +281,15 @@ bool SqlMessageQueue::GetImpl(VK_MESSAGE_HEADER_LIST* list, bool full, ReadyOpti
     const std::string order = MessageOrder(option, m_sortField, m_bAscending);
     const auto lock = TakesServiceName(option) ? TransactionLock::Exclusive : TransactionLock::Shared;
     return InQueue(lock, [&] {
-        const auto rows = SelectPage(full, filter, order);
         Ids taken;
         Ids withoutBody;
-        for (int row = 0; row < rows->GetReturnedRowsCount(); ++row) {
-            const VK_MESSAGE_HEADER header = HeaderOf((*rows)[row], full);
+        m_store->ForEachRow(PageStatement(full, filter, order), [&](const SqlRow& row) {
+            const VK_MESSAGE_HEADER header = HeaderOf(row, full);
             const bool whole = m_bodies->Exists(header.msg_name);
             (whole ? taken : withoutBody).push_back(header.id);
             if (whole)
                 AddMessageHeader(list, &header);
-        }
+        });
         ForIds(withoutBody,
                [&](const SqlRaw& some) { m_store->Update("DELETE FROM {} WHERE id IN ({})", m_table, some); });
         if (TakesServiceName(option))
@@ -299,20 +297,19 @@ bool SqlMessageQueue::GetImpl(VK_MESSAGE_HEADER_LIST* list, bool full, ReadyOpti
                 m_store->Update("UPDATE {} SET lock_time={}, last_lock_owner_svc_name={} WHERE id IN ({})", m_table,
                                 now, m_strService, some);
             });
-        CountPages(filter, list->count);
+        CountPages(filter, list->count + static_cast<long>(withoutBody.size()), list->count);
         return true;
     });
 }
 
-std::unique_ptr<VKDBiResultSet> SqlMessageQueue::SelectPage(bool full, const std::string& filter,
-                                                            const std::string& order)
+std::string SqlMessageQueue::PageStatement(bool full, const std::string& filter, const std::string& order) const
 {
     const std::string from = m_store->Part("{} {}", m_table, SqlRaw{filter}).text;
     if (m_iPageSize <= 0)
-        return m_store->Select("SELECT {} FROM {} ORDER BY {}", SqlRaw{HeaderColumns(full)}, SqlRaw{from},
-                               SqlRaw{order});
-    const long offset = (std::max(m_iPageNumber, 1) - 1L) * m_iPageSize;
-    return SelectFirst(HeaderColumns(full), from, order, m_iPageSize, offset);
+        return m_store
+            ->Part("SELECT {} FROM {} ORDER BY {}", SqlRaw{HeaderColumns(full)}, SqlRaw{from}, SqlRaw{order})
+            .text;
+    return m_store->Dialect().PageOfTable(HeaderColumns(full), from, order, m_iPageSize, PageOffset());
 }
 
 /// At most `size` rows behind the first `offset`, in an order that need not be of columns that are read.
@@ -322,12 +319,14 @@ std::unique_ptr<VKDBiResultSet> SqlMessageQueue::SelectFirst(const std::string& 
     return m_store->Select("{}", SqlRaw{m_store->Dialect().PageOfTable(columns, from, order, size, offset)});
 }
 
-/// Without pages what was read is all there is.
-void SqlMessageQueue::CountPages(const std::string& filter, int returned)
+/// A page that is not full is the last one, and its rows need no counting. `read` holds those whose body is gone too.
+void SqlMessageQueue::CountPages(const std::string& filter, long read, long returned)
 {
     const bool paged = m_iPageSize > 0;
-    m_lTotalRecords =
-        paged ? m_store->SelectNumber("SELECT COUNT(id) FROM {} {}", m_table, SqlRaw{filter}) : returned;
+    const long before = paged ? PageOffset() : 0;
+    const bool toTheEnd = !paged || (read < m_iPageSize && (read > 0 || before == 0));
+    m_lTotalRecords = toTheEnd ? before + returned
+                               : m_store->SelectNumber("SELECT COUNT(id) FROM {} {}", m_table, SqlRaw{filter});
     m_iPageCount = paged ? static_cast<int>((m_lTotalRecords + m_iPageSize - 1) / m_iPageSize) : 1;
 }
 
@@ -339,7 +338,7 @@ bool SqlMessageQueue::GetByName(const std::string& name, VK_MESSAGE_CONTENT* con
                                           SqlRaw{NameClause(name)});
         if (rows->GetReturnedRowsCount() == 0)
             return false;
-        content->header = HeaderOf((*rows)[0], full);
+        content->header = HeaderOf(SqlResultRow((*rows)[0]), full);
         if (!m_bodies->Exists(content->header.msg_name)) {
             m_store->Update("DELETE FROM {} WHERE id={}", m_table, content->header.id);
             EmptyMessageContent(content);
@@ -359,7 +358,7 @@ bool SqlMessageQueue::GetByNameList(const std::string& prefix, std::vector<VK_ME
                                           SqlRaw{MessageOrder(ReadyOption::All, m_sortField, m_bAscending)});
         for (int row = 0; row < rows->GetReturnedRowsCount(); ++row) {
             VK_MESSAGE_CONTENT content;
-            content.header = HeaderOf((*rows)[row], true);
+            content.header = HeaderOf(SqlResultRow((*rows)[row]), true);
             if (!m_bodies->Exists(content.header.msg_name))
                 m_store->Update("DELETE FROM {} WHERE id={}", m_table, content.header.id);
             else if (m_bodies->Load(content.header.msg_name, &content))

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <memory>
 #include <string>
 #include <vector>
@@ -75,10 +76,11 @@ private:
     template <class Body> auto Read(Body&& body) { return InQueue(TransactionLock::Shared, body); }
 
     bool GetImpl(VK_MESSAGE_HEADER_LIST* list, bool full, ReadyOption option);
-    std::unique_ptr<VKDBiResultSet> SelectPage(bool full, const std::string& filter, const std::string& order);
+    std::string PageStatement(bool full, const std::string& filter, const std::string& order) const;
+    long PageOffset() const { return (std::max(m_iPageNumber, 1) - 1L) * m_iPageSize; }
     std::unique_ptr<VKDBiResultSet> SelectFirst(const std::string& columns, const std::string& from,
                                                 const std::string& order, long size, long offset);
-    void CountPages(const std::string& filter, int returned);
+    void CountPages(const std::string& filter, long read, long returned);
     bool Rename(const std::string& oldName, const std::string& newName, const time_t* time);
     void Release(const std::string& owner, const std::string& which);
     long DeleteRows(const std::string& condition);

@@ -1,8 +1,10 @@
 #include "VKSQLite3MessageFiles.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
+#include <filesystem>
 #include <limits>
 #include <sstream>
 #include <sys/file.h>
@@ -11,6 +13,7 @@
 #include <unistd.h>
 
 #include "VKDBexception.h"
+#include "VKSQLite3Retry.h"
 #include "VKSqlStore.h"
 
 namespace vk {
@@ -18,7 +21,11 @@ namespace vk {
 namespace {
 
 constexpr const char* kIntentFile = "queue_metabase.sdb-intent";
-constexpr const char* kBackup = "queue_metabase.sdb-undo-";
+constexpr const char* kBackups = "queue_metabase.sdb-undo";
+
+/// Two minutes in all.
+constexpr unsigned kTurnPauseMicroseconds = 200;
+constexpr int kTurnAttempts = 120'000'000 / kTurnPauseMicroseconds;
 
 /// user_version is a signed number of 32 bits.
 long NumberAfter(long number) { return number >= std::numeric_limits<int>::max() ? 1 : number + 1; }
@@ -31,6 +38,7 @@ SQLite3MessageFiles::~SQLite3MessageFiles()
 {
     if (m_iIntent >= 0)
         close(m_iIntent);
+    CloseDirectory();
 }
 
 void SQLite3MessageFiles::RequireDone(bool done, const char* what, const std::string& name) const
@@ -41,15 +49,27 @@ void SQLite3MessageFiles::RequireDone(bool done, const char* what, const std::st
                             std::generic_category().message(errno));
 }
 
-/// A place that knows no such locks, or whose lock is broken, leaves all waiting to the database.
+/// A place that knows no such locks leaves all waiting to the database. Looking again and again lets whoever has just
+/// worked go on while its pages are fresh, and ends: one that was stopped in its turn must not keep all others for ever.
 void SQLite3MessageFiles::Enter()
 {
     OpenIntent();
-    while (flock(m_iIntent, LOCK_EX) != 0 && errno == EINTR) {
+    for (int left = kTurnAttempts; flock(m_iIntent, LOCK_EX | LOCK_NB) != 0; --left) {
+        if (errno != EWOULDBLOCK && errno != EINTR)
+            return;
+        if (left <= 0)
+            throw VKDBexception(DbError::General, __FILE__, __LINE__,
+                                "Unable to start a transaction on [" + Place() + "]: it is in use.",
+                                "another process has kept its turn for two minutes");
+        RetryPause(kTurnPauseMicroseconds);
     }
 }
 
-void SQLite3MessageFiles::Leave() noexcept { flock(m_iIntent, LOCK_UN); }
+void SQLite3MessageFiles::Leave() noexcept
+{
+    CloseDirectory();
+    flock(m_iIntent, LOCK_UN);
+}
 
 /// Every transaction of the file database takes the write lock.
 void SQLite3MessageFiles::Begin(SqlStore& store, const TableName& table, TransactionLock)
@@ -57,33 +77,47 @@ void SQLite3MessageFiles::Begin(SqlStore& store, const TableName& table, Transac
     m_store = &store;
     m_table = table;
     m_bStarted = false;
-    ReadIntent();
-    const long committed = store.SelectNumber("PRAGMA user_version");
-    if (!m_changes.empty()) {
-        if (m_lNumber == NumberAfter(committed))
-            UndoChanges();
-        DeleteBackups();
-        RequireDone(ftruncate(m_iIntent, 0) == 0, "emptied", kIntentFile);
-    }
     m_changes.clear();
-    m_lNumber = NumberAfter(committed);
+    m_lNumber = NumberAfter(store.SelectNumber("PRAGMA user_version"));
+    if (ReadNumber() == m_lNumber)
+        UndoLeftovers();
+    if (!m_bSwept)
+        DeleteLeftoverBackups();
+    m_bSwept = true;
 }
 
 void SQLite3MessageFiles::Undo() noexcept
 {
     try {
         UndoChanges();
+        EmptyIntent();
     } catch (...) { // the intent still tells it: the next transaction tries again
     }
+    m_changes.clear();
 }
 
+/// What cannot be deleted goes when the queue is opened again.
 void SQLite3MessageFiles::Committed() noexcept
 {
-    try {
-        DeleteBackups();
-    } catch (...) { // they go by the intent
-    }
+    for (const Change& change : m_changes)
+        if (change.kind == Change::BackedUp)
+            unlink(m_files.PathOf(change.to).c_str());
     m_changes.clear();
+}
+
+/// One look-up of the directory serves all files of a turn.
+bool SQLite3MessageFiles::Exists(const std::string& name)
+{
+    if (m_iDirectory < 0)
+        m_iDirectory = open(m_files.GetQueuePath().c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+    return m_iDirectory < 0 ? m_files.CheckExists(name) : faccessat(m_iDirectory, name.c_str(), F_OK, 0) == 0;
+}
+
+void SQLite3MessageFiles::CloseDirectory() noexcept
+{
+    if (m_iDirectory >= 0)
+        close(m_iDirectory);
+    m_iDirectory = -1;
 }
 
 bool SQLite3MessageFiles::Load(const std::string& name, VK_MESSAGE_CONTENT* content)
@@ -106,8 +140,8 @@ void SQLite3MessageFiles::Update(const QueueRow& row, const VK_MESSAGE_CONTENT& 
 
 void SQLite3MessageFiles::Write(const std::string& name, const VK_MESSAGE_CONTENT& content)
 {
-    BackUp(name);
-    Intend({Change::Written, name, ""});
+    BackUp({name});
+    Intend({{Change::Written, name, ""}});
     RequireDone(m_files.WriteMsgFileContent(name, &content), "written", name);
 }
 
@@ -115,66 +149,101 @@ void SQLite3MessageFiles::Move(const std::string& oldName, const std::string& ne
 {
     if (oldName == newName)
         return;
-    BackUp(newName);
-    Intend({Change::Renamed, oldName, newName});
+    BackUp({newName});
+    Intend({{Change::Renamed, oldName, newName}});
     RequireDone(m_files.ChangeName(oldName, newName), "renamed", oldName);
 }
 
-void SQLite3MessageFiles::Remove(const std::string& name) { BackUp(name); }
+void SQLite3MessageFiles::Remove(const std::vector<std::string>& names) { BackUp(names); }
 
 /// An emptied queue needs no backups: a row that comes back without its file goes with the next read.
 void SQLite3MessageFiles::RemoveAll() { RequireDone(m_files.EmptyQueue(), "deleted", "*"); }
 
-void SQLite3MessageFiles::BackUp(const std::string& name)
+void SQLite3MessageFiles::BackUp(const std::vector<std::string>& names)
 {
-    if (!m_files.CheckExists(name))
+    std::vector<Change> changes;
+    for (const std::string& name : names)
+        if (m_files.CheckExists(name))
+            changes.push_back({Change::BackedUp, name,
+                               std::string(kBackups) + "/" + std::to_string(m_lNumber) + "-" +
+                                   std::to_string(m_changes.size() + changes.size())});
+    if (changes.empty())
         return;
-    const std::string backup = kBackup + std::to_string(m_lNumber) + "-" + std::to_string(m_changes.size());
-    Intend({Change::BackedUp, name, backup});
-    RequireDone(m_files.ChangeName(name, backup), "put aside", name);
+    Intend(changes);
+    for (const Change& change : changes)
+        RequireDone(PutAside(change.from, change.to), "put aside", change.from);
 }
 
-void SQLite3MessageFiles::Intend(Change change)
+/// The directory of the backups is made when it is missing.
+bool SQLite3MessageFiles::PutAside(const std::string& name, const std::string& backup) const
 {
+    const auto moved = [&] { return rename(m_files.PathOf(name).c_str(), m_files.PathOf(backup).c_str()) == 0; };
+    if (moved())
+        return true;
+    return errno == ENOENT && mkdir(m_files.PathOf(kBackups).c_str(), 0777) == 0 && moved();
+}
+
+/// Tells changes before they come.
+void SQLite3MessageFiles::Intend(std::vector<Change> changes)
+{
+    std::string text;
     if (!m_bStarted) {
-        RequireDone(ftruncate(m_iIntent, 0) == 0, "emptied", kIntentFile);
-        Append(std::to_string(m_lNumber) + "\n");
+        EmptyIntent();
         m_store->Update("PRAGMA user_version={}", m_lNumber);
+        text = std::to_string(m_lNumber) + "\n";
         m_bStarted = true;
     }
-    Append(std::string(1, change.kind) + "\t" + change.from + "\t" + change.to + "\n");
-    m_changes.push_back(std::move(change));
+    for (const Change& change : changes)
+        text += std::string(1, change.kind) + "\t" + change.from + "\t" + change.to + "\n";
+    Append(text);
+    m_changes.insert(m_changes.end(), std::make_move_iterator(changes.begin()), std::make_move_iterator(changes.end()));
 }
 
-void SQLite3MessageFiles::Append(const std::string& line)
+void SQLite3MessageFiles::EmptyIntent() { RequireDone(ftruncate(m_iIntent, 0) == 0, "emptied", kIntentFile); }
+
+void SQLite3MessageFiles::Append(const std::string& text)
 {
     std::size_t written = 0;
-    while (written < line.size()) {
-        const ssize_t count = write(m_iIntent, line.data() + written, line.size() - written);
+    while (written < text.size()) {
+        const ssize_t count = write(m_iIntent, text.data() + written, text.size() - written);
         RequireDone(count > 0 || errno == EINTR, "written", kIntentFile);
         written += count > 0 ? static_cast<std::size_t>(count) : 0;
     }
 }
 
-/// A line without its end was being written when the process died: its change never came.
-void SQLite3MessageFiles::ReadIntent()
+/// The intent's text as far as its last whole line: a line without its end was being written when the process died,
+/// and its change never came.
+std::string SQLite3MessageFiles::ReadIntent(std::size_t most) const
 {
-    m_changes.clear();
+    std::string text(most, '\0');
+    std::size_t size = 0;
+    while (size < most) {
+        const ssize_t count = pread(m_iIntent, text.data() + size, most - size, static_cast<off_t>(size));
+        RequireDone(count >= 0 || errno == EINTR, "read", kIntentFile);
+        if (count == 0)
+            break;
+        size += count > 0 ? static_cast<std::size_t>(count) : 0;
+    }
+    text.resize(size);
+    text.resize(text.rfind('\n') + 1);
+    return text;
+}
+
+/// The number of the transaction that the intent tells of; 0 without one.
+long SQLite3MessageFiles::ReadNumber() const
+{
+    constexpr std::size_t kNumberLine = 64; // and what follows it
+    return std::atol(ReadIntent(kNumberLine).c_str());
+}
+
+/// Puts right what a process left half done that died before it could commit.
+void SQLite3MessageFiles::UndoLeftovers()
+{
     struct stat facts{};
     RequireDone(fstat(m_iIntent, &facts) == 0, "read", kIntentFile);
-    std::string text(static_cast<std::size_t>(facts.st_size), '\0');
-    std::size_t read = 0;
-    while (read < text.size()) {
-        const ssize_t count =
-            pread(m_iIntent, text.data() + read, text.size() - read, static_cast<off_t>(read));
-        RequireDone(count > 0 || errno == EINTR, "read", kIntentFile);
-        read += count > 0 ? static_cast<std::size_t>(count) : 0;
-    }
-    text.resize(text.rfind('\n') + 1);
-
-    std::istringstream lines(text);
+    std::istringstream lines(ReadIntent(static_cast<std::size_t>(facts.st_size)));
     std::string line;
-    m_lNumber = std::getline(lines, line) ? std::atol(line.c_str()) : 0;
+    std::getline(lines, line); // the number
     while (std::getline(lines, line)) {
         const std::size_t first = line.find('\t');
         const std::size_t second = line.find('\t', first + 1);
@@ -182,25 +251,37 @@ void SQLite3MessageFiles::ReadIntent()
             m_changes.push_back({static_cast<Change::Kind>(line[0]), line.substr(2, second - 2),
                                  line.substr(second + 1)});
     }
+    UndoChanges();
+    EmptyIntent();
+    m_changes.clear();
 }
 
+/// A file that was written in the place of one that was put aside goes when that one comes back. Deleting it would be
+/// wrong the second time, when the old one stands there again.
 void SQLite3MessageFiles::UndoChanges()
 {
     for (auto change = m_changes.rbegin(); change != m_changes.rend(); ++change) {
         const std::string from = m_files.PathOf(change->from);
         const std::string to = m_files.PathOf(change->to);
+        const bool replaced = std::any_of(change, m_changes.rend(), [&](const Change& earlier) {
+            return earlier.kind == Change::BackedUp && earlier.from == change->from;
+        });
         if (change->kind == Change::Written)
-            RequireDone(unlink(from.c_str()) == 0 || errno == ENOENT, "deleted", change->from);
+            RequireDone(replaced || unlink(from.c_str()) == 0 || errno == ENOENT, "deleted", change->from);
         else if (change->kind == Change::BackedUp || !m_files.CheckExists(change->from))
             RequireDone(rename(to.c_str(), from.c_str()) == 0 || errno == ENOENT, "renamed back", change->from);
     }
 }
 
-void SQLite3MessageFiles::DeleteBackups()
+/// The lock is held, so all backups are of transactions that are over.
+void SQLite3MessageFiles::DeleteLeftoverBackups() const
 {
-    for (const Change& change : m_changes)
-        if (change.kind == Change::BackedUp)
-            RequireDone(unlink(m_files.PathOf(change.to).c_str()) == 0 || errno == ENOENT, "deleted", change.to);
+    namespace fs = std::filesystem;
+    std::error_code failed;
+    std::error_code ignored;
+    for (fs::directory_iterator entry(m_files.PathOf(kBackups), failed), end; !failed && entry != end;
+         entry.increment(failed))
+        fs::remove(entry->path(), ignored);
 }
 
 void SQLite3MessageFiles::OpenIntent()

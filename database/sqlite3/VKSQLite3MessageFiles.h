@@ -13,13 +13,13 @@ namespace vk {
 /// Which order makes every crash point safe. A transaction's number is the database's user_version plus one; it is
 /// stored by the transaction itself. Under the write lock, in this order:
 ///   1. the intent ("queue_metabase.sdb-intent") gets the number and, before each file change, a line that tells it;
-///   2. the file is changed; what would be lost by that is moved to a backup ("queue_metabase.sdb-undo-...") instead;
-///   3. the rows and the number are committed;
-///   4. the backups are deleted.
+///   2. the file is changed; what would be lost by that is moved to a backup in "queue_metabase.sdb-undo" instead;
+///   3. the rows and the number are committed.
+/// The lock is free then, and the backups are deleted while others go on.
 /// A process that dies before 3 leaves rows as they were and the intent's number one above user_version: whoever has
 /// the lock next undoes the lines from last to first, before it looks at anything. A process that dies behind 3 leaves
-/// only backups, which go by the same intent. Every line can be undone twice and when its change never came, so dying
-/// while undoing is safe too. Readers take the write lock, so nobody sees the files in between.
+/// only backups, which whoever opens the queue next deletes. Every line can be undone twice and when its change never
+/// came, so dying while undoing is safe too. Readers take the write lock, so nobody sees the files in between.
 ///
 /// The system may lose what it has not yet written to the disk when the machine itself fails (synchronous mode 0):
 /// a row that has no file then goes with the next read.
@@ -29,8 +29,8 @@ public:
     explicit SQLite3MessageFiles(VKMsgQueueFileOperations files);
     ~SQLite3MessageFiles() override;
 
-    /// Waits for this caller's turn on the queue: by waking up, where the database alone would look again and again with
-    /// growing sleeps in between. Only the database's own lock keeps rows and files safe.
+    /// Waits for this caller's turn on the queue, two minutes at most, then throws: the database alone would look with
+    /// growing sleeps. Only the database's own lock keeps rows and files safe.
     void Enter() override;
     void Leave() noexcept override;
     void Begin(SqlStore& store, const TableName& table, TransactionLock lock) override;
@@ -38,12 +38,12 @@ public:
     void Committed() noexcept override;
 
     bool StandApart() const override { return true; }
-    bool Exists(const std::string& name) override { return m_files.CheckExists(name); }
+    bool Exists(const std::string& name) override;
     bool Load(const std::string& name, VK_MESSAGE_CONTENT* content) override;
     unsigned long Insert(const QueueRow& row, const VK_MESSAGE_CONTENT& content) override;
     void Update(const QueueRow& row, const VK_MESSAGE_CONTENT& content) override;
     void Move(const std::string& oldName, const std::string& newName) override;
-    void Remove(const std::string& name) override;
+    void Remove(const std::vector<std::string>& names) override;
     void RemoveAll() override;
     std::string Place() const override { return m_files.GetQueuePath(); }
 
@@ -57,21 +57,28 @@ private:
     };
 
     void Write(const std::string& name, const VK_MESSAGE_CONTENT& content);
-    void Intend(Change change);
-    void BackUp(const std::string& name);
-    void ReadIntent();
+    void Intend(std::vector<Change> changes);
+    void BackUp(const std::vector<std::string>& names);
+    bool PutAside(const std::string& name, const std::string& backup) const;
+    long ReadNumber() const;
+    std::string ReadIntent(std::size_t most) const;
+    void UndoLeftovers();
     void UndoChanges();
-    void DeleteBackups();
-    void Append(const std::string& line);
+    void EmptyIntent();
+    void DeleteLeftoverBackups() const;
+    void Append(const std::string& text);
     void OpenIntent();
+    void CloseDirectory() noexcept;
     void RequireDone(bool done, const char* what, const std::string& name) const;
 
     VKMsgQueueFileOperations m_files;
     SqlStore* m_store = nullptr; ///< of the running transaction, as the table
     TableName m_table{};
-    int m_iIntent = -1;          ///< descriptor of the intent; -1 until the first change or read
-    long m_lNumber = 0;          ///< of the running transaction, or of the intent that was read
-    bool m_bStarted = false;     ///< the intent holds the running transaction's number
+    int m_iIntent = -1;    ///< descriptor of the intent; -1 until the first turn
+    int m_iDirectory = -1; ///< descriptor of the queue's directory; -1 until a turn looks for a file
+    long m_lNumber = 0;    ///< of the running transaction
+    bool m_bStarted = false; ///< the intent holds the running transaction's number
+    bool m_bSwept = false;   ///< the backups of those that died were deleted
     std::vector<Change> m_changes;
 };
 

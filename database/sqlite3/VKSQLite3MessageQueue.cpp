@@ -30,6 +30,15 @@ constexpr const char* kPollIndexes[] = {
     "CREATE INDEX IF NOT EXISTS 'ix_msg_status_modify' ON 'queue_metadata' (msg_status, last_modify_time);",
 };
 
+/// A write-ahead log needs memory that processes share, which a network's file system has not. There the journal's file
+/// stays, because making and deleting one with each change costs more than the change itself.
+void UseFastJournal(vk::SQLite3Connection& connection)
+{
+    const auto mode = connection.ExecuteSelectQuery("PRAGMA journal_mode=WAL;");
+    if ((*mode)[0][0].GetValueString() != "wal")
+        connection.ExecuteSelectQuery("PRAGMA journal_mode=PERSIST;");
+}
+
 } // namespace
 
 bool VKSQLite3MessageQueue::Initialize(VKDBsystem* system)
@@ -38,8 +47,7 @@ bool VKSQLite3MessageQueue::Initialize(VKDBsystem* system)
     files.Initialize(system);
     auto connection = std::make_unique<vk::SQLite3Connection>(files.GetQueuePath(), kFile, tTableDesc, 1);
     connection->Database().SetSynchronousMode(0);
-    // The journal's file stays: making and deleting one with each change costs more than the change itself.
-    connection->ExecuteSelectQuery("PRAGMA journal_mode=PERSIST;");
+    UseFastJournal(*connection);
     vk::AddMissingColumns(*connection, vk::kQueueTable, "The Queue Meta table could not be accessed.");
     vk::CreateIndexes(*connection, kIndexes, std::size(kIndexes));
     vk::InTransaction(*connection, vk::TransactionLock::Exclusive, [&] {
@@ -60,12 +68,16 @@ bool VKSQLite3MessageQueue::DeleteQueue(int queueNumber)
 {
     if (queueNumber == QueueNumber())
         return false;
-    VKSQLite3MessageQueue queue(queueNumber, "");
-    queue.Initialize(GetDbSystem());
-    if (queue.GetTotalRecordCount() > 0)
-        return false;
-    const std::string path = queue.GetQueueName();
-    for (const char* behind : {"", "-journal", "-intent"})
+    std::string path;
+    {
+        VKSQLite3MessageQueue queue(queueNumber, "");
+        queue.Initialize(GetDbSystem());
+        if (queue.GetTotalRecordCount() > 0)
+            return false;
+        path = queue.GetQueueName();
+    }
+    for (const char* behind : {"", "-journal", "-wal", "-shm", "-intent"})
         unlink((path + "/" + kFile + behind).c_str());
+    rmdir((path + "/" + kFile + "-undo").c_str());
     return rmdir(path.c_str()) == 0;
 }

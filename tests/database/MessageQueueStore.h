@@ -68,14 +68,21 @@ protected:
         return body;
     }
 
+    /// The backups of changes that are over; none may stay.
+    static std::size_t Backups(VKDBiMessageQueue& queue)
+    {
+        std::error_code none;
+        const std::filesystem::directory_iterator entries(queue.GetQueueName() + "/queue_metabase.sdb-undo", none);
+        return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+    }
+
     /// The message files of a queue on files: all but the queue's own.
     static std::set<std::string> Files(VKDBiMessageQueue& queue)
     {
         std::set<std::string> names;
         for (const auto& entry : std::filesystem::directory_iterator(queue.GetQueueName()))
             if (const std::string name = entry.path().filename().string();
-                name != "queue_metabase.sdb" && name != "queue_metabase.sdb-intent" &&
-                name != "queue_metabase.sdb-journal")
+                name.rfind("queue_metabase.sdb", 0) != 0)
                 names.insert(name);
         return names;
     }

@@ -97,6 +97,7 @@ TEST_F(VKMessageQueueCrash, KilledAtAnyPointLosesNothingAndLeavesNoHalf)
         const auto files = Files(*queue);
         ASSERT_EQ(std::set<std::string>(names.begin(), names.end()), files) << "kill " << kill;
         ASSERT_EQ(static_cast<long>(names.size()), queue->GetTotalRecordCount());
+        ASSERT_EQ(Backups(*queue), 0u) << "kill " << kill;
         int kept = 0;
         for (const std::string& name : names) {
             const std::size_t at = name.find("keep");
