@@ -1,5 +1,7 @@
 #include "VKDatabase.h"
 
+#include <utility>
+
 #include "VKConfiguration.h"
 #include "VKDBexception.h"
 #include "VKDBiActiveMxpClient.h"
@@ -155,14 +157,12 @@ template <class Entity, class... Keys> Entity* VKDatabase::ObjectOf(const std::s
     if (!EnsureOpen())
         return nullptr;
     try {
-        Entity* object = nullptr;
-        if (isKeyInCache(key))
-            object = static_cast<Entity*>(getCacheLine(key)->get());
+        auto* object = static_cast<Entity*>(TakeFromCache(key));
         if (object == nullptr || object->IsConnectionStale()) {
             preprocessDbSystem();
             object = Entity::CreateInstance(&m_dbSystem, keys...);
+            setCacheLine(key, object);
         }
-        setCacheLine(key, object);
         object->ClearFilter(); // no caller inherits another one's filter
         object->ClearSort();
         return object;
@@ -213,13 +213,25 @@ void VKDatabase::setCacheLineExpiry(const std::string& key) { Renew(m_cache[key]
 void VKDatabase::PurgeAllCache(bool) { resetCache(); }
 void VKDatabase::PurgeMyCache() { PurgeAllCache(true); }
 
+VKDBbaseInterface* VKDatabase::TakeFromCache(const std::string& key) { return Use(m_cache, key); }
+
 time_t VKDatabase::Now() const { return time(nullptr); }
 
-void VKDatabase::Store(CacheLine& line, VKDBbaseInterface* object) const
+std::unique_ptr<VKDBbaseInterface> VKDatabase::Store(CacheLine& line, VKDBbaseInterface* object) const
 {
-    if (line.object.get() != object)
-        line.object.reset(object);
     Renew(line);
+    if (line.object.get() == object)
+        return nullptr;
+    return std::exchange(line.object, std::unique_ptr<VKDBbaseInterface>(object));
+}
+
+VKDBbaseInterface* VKDatabase::Use(Cache& cache, const std::string& key) const
+{
+    const auto found = cache.find(key);
+    if (found == cache.end() || found->second.object == nullptr)
+        return nullptr;
+    Renew(found->second);
+    return found->second.object.get();
 }
 
 void VKDatabase::Renew(CacheLine& line) const { line.expiry = Now() + kLifeSeconds; }

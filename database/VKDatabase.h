@@ -90,8 +90,14 @@ protected:
     /// The time that expiry is counted in.
     virtual time_t Now() const;
 
-    void Store(CacheLine& line, VKDBbaseInterface* object) const;
+    /// The object of a line, its time renewed; null when there is none. One step, so that adjustCache on another thread
+    /// cannot take an expired line away in between.
+    virtual VKDBbaseInterface* TakeFromCache(const std::string& key);
+
+    /// Puts an object into a line; gives back the one that it replaces, for deletion outside any lock.
+    std::unique_ptr<VKDBbaseInterface> Store(CacheLine& line, VKDBbaseInterface* object) const;
     void Renew(CacheLine& line) const;
+    VKDBbaseInterface* Use(Cache& cache, const std::string& key) const;
     /// Takes the lines that are expired or empty out of a cache and gives them back, for deletion outside any lock.
     Cache TakeOld(Cache& cache) const;
 

@@ -6,8 +6,8 @@
 #include "VKconThread.h"
 
 /// \file
-/// Objects are taken out of the map under the lock and deleted after it: closing a file may take its time, and other
-/// threads need not wait for it.
+/// Objects are taken out of the map under the lock and deleted after it: closing a file, or a connection to a server that
+/// does not answer, may take its time, and other threads need not wait for it.
 
 VKDatabaseMultiThreaded::VKDatabaseMultiThreaded(VKsysEventLogInterface* eventLog, bool multiThreaded)
     : VKDatabase(eventLog, multiThreaded)
@@ -16,16 +16,18 @@ VKDatabaseMultiThreaded::VKDatabaseMultiThreaded(VKsysEventLogInterface* eventLo
 
 VKDatabaseMultiThreaded::~VKDatabaseMultiThreaded() { VKDatabaseMultiThreaded::resetCache(); }
 
-/// The calling thread's entry; makes it when there is none, and lets go then of what ended threads left.
-ThreadDbConn& VKDatabaseMultiThreaded::MyEntry()
+/// The calling thread's entry, under the lock; makes it when there is none, and lets go then of what ended threads left:
+/// that goes to the caller, to be deleted behind the lock.
+ThreadDbConn& VKDatabaseMultiThreaded::MyEntry(Threads& ended)
 {
     const unsigned long thread = VKconThread::GetMyThreadID();
     const auto found = m_mapThreads.find(thread);
     if (found != m_mapThreads.end())
         return found->second;
-    PurgeAllCache(true);
-    ++m_iCount;
-    return m_mapThreads[thread];
+    ended = TakeEnded();
+    ThreadDbConn& entry = m_mapThreads[thread];
+    m_iCount = static_cast<int>(m_mapThreads.size());
+    return entry;
 }
 
 /// The connection is opened and tested outside the lock: a server that does not answer holds up its own thread only.
@@ -36,8 +38,9 @@ void VKDatabaseMultiThreaded::preprocessDbSystem()
         return; // each object holds its own handle
     std::shared_ptr<VKRDBiDatabase>* connection = nullptr;
     {
+        Threads ended;
         const vk::ScopedSection held(m_lock);
-        connection = &MyEntry().connection;
+        connection = &MyEntry(ended).connection;
     }
     System().PrepareThreadConnection(*connection);
 }
@@ -51,20 +54,31 @@ bool VKDatabaseMultiThreaded::isKeyInCache(const std::string& key)
 
 std::unique_ptr<VKDBbaseInterface>* VKDatabaseMultiThreaded::getCacheLine(const std::string& key)
 {
+    Threads ended;
     const vk::ScopedSection held(m_lock);
-    return &MyEntry().cache[key].object;
+    return &MyEntry(ended).cache[key].object;
 }
 
 void VKDatabaseMultiThreaded::setCacheLine(const std::string& key, VKDBbaseInterface* object)
 {
+    Threads ended;
+    std::unique_ptr<VKDBbaseInterface> replaced;
     const vk::ScopedSection held(m_lock);
-    Store(MyEntry().cache[key], object);
+    replaced = Store(MyEntry(ended).cache[key], object);
 }
 
 void VKDatabaseMultiThreaded::setCacheLineExpiry(const std::string& key)
 {
+    Threads ended;
     const vk::ScopedSection held(m_lock);
-    Renew(MyEntry().cache[key]);
+    Renew(MyEntry(ended).cache[key]);
+}
+
+VKDBbaseInterface* VKDatabaseMultiThreaded::TakeFromCache(const std::string& key)
+{
+    const vk::ScopedSection held(m_lock);
+    const auto found = m_mapThreads.find(VKconThread::GetMyThreadID());
+    return found == m_mapThreads.end() ? nullptr : Use(found->second.cache, key);
 }
 
 void VKDatabaseMultiThreaded::adjustCache()

@@ -6,7 +6,7 @@
 
 /// The database for many threads: each has a cache of its own, so that an entity object is used by one thread only. The
 /// objects of a thread that has ended go when another thread comes new, or at the next PurgeAllCache(true); those of a
-/// living thread never do. All operations may be called from any thread.
+/// living thread only when they were not used for their time. All operations may be called from any thread.
 class VKDatabaseMultiThreaded : public VKDatabase
 {
 public:
@@ -29,10 +29,12 @@ protected:
     friend class VKDatabase;
     VKDatabaseMultiThreaded(VKsysEventLogInterface* eventLog, bool multiThreaded);
 
+    VKDBbaseInterface* TakeFromCache(const std::string& key) override;
+
 private:
     using Threads = std::map<unsigned long, ThreadDbConn>;
 
-    ThreadDbConn& MyEntry();
+    ThreadDbConn& MyEntry(Threads& ended);
     Threads TakeEnded();
 
     Threads m_mapThreads; ///< guarded by m_lock

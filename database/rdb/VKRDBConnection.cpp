@@ -70,6 +70,7 @@ std::shared_ptr<VKRDBiDatabase> RequireConnection(VKDBsystem& system)
     auto database = system.GetDatabaseInstance();
     if (!database)
         throw VKDBexception(DbError::General, __FILE__, __LINE__, "The relational database is not open.");
+    database->RequireOpen(); // an object on a dead connection could not even tell which dialect it speaks
     return database;
 }
 

@@ -69,4 +69,6 @@ public:
     virtual std::string GetServerName() { return ""; }
     /// What errors name.
     virtual std::string GetSourceName() const { return ""; }
+    /// Throws, with the reason when the last opening failed, unless it is open.
+    virtual void RequireOpen() const {}
 };

@@ -280,6 +280,20 @@ TEST_F(VKDatabaseServerTest, ThreadsShareNoConnectionAndEndedOnesGiveTheirsBack)
     }
 }
 
+TEST_F(VKDatabaseServerTest, TheCustomConnectionIsHandedOutOnce)
+{
+    Timed<VKDatabase> database(false);
+    ASSERT_TRUE(database.openDatabase()) << database.getLastErrorString();
+    VKDBsystem& system = *database.getDBSystemObject();
+    const auto shared = system.GetDatabaseInstance();
+    const auto custom = system.CreateNewDatabaseInstance();
+    ASSERT_NE(custom, shared);
+    system.SetCustomDatabaseInstance(custom);
+    EXPECT_EQ(system.GetDatabaseInstance(), custom);
+    EXPECT_EQ(system.GetDatabaseInstance(), shared);
+    database.closeDatabase();
+}
+
 /// A statement on a lost connection fails; the factory's next object works again, on every kind of database.
 TEST_F(VKDatabaseServerTest, AfterARestartTheNextObjectWorks)
 {
@@ -294,6 +308,8 @@ TEST_F(VKDatabaseServerTest, AfterARestartTheNextObjectWorks)
         EXPECT_EQ(database->getVKDBiDepartmentObject(), departments) << "kept while nothing is lost";
         PostgresServer::Get().Stop();
         EXPECT_THROW(departments->GetTotalRecordCount(), VKDBexception);
+        EXPECT_EQ(database->getVKDBiDepartmentObject(), nullptr) << "no object of a dead connection is kept";
+        EXPECT_THAT(database->getLastErrorString(), HasSubstr("127.0.0.1")) << "the driver says why";
         PostgresServer::Get().Start();
         VKDBiDepartment* const revived = database->getVKDBiDepartmentObject();
         ASSERT_NE(revived, nullptr) << database->getLastErrorString();

@@ -86,6 +86,7 @@ bool VKODBCdatabase::Open(const std::string& connect, const std::string& user, c
 {
     const vk::DriverOutput output(true);
     Free();
+    m_strWhyClosed.clear();
     m_strConnect = connect;
     m_strUser = user;
     m_strPassword = password;
@@ -147,12 +148,13 @@ bool VKODBCdatabase::TestNReconnect()
     try {
         if (TestConnection())
             return true;
-    } catch (const VKDBexception&) { // what the test is for
+    } catch (...) { // what the test is for
     }
     try {
         Close();
         return ReOpen();
-    } catch (const VKDBexception&) { // told by false; the next statement tells why
+    } catch (const std::exception& failure) { // told by false; the next statement tells why
+        m_strWhyClosed = failure.what();
         return false;
     }
 }
@@ -161,7 +163,7 @@ void VKODBCdatabase::RequireOpen() const
 {
     if (m_hConnection == SQL_NULL_HDBC)
         throw VKDBexception(vk::DbError::General, __FILE__, __LINE__,
-                            "The data source [" + GetSourceName() + "] is not open.");
+                            "The data source [" + GetSourceName() + "] is not open.", m_strWhyClosed);
 }
 
 template <class Body> auto VKODBCdatabase::Run(const std::string& text, Body&& body)

@@ -43,6 +43,7 @@ public:
     bool ExecuteInsertQuery(const std::string& text, VKODBCResultSet& result, unsigned long& id) override;
     std::string GetServerName() override;
     std::string GetSourceName() const override { return m_bDSN ? m_strConnect : "ODBC"; }
+    void RequireOpen() const override;
 
     /// Quotes doubled, then cut to maxLen when that is not 0. A cut may leave a lone quote, so no statement is made with
     /// it; the dialect conditions what enters a statement.
@@ -60,7 +61,6 @@ private:
     template <class Body> auto Run(const std::string& text, Body&& body);
     vk::OdbcResult RunToLastResult(const std::string& text, const vk::OdbcPage& page = {});
     std::string GetInfo(SQLUSMALLINT what) const;
-    void RequireOpen() const;
     void SetAutoCommit(bool on);
     void Free();
     [[noreturn]] void ThrowConnectionError(const char* what) const;
@@ -75,4 +75,5 @@ private:
     std::string m_strPassword;
     bool m_bDSN = false;
     bool m_bDriverPrints = true;
+    std::string m_strWhyClosed; ///< what the driver said when it could not be opened anew
 };
