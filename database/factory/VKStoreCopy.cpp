@@ -6,6 +6,7 @@
 
 #include "VKRDBConnection.h"
 #include "VKSQLite3EntityFile.h"
+#include "VKSQLite3Receiver.h"
 #include "VKTableCatalogue.h"
 #include "VKTableRow.h"
 #include "VKioFile.h"
@@ -26,6 +27,18 @@ std::unique_ptr<SqlStore> OpenServer(const VK_DATA_SOURCE& source)
     return std::make_unique<SqlStore>(std::make_unique<RdbConnection>(std::move(server)), kStatementLimit);
 }
 
+/// Brings a table that an older version made up to date, as its entity does.
+template <class Fields> void BringUpToDate(SQLite3Connection& connection, const Table<Fields>& table)
+{
+    const std::string unreadable = std::string("The table [") + table.name.file + "] could not be accessed.";
+    AddMissingColumns(connection, table, unreadable.c_str());
+}
+
+void BringUpToDate(SQLite3Connection& connection, const decltype(kReceiverTable)&)
+{
+    VKSQLite3Receiver::BringUpToDate(connection);
+}
+
 template <class Family> std::unique_ptr<SqlStore> OpenFiles(const std::string& directory, const Family& family)
 {
     std::vector<std::string> columns;
@@ -37,6 +50,7 @@ template <class Family> std::unique_ptr<SqlStore> OpenFiles(const std::string& d
     });
     auto connection =
         std::make_unique<SQLite3Connection>(directory, family.file, tables.data(), static_cast<int>(tables.size()));
+    ForEachTable(family, [&](const auto& table) { BringUpToDate(*connection, table); });
     std::apply([&](const auto&... table) { CreateIndexes(*connection, table...); }, family.tables);
     return std::make_unique<SqlStore>(std::move(connection), kStatementLimit);
 }

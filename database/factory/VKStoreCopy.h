@@ -30,7 +30,8 @@ struct CopiedTable
 /// Rows that stand in the target already, exactly as they are, are left; so a copy may be run again. One that stands
 /// there with another content stops the copy with an error that names it, and its family is left as it was. A family
 /// whose file is not there has no rows. `progress` hears of each table after every few hundred rows; it may be empty.
-/// Throws VKDBexception. The source is read only, but locked while it is read.
+/// Throws VKDBexception. The source is only read, and locked while it is; but a file of it that an older version made is
+/// brought up to date first, as it is when the system opens it.
 std::vector<CopiedTable> CopyStores(const StorePlace& from, const StorePlace& to,
                                     const std::function<void(const CopiedTable&)>& progress);
 

@@ -53,8 +53,9 @@ template <class... Fields> void CreateIndexes(SQLite3Connection& connection, con
 /// The names of a table's columns; empty when there is no such table.
 std::vector<std::string> ColumnNames(SQLite3Connection& connection, const char* table);
 
-/// Adds the columns of a table that a file made by an older version lacks. `unreadable` is what the error says when the
-/// table cannot be read.
+/// Adds the columns of a table that a file made by an older version lacks; old rows get what a new row without the value
+/// has, 0 or an empty text, so that conditions find them. `unreadable` is what the error says when the table cannot be
+/// read.
 template <class Fields>
 void AddMissingColumns(SQLite3Connection& connection, const Table<Fields>& table, const char* unreadable)
 {
@@ -62,14 +63,23 @@ void AddMissingColumns(SQLite3Connection& connection, const Table<Fields>& table
         const std::vector<std::string> present = ColumnNames(connection, table.name.file);
         if (present.empty())
             throw VKDBexception(DbError::General, __FILE__, __LINE__, unreadable);
+        std::string ofOldRows;
         ForEachField(table.fields, [&](const auto& field) {
             using Row = std::decay_t<decltype(field)>;
             if (std::find(present.begin(), present.end(), field.name) != present.end())
                 return;
-            const char* forOldRows = Row::template has<NotNull> && !Row::template has<DefaultZero> ? " DEFAULT ''" : "";
+            constexpr ColumnKind kind = detail::KindOfField<Row>();
+            const std::string value = kind == ColumnKind::Varchar || kind == ColumnKind::Text ? "''" : "0";
+            constexpr bool hasDefault = Row::template has<DefaultZero> || Row::template has<SqlDefault>;
+            constexpr bool needsDefault = Row::template has<NotNull> && !hasDefault;
             connection.ExecuteUpdateQuery(std::string("ALTER TABLE ") + table.name.file + " ADD " +
-                                          ColumnDefinition(connection.Dialect(), field) + forOldRows + ";");
+                                          ColumnDefinition(connection.Dialect(), field) +
+                                          (needsDefault ? " DEFAULT " + value : "") + ";");
+            if (!hasDefault && !needsDefault)
+                detail::AddWithComma(ofOldRows, std::string(field.name) + "=" + value);
         });
+        if (!ofOldRows.empty())
+            connection.ExecuteUpdateQuery(std::string("UPDATE ") + table.name.file + " SET " + ofOldRows + ";");
     });
 }
 

@@ -15,6 +15,8 @@ template <const auto& kTable> VKSQLite3TableDesc Description()
 }
 
 constexpr const char* kUnreadable = "The Receiver table could not be accessed.";
+constexpr const char* kNewest = "is_secure"; ///< the column that tells a file of this version
+constexpr vk::SqlFile kCarriers = {"dbCarriers", "carriers.sdb"};
 
 /// What a file of 4.7 has: all columns but the last.
 template <class... Rows, std::size_t... I>
@@ -62,11 +64,18 @@ bool VKSQLite3Receiver::Initialize(VKDBsystem* system)
 {
     VKDBbaseInterface::Initialize(system);
     auto connection = vk::OpenEntityFile(*system, {"receivers.sdb", tTableDesc, 6});
-    ConvertTable(*connection);
-    ConvertTableFrom4_7(*connection);
+    if (!HasColumn(*connection, kNewest))
+        std::unique_ptr<VKDBiCarrier>(VKDBiCarrier::CreateInstance(system)); // makes its file
+    BringUpToDate(*connection);
     vk::CreateIndexes(*connection, vk::kReceiverTable, vk::kReceiverDeptTable, vk::kReceiverScheduleTable);
     UseStore(std::make_unique<vk::SqlStore>(std::move(connection), kStatementLimit, kReadLimit));
     return true;
+}
+
+void VKSQLite3Receiver::BringUpToDate(vk::SQLite3Connection& connection)
+{
+    ConvertTable(connection);
+    ConvertTableFrom4_7(connection);
 }
 
 void VKSQLite3Receiver::ConvertTable(vk::SQLite3Connection& connection)
@@ -76,16 +85,18 @@ void VKSQLite3Receiver::ConvertTable(vk::SQLite3Connection& connection)
 
 void VKSQLite3Receiver::ConvertTableFrom4_7(vk::SQLite3Connection& connection)
 {
-    if (HasColumn(connection, "is_secure"))
+    if (HasColumn(connection, kNewest))
         return;
-    std::unique_ptr<VKDBiCarrier>(VKDBiCarrier::CreateInstance(GetDbSystem())); // makes its file
-    const vk::SqlAttachment carriers(connection, {"dbCarriers", "carriers.sdb"});
+    const std::unique_ptr<vk::SqlAttachment> carriers =
+        connection.CanAttach(kCarriers) ? std::make_unique<vk::SqlAttachment>(connection, kCarriers) : nullptr;
     vk::InTransaction(connection, vk::TransactionLock::Exclusive, [&] {
-        if (HasColumn(connection, "is_secure")) // another process was faster
+        if (HasColumn(connection, kNewest)) // another process was faster
             return;
         connection.ExecuteUpdateQuery("ALTER TABLE receiver ADD is_secure BOOLEAN;");
-        connection.ExecuteUpdateQuery("UPDATE receiver SET is_secure=(CASE WHEN carrier_id IN (SELECT id FROM carrier "
-                                      "WHERE protocol_id IN (34, 35)) THEN 1 ELSE 0 END);");
+        connection.ExecuteUpdateQuery(
+            carriers ? "UPDATE receiver SET is_secure=(CASE WHEN carrier_id IN (SELECT id FROM carrier "
+                       "WHERE protocol_id IN (34, 35)) THEN 1 ELSE 0 END);"
+                     : "UPDATE receiver SET is_secure=0;");
         CloseOldHistory(connection);
     });
 }

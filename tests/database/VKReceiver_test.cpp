@@ -318,6 +318,11 @@ TEST_F(VKReceiverTest, AnOlderFileIsBroughtUpToDateAndKeepsItsRows)
     EXPECT_TRUE(read.is_secure) << "its carrier speaks MXP";
     ASSERT_TRUE(receivers->GetByName(&read, "other"));
     EXPECT_FALSE(read.is_secure);
+    receivers->SetFilter(FltEither, FltEither, FltOnlyDisabled);
+    std::vector<VK_NAME_RECORD> names;
+    receivers->GetNamesList(names);
+    EXPECT_EQ(names.size(), 2u) << "a column that came later is 0 in them, as conditions ask";
+    receivers->ClearFilter();
     EXPECT_EQ(
         Value("SELECT group_concat(disable_end_date, ' ') FROM (SELECT * FROM recv_disable_history ORDER BY id);"),
         "20 0 30 50 0")

@@ -1,9 +1,13 @@
 #include <gmock/gmock.h>
 
 #include "BackendDatabase.h"
+#include "VKCarrier.h"
+#include "VKDBiCarrier.h"
 #include "VKDBiXmppGWUser.h"
 #include "VKODBCResultSet.h"
 #include "VKRecordText.h"
+#include "VKSQLite3Database.h"
+#include "VKSQLite3Receiver.h"
 #include "VKStoreCopy.h"
 #include "VKTransactSqlDialect.h"
 
@@ -34,6 +38,7 @@ protected:
         const std::unique_ptr<VKDBiDepartment> departments(VKDBiDepartment::CreateInstance(&system));
         departments->Add(&department);
         const std::unique_ptr<VKDBiReceiver> store(VKDBiReceiver::CreateInstance(&system));
+        VK_RECEIVER_LIST list;
         for (int i = 0; i < receivers; ++i) {
             VK_RECEIVER receiver;
             vk::SetText(receiver.name, "r" + std::to_string(i), "name");
@@ -41,9 +46,12 @@ protected:
             receiver.department_id = i % 2 == 0 ? department.id : 0;
             if (i == 0)
                 AddDeptRights(&receiver, department.id);
-            store->Add(&receiver, true);
+            AddReceiver(&list, &receiver);
             EmptyReceiver(&receiver);
         }
+        std::vector<VKRefusedRecord> refused;
+        EXPECT_TRUE(store->AddAll(&list, false, refused));
+        EmptyReceiverList(&list);
         std::unique_ptr<VKDBiXmppGWUser>(VKDBiXmppGWUser::CreateInstance(&system));
     }
 
@@ -113,6 +121,27 @@ TEST_F(StoreCopyTest, AFamilyIsCopiedWholeOrNotAtAll)
     EXPECT_EQ(ErrorOf([&] { Copy(files, onServer); }).substr(2),
               "The row 1 of the table [receiver_dept] is refused by the target.");
     EXPECT_EQ(OnServer("SELECT COUNT(*) FROM VK_RECEIVER"), "0");
+}
+
+TEST_F(StoreCopyTest, WhatAnOlderVersionMadeIsBroughtUpToDateOnTheWay)
+{
+    VK_CARRIER carrier;
+    carrier.protocol_id = VKProtocolMxpOneWay;
+    std::unique_ptr<VKDBiCarrier>(VKDBiCarrier::CreateInstance(&system))->Add(&carrier);
+    std::string columns = VKSQLite3Receiver::tTableDesc[0].columns;
+    for (const std::string newer : {", advanced_messaging BOOLEAN, msg_encrypt_opt INTEGER", ", is_secure BOOLEAN"})
+        columns.erase(columns.find(newer), newer.size()); // misc_settings stays, so the order changes
+    {
+        VKSQLite3Database old(dir / "receivers.sdb", {{"receiver", columns}}, false);
+        VKSQLite3ResultSet result;
+        old.ExecuteUpdateQuery("INSERT INTO receiver VALUES (9, 'old', '', '1', '', 0, 0, 0, 1, 0, 0, '', 0, 0, 0, 0, 0, "
+                               "0, 0, 1, '', '', '', 0, 0, 0, 0, '', '', 0, '', '', '', 0, 0, 0, '{}');",
+                               result);
+    }
+    EXPECT_EQ(Copy(files, onServer), "carrier:1+0 receiver:1+0 ");
+    EXPECT_EQ(OnServer("SELECT misc_settings || advanced_messaging || msg_encrypt_opt || is_secure FROM VK_RECEIVER"),
+              "{}001")
+        << "its carrier speaks MXP";
 }
 
 TEST(Schema, TransactSqlHasKeysIndexesAndForeignKeys)
