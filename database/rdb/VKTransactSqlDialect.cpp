@@ -32,7 +32,7 @@ std::string TransactSqlDialect::PageOfTable(const std::string& columns, const st
 {
     return "SELECT * FROM (SELECT TOP " + std::to_string(offset + size) + " " + columns +
            ", ROW_NUMBER() OVER (ORDER BY " + order + ") as rnum FROM " + from + ") this_table WHERE rnum > " +
-           std::to_string(offset);
+           std::to_string(offset) + ";";
 }
 
 std::string TransactSqlDialect::WithFirstLetter(std::string_view column, char letter) const

@@ -24,9 +24,13 @@ public:
                             long offset) const override;
     std::string WithFirstLetter(std::string_view column, char letter) const override;
     std::string DeleteBehindNewest(const TableName& table, const std::string& condition, long kept) const override;
+    /// The procedure tells a failure by its result only, and asks for a transaction that has begun: a driver that
+    /// switches autocommit off begins one with the first look at a table.
     std::string HoldName(const std::string& name) const override
     {
-        return "EXEC sp_getapplock @Resource='" + name + "', @LockMode='Exclusive', @LockOwner='Transaction'";
+        return "DECLARE @held INT; SELECT @held = COUNT(id) FROM " + name + " WHERE id=0; EXEC @held = sp_getapplock " +
+               "@Resource='" + name + "', @LockMode='Exclusive', @LockOwner='Transaction'; " +
+               "SELECT ErrorCode = CASE WHEN @held < 0 THEN @held ELSE 0 END";
     }
     std::string SelectEnd() const override { return ""; }
     std::string InsertEnd() const override { return "; SELECT [id] = @@IDENTITY, ERRORCODE=@@ERROR "; }

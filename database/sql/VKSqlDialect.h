@@ -61,7 +61,8 @@ public:
     /// A query that gives a row when a table is there; the name may be one in an attached file.
     virtual std::string TableProbe(const TableName& table) const
     {
-        return std::string("SELECT table_name FROM information_schema.tables WHERE UPPER(table_name)='") +
+        // In capitals, since a server may tell letters of names apart.
+        return std::string("SELECT TABLE_NAME FROM INFORMATION_SCHEMA.TABLES WHERE UPPER(TABLE_NAME)='") +
                table.relational + "'";
     }
 
@@ -81,8 +82,8 @@ public:
         return "";
     }
 
-    /// The query that waits until no other transaction holds a name, and holds it until this one ends; empty where a
-    /// transaction that changes something is alone anyway.
+    /// The query that waits until no other transaction holds a table's name, and holds it until this one ends; empty
+    /// where a transaction that changes something is alone anyway.
     virtual std::string HoldName(const std::string& name) const
     {
         static_cast<void>(name);

@@ -68,6 +68,13 @@ void SqlStore::SwitchKeepIdentity(const TableName& table, bool on)
     }
 }
 
+void SqlStore::AbandonKeepIdentity(const TableName& table) noexcept
+try {
+    if (!Dialect().KeepIdentity(table, true).empty())
+        m_connection->ExecuteUpdateQuery(Dialect().KeepIdentity(table, false));
+} catch (...) { // what led here is told
+}
+
 void SqlStore::RequireSameId(unsigned long added, unsigned long old, const char* what)
 {
     if (added != old)

@@ -113,11 +113,17 @@ public:
         });
     }
 
-    /// Runs a body that inserts rows with the ids that they carry.
+    /// Runs a body that inserts rows with the ids that they carry. A body that fails leaves the connection as it was: no
+    /// rollback takes such a switch back.
     template <class Body> void KeepingIds(const TableName& table, Body&& body)
     {
         SwitchKeepIdentity(table, true);
-        body();
+        try {
+            body();
+        } catch (...) {
+            AbandonKeepIdentity(table);
+            throw;
+        }
         SwitchKeepIdentity(table, false);
     }
 
@@ -168,6 +174,7 @@ private:
     long RunUpdate(const std::string& text);
     unsigned long RunInsert(const std::string& text);
     void SwitchKeepIdentity(const TableName& table, bool on);
+    void AbandonKeepIdentity(const TableName& table) noexcept;
     static void RequireFitsLimit(const std::string& statement, std::size_t limit);
     static void RequireSameId(unsigned long added, unsigned long old, const char* what);
 

@@ -250,7 +250,7 @@ TEST_P(VKDepartmentTest, ListsAreOrderedFilteredAndPaged)
     EXPECT_EQ(names[0].id, 5u);
 }
 
-TEST_P(VKDepartmentFileTest, ADepartmentInUseIsNotDeleted)
+TEST_P(VKDepartmentTest, ADepartmentInUseIsNotDeleted)
 {
     const unsigned long own = Add(Department("Own"));
     const unsigned long guest = Add(Department("Guest"));
@@ -263,8 +263,10 @@ TEST_P(VKDepartmentFileTest, ADepartmentInUseIsNotDeleted)
     ASSERT_TRUE(std::unique_ptr<VKDBiReceiver>(VKDBiReceiver::CreateInstance(&system))->Add(&receiver, false));
     EmptyReceiver(&receiver);
 
-    for (const unsigned long used : {own, guest})
-        EXPECT_EQ(ErrorOf([&] { departments->Delete(used); }), "1000 Foreign Key constraints failed.");
+    for (const unsigned long used : {own, guest}) // a server keeps watch itself, and says it in its own words
+        EXPECT_THAT(ErrorOf([&] { departments->Delete(used); }),
+                    OnFiles() ? testing::HasSubstr("1000 Foreign Key constraints failed.")
+                              : testing::HasSubstr("DELETE FROM VK_DEPARTMENT"));
     EXPECT_TRUE(departments->Delete(empty));
     EXPECT_FALSE(departments->Delete(empty));
     EXPECT_EQ(departments->GetTotalRecordCount(), 2);

@@ -464,7 +464,9 @@ TEST(VKMessageQueueOnServer, SpeaksTheServersSqlToTheLetter)
 {
     NotedQueue queue;
     const std::string hold =
-        "EXEC sp_getapplock @Resource='VK_QUEUE_WAITING', @LockMode='Exclusive', @LockOwner='Transaction'";
+        "DECLARE @held INT; SELECT @held = COUNT(id) FROM VK_QUEUE_WAITING WHERE id=0; EXEC @held = sp_getapplock "
+        "@Resource='VK_QUEUE_WAITING', @LockMode='Exclusive', @LockOwner='Transaction'; "
+        "SELECT ErrorCode = CASE WHEN @held < 0 THEN @held ELSE 0 END";
     const std::string end = " SELECT ErrorCode = @@ERROR ";
     VK_MESSAGE_CONTENT content;
     vk::SetText(content.header.msg_name, "M.2.J'1.mxp", "msg_name");
@@ -493,7 +495,7 @@ TEST(VKMessageQueueOnServer, SpeaksTheServersSqlToTheLetter)
                             "SELECT * FROM (SELECT TOP 30 id, msg_name, last_modify_time, last_paging_queue_id, "
                             "ROW_NUMBER() OVER (ORDER BY priority ASC, last_modify_time ASC, create_time ASC) as rnum "
                             "FROM VK_QUEUE_WAITING " +
-                                ready + ") this_table WHERE rnum > 20",
+                                ready + ") this_table WHERE rnum > 20;",
                             "SELECT COUNT(id) FROM VK_QUEUE_WAITING " + ready, "commit"));
     queue.UnprocessMsgList("svc");
     const std::string owner = " WHERE last_lock_owner_svc_name='svc'", held = " AND (lock_time<>0 OR msg_status='R')";

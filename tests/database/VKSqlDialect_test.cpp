@@ -94,6 +94,8 @@ TEST(VKSqlDialect, MovedRowsSwitchTheServersIdentityOnAndOff)
               "Record ID mismatch while converting department records: New added record ID doesn't match with "
               "the old record ID.");
     EXPECT_EQ(departments.notes.back(), "rollback");
+    EXPECT_EQ(departments.notes.at(departments.notes.size() - 2), "SET IDENTITY_INSERT VK_DEPARTMENT OFF")
+        << "no rollback takes the switch back";
     list.list[0].id = 77;
     departments.connection->failing = "SET IDENTITY_INSERT VK_DEPARTMENT OFF";
     EXPECT_EQ(errorOf(), "Disabling IDENTITY_INSERT failed.");
