@@ -117,36 +117,41 @@ void queue_open(benchmark::State& state)
         installation.Open("bench").reset();
 }
 
-/// 100 ready messages among 100,000 whose time has not come.
-void FillForPoll(Installation& installation)
+constexpr int kReady = 100;
+
+/// 100 ready messages, and others whose time has not come.
+void FillForPoll(Installation& installation, int rows)
 {
     const auto queue = installation.Open("bench");
-    for (int i = 0; i < 100; ++i)
+    for (int i = 0; i < kReady; ++i)
         Add(*queue, "M.0.J" + std::to_string(i) + ".mxp");
     sqlite3* const handle = installation.OpenBare();
-    sqlite3_exec(handle,
-                 "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<99900) INSERT INTO "
-                 "queue_metadata (msg_name, msg_status, msg_query_count, msg_job_id, msg_protocol, last_modify_time, "
-                 "create_time, priority, next_query_time) SELECT 'Q.1.L'||i||'.mxp', 'Q', 1, 'L'||i, 'mxp', 1, 1, 3, "
-                 "4000000000 FROM n;",
-                 nullptr, nullptr, nullptr);
+    const std::string insert = "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i<" +
+                               std::to_string(rows - kReady) +
+                               ") INSERT INTO queue_metadata (msg_name, msg_status, msg_query_count, msg_job_id, "
+                               "msg_protocol, last_modify_time, create_time, priority, next_query_time) SELECT "
+                               "'Q.1.L'||i||'.mxp', 'Q', 1, 'L'||i, 'mxp', 1, 1, 3, 4000000000 FROM n;";
+    sqlite3_exec(handle, insert.c_str(), nullptr, nullptr, nullptr);
     sqlite3_close(handle);
 }
 
 /// As a messenger polls: whole headers.
-void queue_poll_100k(benchmark::State& state)
+void Poll(benchmark::State& state, int rows)
 {
     Installation installation;
-    FillForPoll(installation);
+    FillForPoll(installation, rows);
     const auto queue = installation.Open("bench");
     VK_MESSAGE_HEADER_LIST list;
     for (auto _ : state) {
         queue->GetReadyMsg(&list, true);
-        if (list.count != 100)
+        if (list.count != kReady)
             state.SkipWithError("not all that is ready was found");
     }
     EmptyMessageHeaderList(&list);
 }
+
+void queue_poll_100k(benchmark::State& state) { Poll(state, 100000); }
+void queue_poll_1k(benchmark::State& state) { Poll(state, 1000); }
 
 /// The statement of a poll, which has to find what is ready for whatever reason.
 std::string PollStatement()
@@ -181,7 +186,7 @@ template <class Take> void SelectBare(sqlite3* handle, benchmark::State& state, 
              reinterpret_cast<const char*>(sqlite3_column_text(statement, 1)));
     }
     sqlite3_finalize(statement);
-    if (rows != 100)
+    if (rows != kReady)
         state.SkipWithError("not all that is ready was found");
 }
 
@@ -189,7 +194,7 @@ template <class Take> void SelectBare(sqlite3* handle, benchmark::State& state, 
 void queue_poll_100k_bare(benchmark::State& state)
 {
     Installation installation;
-    FillForPoll(installation);
+    FillForPoll(installation, 100000);
     sqlite3* const handle = installation.OpenBare();
     for (auto _ : state) {
         sqlite3_exec(handle, "BEGIN EXCLUSIVE;", nullptr, nullptr, nullptr);
@@ -209,7 +214,7 @@ void queue_poll_100k_bare(benchmark::State& state)
 void queue_poll_100k_statement(benchmark::State& state)
 {
     Installation installation;
-    FillForPoll(installation);
+    FillForPoll(installation, 100000);
     sqlite3* const handle = installation.OpenBare();
     for (auto _ : state)
         SelectBare(handle, state, [](const char*, const char*) {});
@@ -268,6 +273,7 @@ BENCHMARK(queue_open)->Unit(benchmark::kMicrosecond);
 BENCHMARK(queue_add)->Unit(benchmark::kMicrosecond);
 BENCHMARK(queue_add_bare)->Unit(benchmark::kMicrosecond);
 BENCHMARK(queue_poll_100k)->Unit(benchmark::kMicrosecond);
+BENCHMARK(queue_poll_1k)->Unit(benchmark::kMicrosecond);
 BENCHMARK(queue_poll_100k_bare)->Unit(benchmark::kMicrosecond);
 BENCHMARK(queue_poll_100k_statement)->Unit(benchmark::kMicrosecond);
 BENCHMARK(queue_processes)->Arg(1)->Arg(2)->Arg(4)->Arg(8)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);

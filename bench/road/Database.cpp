@@ -60,11 +60,12 @@ Figure QueueAdd(Stage&)
 
 Figure QueuePoll(Stage&)
 {
-    const auto seconds = SecondsOf("^queue_poll_100k(_bare|_statement)?$");
+    const auto seconds = SecondsOf("^queue_poll_(1k|100k(_bare|_statement)?)$");
     const auto us = [&](const char* name) { return seconds.at(name) * 1e6; };
     return {us("queue_poll_100k"), us("queue_poll_100k_statement"),
             "bare with the tests for the files and the locks on the rows: " +
-                ShortNumber(us("queue_poll_100k_bare")) + " us"};
+                ShortNumber(us("queue_poll_100k_bare")) + " us; this one among 1,000 rows: " +
+                ShortNumber(us("queue_poll_1k")) + " us"};
 }
 
 Figure QueueProcesses(Stage&)
