@@ -35,16 +35,28 @@ MessageName MessageName::Parse(const std::string& name)
     return parts;
 }
 
-void RequireMessageName(const std::string& name)
+namespace {
+constexpr std::size_t kLongestName = 255;
+}
+
+bool IsFileName(const std::string& name)
 {
-    constexpr std::size_t kLongest = 255;
     const bool readable = std::none_of(name.begin(), name.end(), [](char c) {
         return c == '/' || static_cast<unsigned char>(c) < ' ' || c == '\x7f';
     });
-    if (name.empty() || name.size() > kLongest || !readable || name == "." || name == ".." || name == "lock" ||
-        IsQueueOwnFile(name))
+    return !name.empty() && name.size() <= kLongestName && readable && name != "." && name != "..";
+}
+
+bool IsMessageName(const std::string& name)
+{
+    return IsFileName(name) && name != "lock" && !IsQueueOwnFile(name);
+}
+
+void RequireMessageName(const std::string& name)
+{
+    if (!IsMessageName(name))
         throw VKDBexception(DbError::General, __FILE__, __LINE__,
-                            "The message name [" + name.substr(0, kLongest) +
+                            "The message name [" + name.substr(0, kLongestName) +
                                 "] is refused: it must be a file name of 1 to 255 bytes without a slash or a control "
                                 "character, and none of the queue's own files.");
 }

@@ -20,8 +20,13 @@ struct MessageName
     static MessageName Parse(const std::string& name);
 };
 
-/// Throws VKDBexception unless a name can be a message's: a file name of at most 255 bytes without slash or control
-/// character, none of the queue's own files, none that directories or their locks have.
+/// Whether a text can be the name of a file in a directory: 1 to 255 bytes without slash or control character.
+bool IsFileName(const std::string& name);
+
+/// Whether a name can be a message's: a file name, none of the queue's own files, none that directory locks have.
+bool IsMessageName(const std::string& name);
+
+/// Throws VKDBexception unless a name can be a message's.
 void RequireMessageName(const std::string& name);
 
 /// Whether a file in a queue's directory is the queue's own: the database and what stands beside it.

@@ -1,13 +1,15 @@
 #include "VKMsgQueueFileOperations.h"
 
+#include <cerrno>
 #include <cstdlib>
-#include <ctime>
+#include <system_error>
 #include <unistd.h>
 
 #include "VKDBexception.h"
 #include "VKDBsystem.h"
 #include "VKException.h"
 #include "VKMessageName.h"
+#include "VKSQLite3Retry.h"
 #include "VKioDirectory.h"
 #include "VKioFile.h"
 
@@ -47,7 +49,7 @@ template <class Attempt> bool Retried(Attempt&& attempt)
         } catch (const VKException&) { // not free yet, or gone for good: the last try decides
         }
         if (left > 1)
-            usleep(static_cast<useconds_t>(pauseMs * 1000));
+            vk::RetryPause(static_cast<unsigned int>(pauseMs * 1000));
         pauseMs *= 2;
     }
     return false;
@@ -119,7 +121,13 @@ bool VKMsgQueueFileOperations::ChangeName(const std::string& oldName, const std:
 
 bool VKMsgQueueFileOperations::CheckExists(const std::string& name) const
 {
-    return access(PathOf(name).c_str(), F_OK) == 0;
+    if (access(PathOf(name).c_str(), F_OK) == 0)
+        return true;
+    if (errno != ENOENT) // a row would go for good because of a right or a mount that is missing for now
+        throw VKDBexception(vk::DbError::General, __FILE__, __LINE__,
+                            "It is not known whether there is a message file [" + PathOf(name) + "]",
+                            std::generic_category().message(errno));
+    return false;
 }
 
 bool VKMsgQueueFileOperations::EmptyQueue()

@@ -41,6 +41,8 @@ public:
     /// Gives back the id of the new row.
     virtual unsigned long ExecuteInsertQuery(const std::string& query) = 0;
 
+    /// Why a transaction was last refused, to stand behind a colon.
+    virtual std::string WhyRefused() const { return "it is in use"; }
     virtual bool StartTransactionShared(const std::string& name, bool retry, int count, long sleepMs) = 0;
     virtual bool StartTransactionExclusive(const std::string& name, bool retry, int count, long sleepMs) = 0;
     virtual bool EndTransactionCommit(const std::string& name, bool retry, int count, long sleepMs) = 0;

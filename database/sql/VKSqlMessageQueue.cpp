@@ -280,7 +280,7 @@ bool SqlMessageQueue::GetImpl(VK_MESSAGE_HEADER_LIST* list, bool full, ReadyOpti
     const std::string filter = MessageFilterClause(m_store->Dialect(), m_filter, option, m_strService, now);
     const std::string order = MessageOrder(option, m_sortField, m_bAscending);
     const auto lock = TakesServiceName(option) ? TransactionLock::Exclusive : TransactionLock::Shared;
-    return InQueue(lock, [&] {
+    const auto read = [&] {
         Ids taken;
         Ids withoutBody;
         m_store->ForEachRow(PageStatement(full, filter, order), [&](const SqlRow& row) {
@@ -299,7 +299,13 @@ bool SqlMessageQueue::GetImpl(VK_MESSAGE_HEADER_LIST* list, bool full, ReadyOpti
             });
         CountPages(filter, list->count + static_cast<long>(withoutBody.size()), list->count);
         return true;
-    });
+    };
+    try {
+        return InQueue(lock, read);
+    } catch (...) { // nobody may send what it does not hold
+        EmptyMessageHeaderList(list);
+        throw;
+    }
 }
 
 std::string SqlMessageQueue::PageStatement(bool full, const std::string& filter, const std::string& order) const

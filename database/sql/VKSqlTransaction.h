@@ -74,7 +74,7 @@ auto InTransaction(Connection& connection, TransactionLock lock, Body&& body) ->
         if (!done)
             throw VKDBexception(DbError::General, __FILE__, __LINE__,
                                 std::string("Unable to ") + what + " a transaction on [" + connection.GetPath() +
-                                    "]: it is in use.");
+                                    "]: " + connection.WhyRefused() + ".");
     };
     require(transaction.IsOpen(), "start");
     if constexpr (std::is_void_v<decltype(body())>) {

@@ -26,22 +26,46 @@ void SQLite3Connection::RequireTaken(bool taken) const
                             m_database.GetLastErrorString());
 }
 
+/// Runs a statement.
+template <class Run> void SQLite3Connection::Watched(Run&& run)
+{
+    try {
+        RequireTaken(run());
+    } catch (const VKDBexception&) {
+        m_bDoubtful = true;
+        throw;
+    }
+}
+
+/// A handle never heals by itself: one that was opened without the right to write, before the directory was mounted
+/// again or a copy was restored in place of the file, stays what it is for good. Before a transaction it is replaced.
+void SQLite3Connection::OpenAnewWhenDoubtful()
+{
+    const bool anotherFile = !m_database.IsOpened() || m_database.IsStale();
+    if (!anotherFile && !m_bDoubtful)
+        return;
+    m_database.RefreshDatabase();
+    if (anotherFile)
+        m_database.CheckNCreateSchema(); // what stays missing tells with the next statement
+    m_bDoubtful = false;
+}
+
 std::unique_ptr<VKDBiResultSet> SQLite3Connection::ExecuteSelectQuery(const std::string& query)
 {
     auto result = std::make_unique<VKSQLite3ResultSet>();
-    RequireTaken(m_database.ExecuteSelectQuery(query, *result));
+    Watched([&] { return m_database.ExecuteSelectQuery(query, *result); });
     return result;
 }
 
 void SQLite3Connection::ForEachRow(const std::string& query, const SqlRowReader& take)
 {
-    RequireTaken(m_database.ForEachRow(query, take));
+    Watched([&] { return m_database.ForEachRow(query, take); });
 }
 
 long SQLite3Connection::ExecuteUpdateQuery(const std::string& query)
 {
     VKSQLite3ResultSet result;
-    RequireTaken(m_database.ExecuteUpdateQuery(query, result));
+    Watched([&] { return m_database.ExecuteUpdateQuery(query, result); });
     return result.GetEffectedRowsCount();
 }
 
@@ -49,17 +73,19 @@ unsigned long SQLite3Connection::ExecuteInsertQuery(const std::string& query)
 {
     VKSQLite3ResultSet result;
     unsigned long id = 0;
-    RequireTaken(m_database.ExecuteInsertQuery(query, result, id));
+    Watched([&] { return m_database.ExecuteInsertQuery(query, result, id); });
     return id;
 }
 
 bool SQLite3Connection::StartTransactionShared(const std::string& name, bool retry, int count, long sleepMs)
 {
+    OpenAnewWhenDoubtful();
     return m_database.StartTransactionShared(name, retry, count, sleepMs);
 }
 
 bool SQLite3Connection::StartTransactionExclusive(const std::string& name, bool retry, int count, long sleepMs)
 {
+    OpenAnewWhenDoubtful();
     return m_database.StartTransactionExclusive(name, retry, count, sleepMs);
 }
 
@@ -80,6 +106,7 @@ bool SQLite3Connection::CanAttach(const SqlFile& file)
 
 void SQLite3Connection::Attach(const SqlFile& file)
 {
+    OpenAnewWhenDoubtful(); // a new handle would not have it
     const std::string path = VKSQLite3Database::CreateTablePath(m_strDirectory, file.file);
     if (!CanAttach(file))
         throw VKDBexception(DbError::General, __FILE__, __LINE__, "Unable to open DB [" + path + "]",

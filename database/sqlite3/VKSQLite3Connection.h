@@ -24,6 +24,7 @@ public:
     void ForEachRow(const std::string& query, const SqlRowReader& take) override;
     long ExecuteUpdateQuery(const std::string& query) override;
     unsigned long ExecuteInsertQuery(const std::string& query) override;
+    std::string WhyRefused() const override { return m_database.WhyRefused(); }
     bool StartTransactionShared(const std::string& name, bool retry, int count, long sleepMs) override;
     bool StartTransactionExclusive(const std::string& name, bool retry, int count, long sleepMs) override;
     bool EndTransactionCommit(const std::string& name, bool retry, int count, long sleepMs) override;
@@ -36,9 +37,12 @@ public:
 
 private:
     void RequireTaken(bool taken) const;
+    template <class Run> void Watched(Run&& run);
+    void OpenAnewWhenDoubtful();
 
     std::string m_strDirectory;
     VKSQLite3Database m_database;
+    bool m_bDoubtful = false; ///< a statement failed: the handle may be at fault, not only the file
 };
 
 } // namespace vk

@@ -93,6 +93,7 @@ bool VKSQLite3Database::OpenDatabase(bool markReady)
             ClearError();
             sqlite3_extended_result_codes(m_pHandle, 1);
             m_bOpened = true;
+            m_bSettled = m_settings.empty();
             m_bReady = markReady;
             return true;
         }
@@ -131,6 +132,7 @@ void VKSQLite3Database::RefreshDatabase()
 {
     if (m_bOpened)
         CloseDatabase();
+    RefuseMissingDirectory();
     if (!OpenDatabase(false))
         throw VKDBexception(m_iLastErrorCode, __FILE__, __LINE__, "Unable to open DB [" + m_strPath + "]",
                             m_strLastError);
@@ -207,7 +209,43 @@ bool VKSQLite3Database::EnableAutoCommit() { return RunPlain("COMMIT;"); }
 
 bool VKSQLite3Database::SetSynchronousMode(int mode)
 {
-    return RunPlain("PRAGMA synchronous=" + std::to_string(mode) + ";");
+    return Set("PRAGMA synchronous=" + std::to_string(mode) + ";");
+}
+
+bool VKSQLite3Database::SetJournalMode(const std::string& mode) { return Set("PRAGMA journal_mode=" + mode + ";"); }
+
+bool VKSQLite3Database::Set(const std::string& setting)
+{
+    if (!RunPlain(setting))
+        return false;
+    m_settings.push_back(setting);
+    return true;
+}
+
+/// Gives a new handle the settings of the one before. Another process may have the file just now; then they wait.
+void VKSQLite3Database::Settle()
+{
+    if (m_bSettled || !m_bOpened)
+        return;
+    m_bSettled = true;
+    sqlite3_busy_timeout(m_pHandle, 0);
+    for (const std::string& setting : m_settings)
+        m_bSettled &= sqlite3_exec(m_pHandle, setting.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
+    sqlite3_busy_timeout(m_pHandle, kBusyTimeoutMs);
+}
+
+bool VKSQLite3Database::IsStale() const
+{
+    int moved = 0;
+    return m_bOpened && (sqlite3_db_readonly(m_pHandle, "main") == 1 ||
+                         (sqlite3_file_control(m_pHandle, "main", SQLITE_FCNTL_HAS_MOVED, &moved) == SQLITE_OK &&
+                          moved != 0));
+}
+
+std::string VKSQLite3Database::WhyRefused() const
+{
+    const int code = m_iLastErrorCode & 0xFF;
+    return code == SQLITE_OK || code == SQLITE_BUSY || code == SQLITE_LOCKED ? "it is in use" : m_strLastError;
 }
 
 bool VKSQLite3Database::DefineScalarSQLFunction(const std::string& name, ScalarFunction function, int argCount,
@@ -237,6 +275,13 @@ int VKSQLite3Database::StoreError(int code)
     m_iLastErrorCode = code;
     m_strLastError = code == SQLITE_OK ? "" : m_pHandle ? sqlite3_errmsg(m_pHandle) : sqlite3_errstr(code);
     return code;
+}
+
+/// Keeps what a statement failed with.
+void VKSQLite3Database::StoreError(const VKDBexception& failure)
+{
+    m_iLastErrorCode = failure.GetErrorCode();
+    m_strLastError = failure.GetSysMsg();
 }
 
 /// Keeps a result code with the text that came with it, which is freed; gives the code back.

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
 #include "VKSQLite3ResultSet.h"
 #include "VKSQLite3TableDesc.h"
@@ -10,6 +11,7 @@
 struct sqlite3;
 struct sqlite3_context;
 struct sqlite3_value;
+class VKDBexception;
 class VKsysEventLogInterface;
 
 /// What a transaction statement does.
@@ -57,6 +59,11 @@ public:
     int GetLastErrorCode() const { return m_iLastErrorCode; }
     const std::string& GetLastErrorString() const { return m_strLastError; }
     const std::string& GetPath() const { return m_strPath; }
+    /// Whether a new handle may do more: another file than the opened one has its path by now, or none, or it was opened
+    /// without the right to write.
+    bool IsStale() const;
+    /// Why a transaction was last refused, to stand behind a colon.
+    std::string WhyRefused() const;
     /// Kept, not used: no statement is logged here. The logger stays the caller's.
     void SetTraceLogger(VKsysEventLogInterface* logger) { m_pTraceLogger = logger; }
 
@@ -97,8 +104,10 @@ public:
     bool EnableAutoCommit();
     bool IsAutoCommitEnabled() const;
 
-    /// "PRAGMA synchronous": 0 off, 1 normal, 2 full.
+    /// "PRAGMA synchronous": 0 off, 1 normal, 2 full. Stays when the handle is replaced.
     bool SetSynchronousMode(int mode);
+    /// "PRAGMA journal_mode". Stays as well.
+    bool SetJournalMode(const std::string& mode);
 
     using ScalarFunction = void (*)(sqlite3_context*, int, sqlite3_value**);
     /// Makes a function callable from SQL; refuses an empty name and a null function. Lost with RefreshDatabase.
@@ -127,12 +136,17 @@ private:
                           long sleepMs);
     bool EndTransaction(int type, const char* statement, const std::string& name, bool retry, int count, long sleepMs);
     bool RunPlain(const std::string& statement);
+    bool Set(const std::string& setting);
+    void Settle();
     void ClearError();
     int StoreError(int code);
+    void StoreError(const VKDBexception& failure);
     int StoreError(int code, char* sqliteMessage);
 
     std::string m_strPath;
     sqlite3* m_pHandle = nullptr; ///< owned; open and close go through OpenDatabase and CloseDatabase only
+    std::vector<std::string> m_settings; ///< statements that each handle begins with
+    bool m_bSettled = true;              ///< the handle has them
     bool m_bOpened = false;
     bool m_bReady = false;
     bool m_bTransactionInProgress = false;

@@ -11,8 +11,10 @@
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 #include "VKDBexception.h"
+#include "VKMessageName.h"
 #include "VKSQLite3Retry.h"
 #include "VKSqlStore.h"
 
@@ -110,7 +112,7 @@ bool SQLite3MessageFiles::Exists(const std::string& name)
 {
     if (m_iDirectory < 0)
         m_iDirectory = open(m_files.GetQueuePath().c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
-    return m_iDirectory < 0 ? m_files.CheckExists(name) : faccessat(m_iDirectory, name.c_str(), F_OK, 0) == 0;
+    return (m_iDirectory >= 0 && faccessat(m_iDirectory, name.c_str(), F_OK, 0) == 0) || m_files.CheckExists(name);
 }
 
 void SQLite3MessageFiles::CloseDirectory() noexcept
@@ -145,10 +147,14 @@ void SQLite3MessageFiles::Write(const std::string& name, const VK_MESSAGE_CONTEN
     RequireDone(m_files.WriteMsgFileContent(name, &content), "written", name);
 }
 
+/// Without a file under the old name an undo would take the one under the new name, put back before, for it.
 void SQLite3MessageFiles::Move(const std::string& oldName, const std::string& newName)
 {
     if (oldName == newName)
         return;
+    const bool there = m_files.CheckExists(oldName);
+    errno = there ? 0 : ENOENT;
+    RequireDone(there, "renamed", oldName);
     BackUp({newName});
     Intend({{Change::Renamed, oldName, newName}});
     RequireDone(m_files.ChangeName(oldName, newName), "renamed", oldName);
@@ -247,13 +253,28 @@ void SQLite3MessageFiles::UndoLeftovers()
     while (std::getline(lines, line)) {
         const std::size_t first = line.find('\t');
         const std::size_t second = line.find('\t', first + 1);
-        if (first == 1 && second != std::string::npos)
-            m_changes.push_back({static_cast<Change::Kind>(line[0]), line.substr(2, second - 2),
-                                 line.substr(second + 1)});
+        if (first != 1 || second == std::string::npos)
+            continue;
+        const Change change{static_cast<Change::Kind>(line[0]), line.substr(2, second - 2), line.substr(second + 1)};
+        if (IsOwn(change)) // a damaged line must not turn against a message
+            m_changes.push_back(change);
     }
     UndoChanges();
     EmptyIntent();
     m_changes.clear();
+}
+
+bool SQLite3MessageFiles::IsOwn(const Change& change)
+{
+    static const std::string backups = std::string(kBackups) + "/";
+    if (!IsMessageName(change.from))
+        return false;
+    switch (change.kind) {
+    case Change::Written: return change.to.empty();
+    case Change::Renamed: return IsMessageName(change.to);
+    case Change::BackedUp: return change.to.rfind(backups, 0) == 0 && IsFileName(change.to.substr(backups.size()));
+    }
+    return false;
 }
 
 /// A file that was written in the place of one that was put aside goes when that one comes back. Deleting it would be
@@ -284,10 +305,17 @@ void SQLite3MessageFiles::DeleteLeftoverBackups() const
         fs::remove(entry->path(), ignored);
 }
 
+/// Whoever shares the queue must mean the same file, also when its directory was moved or mounted again.
 void SQLite3MessageFiles::OpenIntent()
 {
+    const std::string path = m_files.PathOf(kIntentFile);
+    struct stat opened{};
+    struct stat named{};
+    if (m_iIntent >= 0 && (fstat(m_iIntent, &opened) != 0 || stat(path.c_str(), &named) != 0 ||
+                           opened.st_ino != named.st_ino || opened.st_dev != named.st_dev))
+        close(std::exchange(m_iIntent, -1));
     if (m_iIntent < 0)
-        m_iIntent = open(m_files.PathOf(kIntentFile).c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+        m_iIntent = open(path.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
     RequireDone(m_iIntent >= 0, "opened", kIntentFile);
 }
 

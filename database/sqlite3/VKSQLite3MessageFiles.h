@@ -62,6 +62,7 @@ private:
     bool PutAside(const std::string& name, const std::string& backup) const;
     long ReadNumber() const;
     std::string ReadIntent(std::size_t most) const;
+    static bool IsOwn(const Change& change);
     void UndoLeftovers();
     void UndoChanges();
     void EmptyIntent();

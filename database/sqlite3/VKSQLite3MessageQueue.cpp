@@ -36,7 +36,7 @@ void UseFastJournal(vk::SQLite3Connection& connection)
 {
     const auto mode = connection.ExecuteSelectQuery("PRAGMA journal_mode=WAL;");
     if ((*mode)[0][0].GetValueString() != "wal")
-        connection.ExecuteSelectQuery("PRAGMA journal_mode=PERSIST;");
+        connection.Database().SetJournalMode("PERSIST");
 }
 
 } // namespace

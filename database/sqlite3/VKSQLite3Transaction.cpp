@@ -34,6 +34,7 @@ bool VKSQLite3Database::StartTransaction(int type, const char* statement, const 
 {
     if (!m_bOpened || m_bTransactionInProgress)
         return false;
+    Settle();
     m_bTransactionInProgress = AttemptTransaction(type, statement + name + ";", retry, count, sleepMs);
     return m_bTransactionInProgress;
 }
@@ -54,6 +55,7 @@ bool VKSQLite3Database::AttemptTransaction(int type, const std::string& query, b
     const bool starts = type == SqliteTransactionShared || type == SqliteTransactionExclusive;
     const bool known = type >= SqliteTransactionShared && type <= SqliteTransactionRollback;
     VKSQLite3ResultSet result;
+    VKDBexception last(SQLITE_OK, "");
     for (int left = count < 1 ? 1 : count; left > 0; --left) {
         try {
             if (ExecuteUpdateQuery(query, result))
@@ -61,9 +63,12 @@ bool VKSQLite3Database::AttemptTransaction(int type, const std::string& query, b
             RefreshDatabase();
             return false;
         } catch (const VKDBexception& failure) {
+            last = failure;
+            // A commit that a full or failing disk has ended is rolled back already: tried again it would only say so.
+            const bool over = type == SqliteTransactionCommit && IsAutoCommitEnabled();
             if (starts && failure.GetErrorCode() == SQLITE_READONLY) {
                 RefreshDatabase();
-            } else if (known && !vk::IsRetryable(failure.GetErrorCode())) {
+            } else if (known && (over || !vk::IsRetryable(failure.GetErrorCode()))) {
                 RefreshDatabase();
                 throw;
             }
@@ -73,5 +78,6 @@ bool VKSQLite3Database::AttemptTransaction(int type, const std::string& query, b
         vk::RetryPause(static_cast<unsigned int>(sleepMs * 1000));
     }
     RefreshDatabase();
+    StoreError(last); // why, for whoever tells it
     return false;
 }

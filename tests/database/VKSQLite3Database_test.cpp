@@ -6,10 +6,14 @@
 #include <unistd.h>
 
 #include "ChildProcess.h"
+#include "CountedPauses.h"
+#include "FileFaults.h"
 #include "TempDir.h"
 #include "VKDBexception.h"
 #include "VKSQLite3Database.h"
-#include "VKSQLite3Retry.h"
+
+using vktest::CountedPauses;
+using vktest::WithoutRootRights;
 
 namespace {
 
@@ -42,35 +46,6 @@ protected:
 
     TempDir dir;
     std::string path = dir / "notes.sdb";
-};
-
-/// Counts the pauses of the retry loops instead of spending them.
-class CountedPauses
-{
-public:
-    CountedPauses() : m_before(vk::SetRetrySleep([](unsigned int us) { ++count, total += us; })) { count = total = 0; }
-    ~CountedPauses() { vk::SetRetrySleep(m_before); }
-
-    static inline long count;
-    static inline long total;
-
-private:
-    vk::RetrySleep m_before;
-};
-
-/// Acts as a user without rights while it lives, so that file modes bind; root passes them otherwise.
-class WithoutRootRights
-{
-public:
-    WithoutRootRights() { m_changed = geteuid() == 0 && seteuid(65534) == 0; }
-    ~WithoutRootRights()
-    {
-        if (m_changed && seteuid(0) != 0)
-            abort();
-    }
-
-private:
-    bool m_changed;
 };
 
 } // namespace

@@ -1,0 +1,412 @@
+#include <gmock/gmock.h>
+
+#include <array>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <optional>
+#include <sqlite3.h>
+#include <sys/stat.h>
+
+#include "ChildProcess.h"
+#include "CountedPauses.h"
+#include "FileFaults.h"
+#include "MessageQueueStore.h"
+#include "VKSQLite3Database.h"
+
+using testing::HasSubstr;
+using vktest::CountedPauses;
+
+/// What may go wrong with the files of a queue: each operation, under each fault. It either works or throws an error that
+/// says what is wrong; nothing is lost, and once the fault is gone the same objects work on.
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using State = std::map<std::string, std::string>; ///< bodies by name
+
+/// The handle that SQLite opened last, for limits that only a connection itself can be given.
+sqlite3* s_newestHandle = nullptr;
+
+int NoteHandle(sqlite3* handle, const char**, const sqlite3_api_routines*)
+{
+    s_newestHandle = handle;
+    return SQLITE_OK;
+}
+
+class VKMessageQueueFaults : public MessageQueueStore
+{
+protected:
+    VKMessageQueueFaults()
+    {
+        sqlite3_auto_extension(reinterpret_cast<void (*)()>(NoteHandle));
+        fs::permissions(dir.Path(), fs::perms(0755)); // others may look for the queue, too
+        queue = Open(1);
+        path = queue->GetQueueName();
+        Fill();
+    }
+    ~VKMessageQueueFaults() override
+    {
+        sqlite3_cancel_auto_extension(reinterpret_cast<void (*)()>(NoteHandle));
+    }
+
+    void Fill()
+    {
+        queue->EmptyQueue();
+        for (const auto& [name, body] : kBefore)
+            Add(*queue, name, body);
+    }
+
+    /// All that is in the queue; rows and files must agree, for this handle and for one that is opened anew.
+    State Content(const std::string& what)
+    {
+        State content;
+        for (const std::string& name : Names(*queue))
+            content[name] = Body(*queue, name);
+        const auto other = Open(1, "other");
+        EXPECT_EQ(other->GetTotalRecordCount(), static_cast<long>(content.size())) << what;
+        std::set<std::string> names;
+        for (const auto& row : content)
+            names.insert(row.first);
+        EXPECT_EQ(Files(*other), names) << what;
+        return content;
+    }
+
+    static std::string WholeErrorOf(const std::function<void()>& operation)
+    {
+        try {
+            operation();
+            return "";
+        } catch (const VKDBexception& failure) {
+            return failure.what();
+        }
+    }
+
+    static bool Modify(VKDBiMessageQueue& queue, const std::string& oldName, const std::string& newName,
+                       const std::string& body)
+    {
+        VK_MESSAGE_CONTENT content;
+        vk::SetText(content.header.msg_name, newName, "msg_name");
+        AddMessageContent(&content, body);
+        const auto empty = [](VK_MESSAGE_CONTENT* one) { EmptyMessageContent(one); };
+        const std::unique_ptr<VK_MESSAGE_CONTENT, decltype(empty)> guard(&content, empty);
+        return queue.Modify(&content, oldName);
+    }
+
+    std::string File(const std::string& name) const { return path + "/" + name; }
+    static std::string ReadAll(const std::string& file)
+    {
+        std::ifstream in(file, std::ios::binary);
+        return {std::istreambuf_iterator<char>(in), {}};
+    }
+    static void WriteAll(const std::string& file, const std::string& text)
+    {
+        std::ofstream(file, std::ios::binary | std::ios::trunc) << text;
+    }
+
+    static inline const std::string kA = "M.0.A.mxp";
+    static inline const std::string kB = "M.0.B.mxp";
+    static inline const State kBefore = {{kA, "a"}, {kB, "b"}};
+
+    std::unique_ptr<VKDBiMessageQueue> queue;
+    std::string path;
+};
+
+/// An operation on the queue with the messages A and B, and what the queue holds behind it.
+struct Operation
+{
+    const char* name;
+    enum Kind { Change, Poll, List, Show } kind;
+    std::function<void(VKDBiMessageQueue&)> run;
+    State after;
+};
+
+/// How something breaks and is put right. `errors` are regular expressions of what the operations of each kind say
+/// meanwhile, on a queue that was open before and on one that is opened then; an empty one means that it works.
+struct Fault
+{
+    const char* name;
+    std::function<void()> begin;
+    std::function<void()> end;
+    std::array<const char*, 4> open;
+    std::array<const char*, 4> opened;
+};
+
+constexpr std::array<const char*, 4> All(const char* error) { return {error, error, error, error}; }
+
+} // namespace
+
+TEST_F(VKMessageQueueFaults, EachOperationTellsWhatIsWrongLosesNothingAndWorksWhenItIsRight)
+{
+    const std::string c = "M.0.C.mxp";
+    const Operation operations[] = {
+        {"add", Operation::Change, [&](auto& q) { Add(q, c, "c"); }, {{kA, "a"}, {kB, "b"}, {c, "c"}}},
+        {"replace", Operation::Change, [](auto& q) { Add(q, kA, "A2"); }, {{kA, "A2"}, {kB, "b"}}},
+        {"modify", Operation::Change, [](auto& q) { Modify(q, kB, "Q.1.B.mxp", "B2"); }, {{kA, "a"}, {"Q.1.B.mxp", "B2"}}},
+        {"morph", Operation::Change, [](auto& q) { q.Morph(kA, "R.", false, 0); }, {{"R.0.A.mxp", "a"}, {kB, "b"}}},
+        {"delete", Operation::Change, [](auto& q) { q.Delete(kB); }, {{kA, "a"}}},
+        {"poll", Operation::Poll, [](auto& q) { EXPECT_EQ(Ready(q).size(), 2u); }, kBefore},
+        {"list", Operation::List, [](auto& q) { EXPECT_EQ(Names(q).size(), 2u); }, kBefore},
+        {"show", Operation::Show, [](auto& q) { EXPECT_EQ(Body(q, kA), "a"); }, kBefore},
+    };
+    const std::string database = File("queue_metabase.sdb");
+    const std::string intent = File("queue_metabase.sdb-intent");
+    std::optional<vktest::WithoutRootRights> user;
+    std::optional<vktest::FilesEndAt> end;
+    std::string whole;
+    const auto modes = [&](mode_t directory, mode_t files) {
+        for (const auto& entry : fs::directory_iterator(path))
+            chmod(entry.path().c_str(), entry.is_directory() ? directory : files);
+        chmod(path.c_str(), directory);
+    };
+    const auto withoutRights = [&](mode_t directory, mode_t files) {
+        return [=, &user] {
+            modes(directory, files);
+            user.emplace();
+        };
+    };
+    const auto withRights = [&] {
+        user.reset();
+        chmod(path.c_str(), 0755);
+        modes(0755, 0644);
+    };
+    const auto damage = [&](std::function<void(std::string&)> change) {
+        return [&, change] {
+            whole = ReadAll(database);
+            std::string damaged = whole;
+            change(damaged);
+            std::fstream(database, std::ios::in | std::ios::out | std::ios::binary) << damaged;
+            fs::resize_file(database, damaged.size());
+        };
+    };
+    const auto restore = [&] { // as one does it with a copy, while no service runs
+        queue.reset();
+        for (const char* behind : {"-wal", "-shm"})
+            fs::remove(database + behind);
+        WriteAll(database + ".copy", whole);
+        fs::rename(database + ".copy", database);
+    };
+    std::unique_ptr<Signal> release;
+    std::unique_ptr<ChildProcess> holder;
+    const char* const noIntent = "intent\\] cannot be opened.: (Permission denied|No such file|Is a directory)";
+    const Fault faults[] = {
+        {"locked by another process",
+         [&] {
+             sqlite3_busy_timeout(s_newestHandle, 0); // a minute within each attempt otherwise
+             release = std::make_unique<Signal>();
+             const Signal locked;
+             holder = std::make_unique<ChildProcess>([&] {
+                 VKSQLite3Database other(database, true);
+                 if (!other.StartTransactionExclusive("", false, 1, 1))
+                     return 1;
+                 locked.Send();
+                 return release->Await() ? 0 : 2;
+             });
+             ASSERT_TRUE(locked.Await());
+         },
+         [&] {
+             release->Send();
+             EXPECT_EQ(holder->Wait(), 0);
+         },
+         All("Unable to start a transaction on .*queue_metabase.sdb\\]: it is in use"), {}},
+        {"read-only", withoutRights(0555, 0444), withRights,
+         {"cannot be (written|put aside|renamed).: Permission denied", "", "", ""},
+         All("attempt to write a readonly database")},
+        {"directory without rights", withoutRights(0, 0644), withRights, All(noIntent),
+         All("Unable to open DB .*queue_metabase.sdb\\]")},
+        {"disk full at once", [&] { end.emplace(1); }, [&] { end.reset(); },
+         {"disk I/O error|intent\\] cannot be written.: File too large", "disk I/O error", "", ""},
+         All("disk I/O error")},
+        {"disk full at the end", [&] { end.emplace(fs::file_size(database + "-wal")); }, [&] { end.reset(); },
+         {"disk I/O error", "disk I/O error", "", ""}, {}},
+        {"header overwritten", damage([](std::string& text) { text.replace(0, 100, 100, 'j'); }), restore,
+         {}, All("Unable to open DB .*queue_metabase.sdb\\]: file is not a database")},
+        {"pages overwritten",
+         damage([](std::string& text) { text.replace(4096, text.size() - 4096, text.size() - 4096, 'j'); }),
+         restore, {}, All("database disk image is malformed")},
+        {"cut short", damage([](std::string& text) { text.resize(4096); }), restore,
+         {}, All("Unable to open DB .*queue_metabase.sdb\\]: database disk image is malformed")},
+        {"directory away", [&] { fs::rename(path, path + ".away"); }, [&] { fs::rename(path + ".away", path); },
+         All(noIntent), All("Invalid queue path \\[")},
+        {"another directory in its place",
+         [&] {
+             fs::rename(path, path + ".away");
+             fs::create_directory(path);
+             WriteAll(database, std::string(200, 'j'));
+         },
+         [&] {
+             fs::remove_all(path);
+             fs::rename(path + ".away", path);
+         },
+         All("Unable to start a transaction on .*queue_metabase.sdb\\]: file is not a database"),
+         All("Unable to open DB .*queue_metabase.sdb\\]: file is not a database")},
+        {"body without rights",
+         [&] {
+             withoutRights(0777, 0666)();
+             user.reset();
+             chmod(File(kA).c_str(), 0);
+             user.emplace();
+         },
+         withRights, {"", "", "", "message \\[M.0.A.mxp\\] cannot be read"}, {"", "", "", "\\] cannot be read"}},
+        {"intent without rights",
+         [&] {
+             chmod(intent.c_str(), 0);
+             queue.reset();
+             modes(0777, 0666);
+             chmod(intent.c_str(), 0);
+             user.emplace();
+             queue = Open(1);
+         },
+         withRights, All(noIntent), {}},
+        {"intent a directory",
+         [&] {
+             fs::remove(intent);
+             fs::create_directory(intent);
+         },
+         [&] { fs::remove(intent); }, All(noIntent), All(noIntent)},
+        {"intent deleted", [&] { fs::remove(intent); }, [] {}, All(""), All("")},
+    };
+    for (const Fault& fault : faults)
+        for (const Operation& operation : operations)
+            for (const bool open : {true, false}) {
+                const char* const expected = (open ? fault.open : fault.opened)[operation.kind];
+                if (expected == nullptr)
+                    continue;
+                const std::string what = std::string(operation.name) + ", " + fault.name + (open ? "" : ", opened then");
+                SCOPED_TRACE(what);
+                queue = Open(1);
+                Fill();
+                if (!open)
+                    queue.reset();
+                const CountedPauses pauses;
+                fault.begin();
+                const std::string error = WholeErrorOf([&] {
+                    if (!open)
+                        queue = Open(1);
+                    operation.run(*queue);
+                });
+                fault.end();
+                EXPECT_THAT(error, testing::ContainsRegex(*expected == '\0' ? "^$" : expected));
+                if (queue == nullptr)
+                    queue = Open(1);
+                EXPECT_EQ(WholeErrorOf([&] {
+                              EXPECT_EQ(Content(what), error.empty() ? operation.after : kBefore);
+                              if (!error.empty())
+                                  operation.run(*queue);
+                              EXPECT_EQ(Content(what), operation.after);
+                          }),
+                          "");
+            }
+}
+
+TEST_F(VKMessageQueueFaults, ABodyThatDoesNotFitLeavesTheOneItWasToReplace)
+{
+    const std::string big(300000, 'x');
+    const auto errorOf = [&](const std::function<void()>& change) {
+        const vktest::FilesEndAt end(200000);
+        const CountedPauses pauses;
+        const std::string error = WholeErrorOf(change);
+        EXPECT_EQ(pauses.total, 2046000) << "eleven tries";
+        return error;
+    };
+    for (const std::function<void()>& change :
+         {std::function<void()>([&] { Add(*queue, kA, big); }), std::function<void()>([&] { Modify(*queue, kB, kB, big); }),
+          std::function<void()>([&] { Modify(*queue, kB, kA, big); }),
+          std::function<void()>([&] { Add(*queue, "M.0.C.mxp", big); })}) {
+        EXPECT_THAT(errorOf(change), HasSubstr("cannot be written.: File too large"));
+        EXPECT_EQ(Content("undone"), kBefore);
+        EXPECT_EQ(Content("looked at once more"), kBefore);
+    }
+}
+
+TEST_F(VKMessageQueueFaults, AFullDatabaseKeepsWhatItHasAndGoesOnWhenThereIsRoom)
+{
+    sqlite3_exec(s_newestHandle, "PRAGMA max_page_count=14;", nullptr, nullptr, nullptr); // as if the disk ended there
+    State stored = kBefore;
+    std::string error;
+    for (int i = 0; error.empty() && i < 1000; ++i) {
+        const std::string name = "M.0.J" + std::to_string(i) + ".mxp";
+        error = WholeErrorOf([&] { Add(*queue, name, "x"); });
+        if (error.empty())
+            stored[name] = "x";
+    }
+    EXPECT_THAT(error, HasSubstr("database or disk is full"));
+    EXPECT_GT(stored.size(), kBefore.size());
+    EXPECT_EQ(Content("full"), stored);
+    EXPECT_EQ(Ready(*queue).size(), stored.size());
+    for (int i = 0; i < 20; ++i) {
+        const std::string name = stored.rbegin()->first;
+        EXPECT_TRUE(queue->Delete(name));
+        stored.erase(name);
+    }
+    Add(*queue, "M.0.after.mxp", "x");
+    stored["M.0.after.mxp"] = "x";
+    EXPECT_EQ(Content("with room again"), stored);
+}
+
+TEST_F(VKMessageQueueFaults, ALockIsWaitedForAsLongAsTold)
+{
+    const Signal locked;
+    const Signal release;
+    ChildProcess holder([&] {
+        VKSQLite3Database other(File("queue_metabase.sdb"), true);
+        if (!other.StartTransactionExclusive("", false, 1, 1))
+            return 1;
+        locked.Send();
+        return release.Await() ? 0 : 2;
+    });
+    ASSERT_TRUE(locked.Await());
+    sqlite3_busy_timeout(s_newestHandle, 0);
+    const CountedPauses pauses([&](long count) {
+        if (count == 3999) { // the last attempt gets it
+            release.Send();
+            EXPECT_EQ(holder.Wait(), 0);
+        }
+    });
+    Add(*queue, "M.0.C.mxp", "c");
+    EXPECT_EQ(pauses.total, 3999l * 30000);
+    EXPECT_EQ(Body(*queue, "M.0.C.mxp"), "c");
+}
+
+TEST_F(VKMessageQueueFaults, WhatIsWrittenInTheIntentIsUndoneOnceOrTwiceButNeverTurnsAgainstAMessage)
+{
+    const std::string intent = File("queue_metabase.sdb-intent");
+    long committed = 0;
+    {
+        VKSQLite3Database file(File("queue_metabase.sdb"), true);
+        VKSQLite3ResultSet result;
+        file.ExecuteSelectQuery("PRAGMA user_version;", result);
+        committed = result[0][0].GetValueLong();
+    }
+    const std::string begun = std::to_string(committed + 1) + "\n";
+    const std::string undo = "queue_metabase.sdb-undo/" + std::to_string(committed + 1) + "-0";
+    const std::string lines[] = {
+        std::string("\xff\0\n\t\n\t\t\n", 8),                       // garbage
+        std::string(100000, 'j'),
+        begun + "B\t" + kA + "\t" + kB + "\n",                        // aimed at what is no backup
+        begun + "B\t" + kA + "\t" + undo + "/../" + kB + "\n",
+        begun + "W\t../slot0/" + kA + "\t\n" + "N\t../x\t" + kB + "\n" + "X\t" + kA + "\t" + kB + "\n",
+        std::to_string(committed) + "\nW\t" + kA + "\t\n",            // committed
+        begun + "W\t" + kA,                                           // died while the line was written
+        begun + "B\t" + kA + "\t" + undo + "\n",                      // died before, and while undoing, behind each step
+        begun + "B\t" + kA + "\t" + undo + "\nW\t" + kA + "\t\n",
+        begun + "W\tM.0.new.mxp\t\n",
+        begun + "N\t" + kA + "\tR.0.A.mxp\n",
+        begun + "B\t" + kB + "\t" + undo + "\nN\t" + kA + "\t" + kB + "\n",
+    };
+    for (const std::string& text : lines) {
+        WriteAll(intent, text);
+        EXPECT_EQ(Content(text.substr(0, 80)), kBefore) << text.substr(0, 80);
+    }
+    fs::create_directory(File("queue_metabase.sdb-undo"));
+    // In the middle of replacing A: put aside, and half of the new one written.
+    fs::rename(File(kA), File(undo));
+    WriteAll(File(kA), "A");
+    WriteAll(intent, begun + "B\t" + kA + "\t" + undo + "\nW\t" + kA + "\t\n");
+    EXPECT_EQ(Content("put back"), kBefore);
+    // A row without its file is to be renamed to the name of another message.
+    fs::remove(File(kA));
+    EXPECT_THAT(WholeErrorOf([&] { queue->UpdateName(kA, kB); }), HasSubstr("cannot be renamed"));
+    EXPECT_EQ(Content("nothing to rename"), (State{{kB, "b"}}));
+}
