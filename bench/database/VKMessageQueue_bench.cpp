@@ -221,48 +221,89 @@ void queue_poll_100k_statement(benchmark::State& state)
     sqlite3_close(handle);
 }
 
-/// Processes that take all messages of one queue, ten at a time, and delete them.
+/// Processes that tell each other a step with a byte.
+class Step
+{
+public:
+    Step()
+    {
+        if (pipe(m_ends) != 0)
+            std::abort();
+    }
+    ~Step()
+    {
+        close(m_ends[0]);
+        close(m_ends[1]);
+    }
+    Step(const Step&) = delete;
+    Step& operator=(const Step&) = delete;
+
+    void Tell(int times) const
+    {
+        for (char byte = 0; times > 0; --times)
+            if (write(m_ends[1], &byte, 1) != 1)
+                std::abort();
+    }
+    void Await(int times) const
+    {
+        for (char byte = 0; times > 0; --times)
+            if (read(m_ends[0], &byte, 1) != 1)
+                std::abort();
+    }
+
+private:
+    int m_ends[2];
+};
+
+/// Takes ten messages and deletes them; false when there are none.
+bool TakeTen(VKDBiMessageQueue& queue)
+{
+    VK_MESSAGE_HEADER_LIST list;
+    queue.SetFilter(10, 1);
+    const bool some = queue.GetReadyMsg(&list, false) && list.count > 0;
+    if (some)
+        queue.DeleteMsgList(&list);
+    EmptyMessageHeaderList(&list);
+    return some;
+}
+
+/// Processes that take all messages of one queue, ten at a time, and delete them. Each has taken its first ten before
+/// the clock runs: services run for months.
 void queue_processes(benchmark::State& state)
 {
     constexpr int kMessages = 1000;
+    const int processes = static_cast<int>(state.range(0));
     for (auto _ : state) {
         Installation installation;
         {
             const auto queue = installation.Open("fill");
-            for (int i = 0; i < kMessages; ++i)
+            for (int i = 0; i < kMessages + 10 * processes; ++i)
                 Add(*queue, "M.0.J" + std::to_string(i) + ".mxp");
         }
-        int ready[2];
-        int go[2];
-        if (pipe(ready) != 0 || pipe(go) != 0)
-            std::abort();
+        const Step ready;
+        const Step start;
+        const Step done;
         std::vector<pid_t> children;
-        for (int p = 0; p < state.range(0); ++p) {
+        for (int p = 0; p < processes; ++p) {
             children.push_back(fork());
             if (children.back() != 0)
                 continue;
-            close(go[1]);
             const auto queue = installation.Open("svc" + std::to_string(p));
-            queue->SetFilter(10, 1);
-            char byte = 0;
-            if (write(ready[1], &byte, 1) != 1 || read(go[0], &byte, 1) != 0) // the start is the end of the pipe
-                std::abort();
-            VK_MESSAGE_HEADER_LIST list;
-            while (queue->GetReadyMsg(&list, false) && list.count > 0)
-                queue->DeleteMsgList(&list);
+            TakeTen(*queue);
+            ready.Tell(1);
+            start.Await(1);
+            while (TakeTen(*queue)) {
+            }
+            done.Tell(1);
             _exit(0);
         }
-        for (std::size_t p = 0; p < children.size(); ++p)
-            if (char byte = 0; read(ready[0], &byte, 1) != 1)
-                std::abort();
-        const auto start = std::chrono::steady_clock::now();
-        close(go[1]);
+        ready.Await(processes);
+        const auto began = std::chrono::steady_clock::now();
+        start.Tell(processes);
+        done.Await(processes);
+        state.SetIterationTime(std::chrono::duration<double>(std::chrono::steady_clock::now() - began).count());
         for (const pid_t child : children)
             waitpid(child, nullptr, 0);
-        state.SetIterationTime(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
-        close(go[0]);
-        close(ready[0]);
-        close(ready[1]);
     }
     state.SetItemsProcessed(state.iterations() * kMessages);
 }
