@@ -95,8 +95,10 @@ namespace vk {
 inline constexpr Table kReceiverTable{
     kReceiverName,
     Fields(Field<&VK_RECEIVER::id>("id", PrimaryKey{}),
-           Field<&VK_RECEIVER::name>("name", NotNull{}, Indexed{"ix_receiver_name"}),
-           Field<&VK_RECEIVER::description>("description", NotNull{}), Field<&VK_RECEIVER::pin>("pin", NotNull{}),
+           Field<&VK_RECEIVER::name>("name", NotNull{}, Indexed{"ix_receiver_name"},
+                                     IndexedNoCase{"ix_receiver_name_nocase"}),
+           Field<&VK_RECEIVER::description>("description", NotNull{}),
+           Field<&VK_RECEIVER::pin>("pin", NotNull{}, IndexedNoCase{"ix_receiver_pin_nocase"}),
            Field<&VK_RECEIVER::email>("email", NotNull{}), Field<&VK_RECEIVER::type>("type"),
            Field<&VK_RECEIVER::ldap>("ldap"), Field<&VK_RECEIVER::two_way>("two_way"),
            Field<&VK_RECEIVER::carrier_id>("carrier_id", Indexed{"ix_receiver_carr_id"}),

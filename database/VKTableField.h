@@ -63,6 +63,12 @@ struct Indexed
     const char* name;
 };
 
+/// There is an index of this name that serves tests of the column without regard to case.
+struct IndexedNoCase
+{
+    const char* name;
+};
+
 enum class Reference {
     Row,        ///< of a row that must be there, and cannot go while it is referred to
     RowOrZero,  ///< the same, but 0 stands for none

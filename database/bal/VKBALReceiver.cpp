@@ -68,20 +68,26 @@ bool VKBALReceiver::ModifyImpl(VK_RECEIVER* receiver, unsigned long oldDepartmen
 
 void VKBALReceiver::CheckBALConstraints(const VK_RECEIVER& receiver, bool isNew)
 {
-    vk::ReceiverRules(
-        *m_pImplementation, [this](unsigned long carrierId) { return ProtocolOf(carrierId); },
-        [this](unsigned long id, const std::string& pin, unsigned long carrierId) {
-            return ValidateReceiverPin(id, pin, carrierId);
-        })
+    vk::KnownCarriers carriers(*m_pImplementation);
+    Check(receiver, isNew, carriers);
+}
+
+void VKBALReceiver::Check(const VK_RECEIVER& receiver, bool isNew, vk::KnownCarriers& carriers)
+{
+    vk::ReceiverRules(*m_pImplementation, carriers,
+                      [&](unsigned long id, const std::string& pin, unsigned long carrierId) {
+                          return IsPinValid(id, pin, carriers.Find(carrierId));
+                      })
         .Check(receiver, isNew);
 }
 
 bool VKBALReceiver::AddAll(VK_RECEIVER_LIST* list, bool checkOnly, std::vector<VKRefusedRecord>& refused)
 {
     refused.clear();
-    vk::ReceiverListRules together(*m_pImplementation);
+    vk::KnownCarriers carriers(*m_pImplementation);
+    vk::ReceiverListRules together(*m_pImplementation, carriers);
     for (int i = 0; m_iValidationMode != kWithoutValidation && i < list->count; ++i) {
-        std::string reasons = BrokenBy([&] { CheckBALConstraints(list->list[i], true); });
+        std::string reasons = BrokenBy([&] { Check(list->list[i], true, carriers); });
         reasons += BrokenBy([&] { together.Check(list->list[i], i); });
         if (!reasons.empty())
             refused.push_back({i, reasons});
@@ -102,29 +108,24 @@ bool VKBALReceiver::Delete(unsigned long id, unsigned long departmentId)
     return m_pImplementation->Delete(id, departmentId);
 }
 
-/// 0 for none, for a special carrier, and for one that is not there.
-int VKBALReceiver::ProtocolOf(unsigned long carrierId)
-{
-    if (carrierId == 0 || carrierId >= VK_FAX_CARRIER_ID)
-        return 0;
-    VK_CARRIER carrier;
-    return m_pImplementation->GetCarrier(&carrier, carrierId) ? carrier.protocol_id : 0;
-}
-
 bool VKBALReceiver::ValidateReceiverPin(unsigned long receiverId, const std::string& pin, unsigned long carrierId)
 {
+    vk::KnownCarriers carriers(*m_pImplementation);
+    return IsPinValid(receiverId, pin, carriers.Find(carrierId));
+}
+
+/// Where there is no carrier, or none that is there, nothing says what a PIN looks like.
+bool VKBALReceiver::IsPinValid(unsigned long receiverId, const std::string& pin, const VK_CARRIER* carrier)
+{
     constexpr int hexadecimal = 16;
-    if (carrierId == 0 || carrierId >= VK_FAX_CARRIER_ID)
+    if (carrier == nullptr)
         return true;
-    VK_CARRIER carrier;
-    if (!m_pImplementation->GetCarrier(&carrier, carrierId))
-        return true;
-    const bool isOai = carrier.protocol_id == VKProtocolOaiOneWay || carrier.protocol_id == VKProtocolOaiTwoWay;
+    const bool isOai = carrier->protocol_id == VKProtocolOaiOneWay || carrier->protocol_id == VKProtocolOaiTwoWay;
     if (isOai && !IsOaiNumber(pin, hexadecimal))
         return false;
-    if (IsMxpProtocol(carrier.protocol_id) && !ValidatePinForMXPReceiver(pin, receiverId))
+    if (IsMxpProtocol(carrier->protocol_id) && !ValidatePinForMXPReceiver(pin, receiverId))
         return false;
-    return ValidatePinAgainstPinTemplate(pin, carrier.pin_template);
+    return ValidatePinAgainstPinTemplate(pin, carrier->pin_template);
 }
 
 bool VKBALReceiver::ValidatePinForMXPReceiver(const std::string& pin, unsigned long receiverId)

@@ -5,6 +5,10 @@
 
 #include "VKReceiverForwarding.h"
 
+namespace vk {
+class KnownCarriers;
+}
+
 /// The receivers behind their rules: forwards every operation to the layer below, and refuses what breaks a rule.
 class VKBALReceiver : public vk::ReceiverForwarding
 {
@@ -32,6 +36,7 @@ public:
     static bool ValidatePinForOAIReceiver(const std::string& pin);
 
 private:
-    int ProtocolOf(unsigned long carrierId);
+    void Check(const VK_RECEIVER& receiver, bool isNew, vk::KnownCarriers& carriers);
+    bool IsPinValid(unsigned long receiverId, const std::string& pin, const VK_CARRIER* carrier);
     void CheckAttribute(const VK_ATTRIBUTE& attribute);
 };

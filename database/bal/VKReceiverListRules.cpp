@@ -49,15 +49,14 @@ void ReceiverListRules::CheckNames(const VK_RECEIVER& receiver, int index, Broke
                            " of the list as well. Enter one that no other receiver has.");
     };
     check(m_names, GetText(receiver.name, sizeof receiver.name, "name"), "device name");
-    const VK_CARRIER* const carrier = CarrierOf(receiver.carrier_id);
-    if (carrier != nullptr && IsMxpProtocol(carrier->protocol_id))
+    if (IsMxpProtocol(m_carriers.ProtocolOf(receiver.carrier_id)))
         check(m_addresses, GetText(receiver.pin, sizeof receiver.pin, "pin"), "PIN");
 }
 
 void ReceiverListRules::CheckReferences(const VK_RECEIVER& receiver, BrokenRules& broken)
 {
     const auto lacksCarrier = [&](unsigned long id) {
-        return id != 0 && id != VK_FAX_CARRIER_ID && id != VK_VOICE_CARRIER_ID && CarrierOf(id) == nullptr;
+        return id != 0 && id != VK_FAX_CARRIER_ID && id != VK_VOICE_CARRIER_ID && m_carriers.Find(id) == nullptr;
     };
     AddMissing(lacksCarrier(receiver.carrier_id), "carrier_id", "carrier", receiver.carrier_id, broken);
     AddMissing(lacksCarrier(receiver.bk_carrier_id), "bk_carrier_id", "carrier", receiver.bk_carrier_id, broken);
@@ -81,11 +80,6 @@ void ReceiverListRules::CheckLimit(unsigned long departmentId, BrokenRules& brok
         CountInDepartment(departmentId) >= department->max_receivers)
         broken.AddText("Department maximum receivers limit exceeds.");
     ++(*m_counts)[departmentId];
-}
-
-const VK_CARRIER* ReceiverListRules::CarrierOf(unsigned long id)
-{
-    return Known(m_knownCarriers, id, [&](VK_CARRIER& carrier) { return m_receivers.GetCarrier(&carrier, id); });
 }
 
 const VK_DEPARTMENT* ReceiverListRules::DepartmentOf(unsigned long id)

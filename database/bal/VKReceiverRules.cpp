@@ -80,9 +80,8 @@ bool CoversAnyone(VKDBiReceiver& receivers, unsigned long id)
     return std::any_of(covered.begin(), covered.end(), IsCovered);
 }
 
-ReceiverRules::ReceiverRules(VKDBiReceiver& receivers, ProtocolOf protocolOf, IsPinValid isPinValid)
-    : m_receivers(receivers), m_protocolOf(std::move(protocolOf)), m_isPinValid(std::move(isPinValid)),
-      m_now(time(nullptr))
+ReceiverRules::ReceiverRules(VKDBiReceiver& receivers, KnownCarriers& carriers, IsPinValid isPinValid)
+    : m_receivers(receivers), m_carriers(carriers), m_isPinValid(std::move(isPinValid)), m_now(time(nullptr))
 {
 }
 
@@ -110,7 +109,7 @@ void ReceiverRules::Check(const VK_RECEIVER& receiver, bool isNew)
     CheckPeriod(receiver, isNew);
     AddIf(VKDBiDepartment::s_bRecLimit && receiver.department_id == 0, 1132); // it would escape all limits
     AddIf(receiver.carrier_id == VK_VOICE_CARRIER_ID && receiver.type != VKReceiverAlpha, 1133);
-    AddIf(m_protocolOf(receiver.carrier_id) == VKProtocolVoip && receiver.type == VKReceiverFax, 1153);
+    AddIf(m_carriers.ProtocolOf(receiver.carrier_id) == VKProtocolVoip && receiver.type == VKReceiverFax, 1153);
     AddIf(!VKBALUtility::IsValidUserName(TextOf(receiver.acct_name, "acct_name")), 1167);
     m_broken.ThrowIfAny();
 }
@@ -156,7 +155,7 @@ void ReceiverRules::CheckName(const VK_RECEIVER& receiver)
         m_broken.Add(1111);
     AddIf(VKBALUtility::IsBlank(TextOf(receiver.pin, "pin")), 1113);
     const bool needsMail =
-        receiver.advanced_messaging && receiver.carrier_id != 0 && !IsMxpProtocol(m_protocolOf(receiver.carrier_id));
+        receiver.advanced_messaging && receiver.carrier_id != 0 && !IsMxpProtocol(m_carriers.ProtocolOf(receiver.carrier_id));
     AddIf(needsMail && VKBALUtility::IsBlank(TextOf(receiver.email, "email")), 1171);
     AddIf(!VKutilDatabase::IsUniqueDeviceName(name, receiver.id, m_receivers), 1114);
 }
@@ -189,7 +188,7 @@ void ReceiverRules::CheckBackup(const VK_RECEIVER& receiver)
         return;
     AddIf(receiver.bk_carrier_id == 0, 1121);
     AddIf(VKBALUtility::IsBlank(TextOf(receiver.bk_pin, "bk_pin")),
-          IsMxpProtocol(m_protocolOf(receiver.bk_carrier_id)) ? 1172 : 1122);
+          IsMxpProtocol(m_carriers.ProtocolOf(receiver.bk_carrier_id)) ? 1172 : 1122);
     AddIf(receiver.bk_carrier_id != 0 && receiver.bk_carrier_id == receiver.carrier_id, 1123);
 }
 

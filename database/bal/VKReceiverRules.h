@@ -5,6 +5,7 @@
 
 #include "VKBALMessages.h"
 #include "VKDBiReceiver.h"
+#include "VKKnownCarriers.h"
 
 namespace vk {
 
@@ -15,11 +16,10 @@ bool CoversAnyone(VKDBiReceiver& receivers, unsigned long id);
 class ReceiverRules
 {
 public:
-    using ProtocolOf = std::function<int(unsigned long carrierId)>;
     using IsPinValid = std::function<bool(unsigned long receiverId, const std::string& pin, unsigned long carrierId)>;
 
-    /// The store is asked about other receivers; it must outlive the object.
-    ReceiverRules(VKDBiReceiver& receivers, ProtocolOf protocolOf, IsPinValid isPinValid);
+    /// The store is asked about other receivers; it must outlive the object, as must the carriers.
+    ReceiverRules(VKDBiReceiver& receivers, KnownCarriers& carriers, IsPinValid isPinValid);
 
     /// Throws VKBALexception with the texts of all broken rules, or with the first one alone where the rule says so.
     void Check(const VK_RECEIVER& receiver, bool isNew);
@@ -39,7 +39,7 @@ private:
     void AddIf(bool broken, int number);
 
     VKDBiReceiver& m_receivers;
-    ProtocolOf m_protocolOf;
+    KnownCarriers& m_carriers;
     IsPinValid m_isPinValid;
     BrokenRules m_broken;
     long m_now;

@@ -76,13 +76,7 @@ std::shared_ptr<VKRDBiDatabase> RequireConnection(VKDBsystem& system)
 
 std::unique_ptr<SqlStore> OpenServerStore(VKDBsystem& system, std::size_t statementLimit)
 {
-    return OpenServerStore(system, statementLimit, statementLimit);
-}
-
-std::unique_ptr<SqlStore> OpenServerStore(VKDBsystem& system, std::size_t statementLimit, std::size_t readLimit)
-{
-    return std::make_unique<SqlStore>(std::make_unique<RdbConnection>(RequireConnection(system)), statementLimit,
-                                      readLimit);
+    return std::make_unique<SqlStore>(std::make_unique<RdbConnection>(RequireConnection(system)), statementLimit);
 }
 
 } // namespace vk

@@ -35,6 +35,5 @@ std::shared_ptr<VKRDBiDatabase> RequireConnection(VKDBsystem& system);
 
 /// That connection with its dialect, for an entity's operations.
 std::unique_ptr<SqlStore> OpenServerStore(VKDBsystem& system, std::size_t statementLimit);
-std::unique_ptr<SqlStore> OpenServerStore(VKDBsystem& system, std::size_t statementLimit, std::size_t readLimit);
 
 } // namespace vk

@@ -4,6 +4,6 @@
 
 bool VKRDBReceiver::Initialize(VKDBsystem* system)
 {
-    UseStore(vk::OpenServerStore(*system, kStatementLimit, kReadLimit));
+    UseStore(vk::OpenServerStore(*system, kStatementLimit));
     return VKDBbaseInterface::Initialize(system);
 }

@@ -100,10 +100,8 @@ public:
     bool ConvertRecords(VK_RECEIVER_LIST* list);
 
 protected:
-    /// A statement that changes something fits the buffer of 2048 bytes that other programs of this system use. A read
-    /// may list thousands of ids.
-    static constexpr std::size_t kStatementLimit = 2047;
-    static constexpr std::size_t kReadLimit = 1000000;
+    /// A list may be narrowed to thousands of ids, and a receiver may get long settings after it was added.
+    static constexpr std::size_t kStatementLimit = 1000000;
 
     void UseStore(std::unique_ptr<SqlStore> store);
 

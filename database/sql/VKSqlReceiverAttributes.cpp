@@ -78,7 +78,14 @@ bool SqlReceiverAttributes::IsUniqueName(const std::string& name, unsigned long 
 
 bool SqlReceiverAttributes::AddValue(VK_RECEIVER_ATTRIBUTE* value)
 {
-    value->id = m_store.Exclusive([&] { return InsertValue(*value); });
+    value->id = m_store.Exclusive([&] {
+        const SqlRaw same{m_store.Dialect().EqualsNoCase("attribute_values", GetText(value->attribute_values,
+                                                                                     sizeof value->attribute_values,
+                                                                                     "attribute_values"))};
+        const long present = m_store.SelectNumber("SELECT id FROM {} WHERE receiver_id={} AND attribute_id={} AND {}",
+                                                  kValues, value->receiver_id, value->attribute_id, same);
+        return present != 0 ? static_cast<unsigned long>(present) : InsertValue(*value);
+    });
     return true;
 }
 

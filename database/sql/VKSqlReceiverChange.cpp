@@ -17,6 +17,9 @@ constexpr const TableName& kName = kReceiverTable.name;
 constexpr int kAvailable = 1;
 constexpr int kOffDutyWithCover = 2;
 
+/// Characters in the statement that adds a receiver.
+constexpr std::size_t kAddLimit = 2047;
+
 /// The one column that a change of settings writes.
 constexpr Table kMiscSettings{kName, Fields(Field<&VK_RECEIVER::id>("id", PrimaryKey{}),
                                             Field<&VK_RECEIVER::misc_settings>("misc_settings", Secret{}))};
@@ -70,7 +73,7 @@ void SqlReceiverChange::AddRows(VK_RECEIVER* receivers, int count)
 
 void SqlReceiverChange::AddRow(VK_RECEIVER& receiver)
 {
-    receiver.id = m_store.InsertRow(kReceiverTable, receiver);
+    receiver.id = m_store.InsertRowWithin(kAddLimit, kReceiverTable, receiver);
     InsertDeptRights(receiver);
     if (receiver.status_code == kOffDutyWithCover && receiver.forward_to_id == 0 && receiver.disable_start_date > 0)
         m_history.AddFor(receiver, receiver.id);

@@ -1,5 +1,7 @@
 #include "VKSqlReceiverFiles.h"
 
+#include <utility>
+
 #include "VKDBiCarrier.h"
 #include "VKDBiDepartment.h"
 #include "VKReceiver.h"
@@ -66,8 +68,11 @@ bool SqlDepartmentLimit::IsReached(unsigned long departmentId)
     return count >= most;
 }
 
+/// On a server two transactions would both count before either stores what it adds.
 void SqlDepartmentLimit::RequireRoom(unsigned long departmentId)
 {
+    if (!std::exchange(m_bHeld, true))
+        m_store.HoldTable(kReceiverTable.name);
     if (IsReached(departmentId))
         throw VKDBexception(DbError::DepartmentLimit, __FILE__, __LINE__,
                             "Department maximum receivers limit exceeds.");

@@ -40,7 +40,7 @@ public:
 
     /// Whether the department has a limit and as many receivers, and groups when those count, as it allows.
     bool IsReached(unsigned long departmentId);
-    /// Throws code 100 when it is reached.
+    /// Throws code 100 when it is reached; for use in one exclusive transaction.
     void RequireRoom(unsigned long departmentId);
 
 private:
@@ -48,6 +48,7 @@ private:
     SqlReceiverFiles& m_files;
     std::unique_ptr<SqlAttachment> m_departments;
     std::unique_ptr<SqlAttachment> m_groups;
+    bool m_bHeld = false; ///< nobody else adds meanwhile
 };
 
 } // namespace vk

@@ -29,9 +29,14 @@ template <class Fields> std::vector<std::string> TableStatements(const SqlDialec
             keys += "    FOREIGN KEY (" + column + ") REFERENCES " + dialect.TableOf(reference.table) + " (id)" +
                     (reference.kind == Reference::OwningRow ? " ON DELETE CASCADE" : "") + ",\n";
         }
-        if constexpr (Row::template has<Indexed>)
-            statements.push_back(std::string("CREATE INDEX ") + field.template mark<Indexed>().name + " ON " + name +
-                                 " (" + dialect.IndexTerm(detail::KindOfField<Row>(), field.name) + ")");
+        const auto addIndex = [&](const char* index) {
+            statements.push_back(std::string("CREATE INDEX ") + index + " ON " + name + " (" +
+                                 dialect.IndexTerm(detail::KindOfField<Row>(), field.name) + ")");
+        };
+        if constexpr (Row::template has<Indexed>) // a server's serves tests without regard to case as well
+            addIndex(field.template mark<Indexed>().name);
+        else if constexpr (Row::template has<IndexedNoCase>)
+            addIndex(field.template mark<IndexedNoCase>().name);
     });
     std::string body = columns + computed + keys;
     body.erase(body.size() - 2, 1); // the last comma

@@ -16,14 +16,14 @@ void SqlStore::RequireFitsLimit(const std::string& statement, std::size_t limit)
 std::unique_ptr<VKDBiResultSet> SqlStore::RunSelect(const std::string& text)
 {
     const std::string statement = text + Dialect().SelectEnd();
-    RequireFitsLimit(statement, m_readLimit);
+    RequireFitsLimit(statement, m_statementLimit);
     return m_connection->ExecuteSelectQuery(statement);
 }
 
 void SqlStore::ForEachRow(const std::string& query, const SqlRowReader& take)
 {
     const std::string statement = query + Dialect().SelectEnd();
-    RequireFitsLimit(statement, m_readLimit);
+    RequireFitsLimit(statement, m_statementLimit);
     m_connection->ForEachRow(statement, take);
 }
 
@@ -34,10 +34,10 @@ long SqlStore::RunUpdate(const std::string& text)
     return m_connection->ExecuteUpdateQuery(statement);
 }
 
-unsigned long SqlStore::RunInsert(const std::string& text)
+unsigned long SqlStore::RunInsert(const std::string& text, std::size_t limit)
 {
     const std::string statement = text + Dialect().InsertEnd();
-    RequireFitsLimit(statement, m_statementLimit);
+    RequireFitsLimit(statement, limit);
     return m_connection->ExecuteInsertQuery(statement);
 }
 

@@ -17,12 +17,7 @@ class SqlStore
 {
 public:
     SqlStore(std::unique_ptr<SqlConnection> connection, std::size_t statementLimit)
-        : SqlStore(std::move(connection), statementLimit, statementLimit)
-    {
-    }
-    /// With another limit for statements that only read.
-    SqlStore(std::unique_ptr<SqlConnection> connection, std::size_t statementLimit, std::size_t readLimit)
-        : m_connection(std::move(connection)), m_statementLimit(statementLimit), m_readLimit(readLimit)
+        : m_connection(std::move(connection)), m_statementLimit(statementLimit)
     {
     }
 
@@ -89,7 +84,17 @@ public:
     template <class Fields, class Record>
     unsigned long InsertRow(const Table<Fields>& table, const Record& record, RowId id = RowId::FromStore)
     {
-        return HidingSecrets(table, record, [&] { return RunInsert(InsertText(Dialect(), table, record, id)); });
+        return HidingSecrets(table, record,
+                             [&] { return RunInsert(InsertText(Dialect(), table, record, id), m_statementLimit); });
+    }
+
+    /// The same with a limit of its own for the statement.
+    template <class Fields, class Record>
+    unsigned long InsertRowWithin(std::size_t limit, const Table<Fields>& table, const Record& record)
+    {
+        return HidingSecrets(table, record, [&] {
+            return RunInsert(InsertText(Dialect(), table, record, RowId::FromStore), limit);
+        });
     }
 
     /// Stores a changed row by its id; gives back how many rows were touched.
@@ -172,7 +177,7 @@ private:
     static VKDBexception WithoutTexts(const VKDBexception& failure, const std::vector<std::string>& texts);
     std::unique_ptr<VKDBiResultSet> RunSelect(const std::string& text);
     long RunUpdate(const std::string& text);
-    unsigned long RunInsert(const std::string& text);
+    unsigned long RunInsert(const std::string& text, std::size_t limit);
     void SwitchKeepIdentity(const TableName& table, bool on);
     void AbandonKeepIdentity(const TableName& table) noexcept;
     static void RequireFitsLimit(const std::string& statement, std::size_t limit);
@@ -180,7 +185,6 @@ private:
 
     std::unique_ptr<SqlConnection> m_connection;
     std::size_t m_statementLimit;
-    std::size_t m_readLimit;
 };
 
 } // namespace vk

@@ -14,7 +14,10 @@ void CreateIndexes(SQLite3Connection& connection, const SQLite3Index* indexes, s
     InTransaction(connection, TransactionLock::Exclusive, [&] {
         for (const SQLite3Index* index = indexes; index != indexes + count; ++index)
             connection.ExecuteUpdateQuery(std::string("CREATE INDEX IF NOT EXISTS '") + index->name + "' ON '" +
-                                          index->table + "' ('" + index->column + "' ASC);");
+                                          index->table + "' (" +
+                                          (index->noCase ? std::string("UPPER(") + index->column + ")"
+                                                         : std::string("'") + index->column + "' ASC") +
+                                          ");");
     });
 }
 

@@ -14,12 +14,13 @@ class VKDBsystem;
 
 namespace vk {
 
-/// An index: its name, its table and the one column it is over.
+/// An index: its name, its table and the one column it is over; or over what that is in upper case.
 struct SQLite3Index
 {
     const char* name;
     const char* table;
     const char* column;
+    bool noCase = false;
 };
 
 /// The file of an entity family in the data configuration directory.
@@ -44,6 +45,8 @@ template <class... Fields> void CreateIndexes(SQLite3Connection& connection, con
         ForEachField(table.fields, [&](const auto& field) {
             if constexpr (std::decay_t<decltype(field)>::template has<Indexed>)
                 indexes.push_back({field.template mark<Indexed>().name, table.name.file, field.name});
+            if constexpr (std::decay_t<decltype(field)>::template has<IndexedNoCase>)
+                indexes.push_back({field.template mark<IndexedNoCase>().name, table.name.file, field.name, true});
         });
     };
     (gather(tables), ...);

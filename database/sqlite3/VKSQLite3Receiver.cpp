@@ -68,7 +68,7 @@ bool VKSQLite3Receiver::Initialize(VKDBsystem* system)
         std::unique_ptr<VKDBiCarrier>(VKDBiCarrier::CreateInstance(system)); // makes its file
     BringUpToDate(*connection);
     vk::CreateIndexes(*connection, vk::kReceiverTable, vk::kReceiverDeptTable, vk::kReceiverScheduleTable);
-    UseStore(std::make_unique<vk::SqlStore>(std::move(connection), kStatementLimit, kReadLimit));
+    UseStore(std::make_unique<vk::SqlStore>(std::move(connection), kStatementLimit));
     return true;
 }
 

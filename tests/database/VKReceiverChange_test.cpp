@@ -101,6 +101,27 @@ TEST_P(VKReceiverChangeTest, HostileTextIsStoredAndFoundAsGivenOrRefusedByName)
     EXPECT_EQ(receivers->GetTotalRecordCount(), 2);
 }
 
+TEST_P(VKReceiverChangeTest, SettingsMayGrowBeyondWhatAStatementThatAddsHolds)
+{
+    const unsigned long id = Store("mobile", [](Receiver& receiver) {
+        receiver.misc_settings = strdup(R"({"MXP":{"DeviceID":"old","DevicePushService":"fcm"},"other":1})");
+    });
+    Receiver receiver;
+    ASSERT_TRUE(receivers->GetByID(&receiver, id));
+    NeedAdvMessaging(&receiver)->settings.m_optPassword = std::string(3000, '\'');
+    EXPECT_TRUE(receivers->SaveAdvMessagingData(&receiver));
+    ASSERT_TRUE(receivers->GetByID(&receiver, id));
+    NeedMxpFields(&receiver)->device_id_set = true;
+    vk::SetText(receiver.mxp->device_id, std::string(255, 'd'), "device_id");
+    EXPECT_TRUE(receivers->Modify(&receiver, 0, false, nullptr, nullptr, true));
+    ASSERT_TRUE(receivers->GetAdvMessagingData(&receiver, id));
+    EXPECT_EQ(receiver.adv_messaging->settings.m_optPassword->size(), 3000u);
+    ASSERT_TRUE(ConvertJSONToMXPFieldsData(&receiver));
+    EXPECT_EQ(receiver.mxp->device_id, std::string(255, 'd'));
+    EXPECT_STREQ(receiver.mxp->device_push_service, "fcm") << "what is not named stays";
+    EXPECT_THAT(receiver.misc_settings, testing::HasSubstr("\"other\":1"));
+}
+
 TEST_P(VKReceiverChangeTest, AFullDepartmentRefusesToBeMovedIntoButNotToBeWorkedIn)
 {
     SetLimits(true, 10);

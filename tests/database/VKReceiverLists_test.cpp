@@ -252,6 +252,7 @@ TEST_P(VKReceiverListsTest, AttributesAreNamedOnceAndFoundByAllTheirValues)
     EXPECT_EQ(give(ann, floor, "3"), "");
     EXPECT_EQ(give(ann, skill, "it's"), "");
     EXPECT_EQ(give(bob, floor, "3"), "");
+    EXPECT_EQ(give(bob, floor, "3"), "") << "has it already";
     EXPECT_EQ(give(99, floor, "3"), "1000 Foreign Key constraints failed.");
     EXPECT_EQ(give(ann, 99, "3"), "1000 Foreign Key constraints failed.");
     const auto having = [&](const std::map<unsigned long, std::string>& values) {

@@ -6,7 +6,9 @@
 #include "VKBALReceiver.h"
 #include "VKBALUtility.h"
 #include "VKPinTemplate.h"
+#include "VKRDBReceiver.h"
 #include "VKReceiverAvailability.h"
+#include "VKSQLite3Receiver.h"
 
 namespace {
 
@@ -50,6 +52,16 @@ protected:
     unsigned long voip = 0;
     unsigned long digits = 0;
     const long now = time(nullptr);
+};
+
+/// The receivers with their rules switched off.
+class UncheckedReceivers : public VKBALReceiver
+{
+public:
+    explicit UncheckedReceivers(std::unique_ptr<VKDBiReceiver> store) : VKBALReceiver(std::move(store))
+    {
+        m_iValidationMode = 2;
+    }
 };
 
 } // namespace
@@ -184,6 +196,28 @@ TEST_P(VKReceiverRulesTest, APinFitsItsCarrier)
         EXPECT_TRUE(VKBALReceiver::ValidatePinForOAIReceiver(pin)) << pin;
     for (const char* pin : {"", "10000", "12 ", " 12", "1a", "-1", "99999999999999999999"})
         EXPECT_FALSE(VKBALReceiver::ValidatePinForOAIReceiver(pin)) << pin;
+}
+
+TEST_P(VKReceiverRulesTest, WithoutValidationWhateverTheStoreTakesIsStored)
+{
+    std::unique_ptr<VKDBiReceiver> store;
+    if (OnFiles())
+        store = std::make_unique<VKSQLite3Receiver>();
+    else
+        store = std::make_unique<VKRDBReceiver>();
+    store->Initialize(&system);
+    UncheckedReceivers unchecked(std::move(store));
+    Receivers list;
+    for (const char* name : {"", "a/b"}) {
+        Receiver receiver(name, "");
+        AddReceiver(&list, &receiver);
+    }
+    EXPECT_TRUE(unchecked.Add(&list.list[0], false));
+    vk::SetText(list.list[0].name, "<>", "name");
+    EXPECT_TRUE(unchecked.Modify(&list.list[0], 0, false, nullptr, nullptr, true));
+    std::vector<VKRefusedRecord> refused;
+    EXPECT_TRUE(unchecked.AddAll(&list, false, refused));
+    EXPECT_EQ(receivers->GetTotalRecordCount(), 3);
 }
 
 VK_ON_BOTH_BACKENDS(VKReceiverRulesTest);

@@ -59,7 +59,7 @@ TEST_F(VKReceiverTest, TablesAndIndexesStandInTheFile)
                  "id INTEGER PRIMARY KEY AUTOINCREMENT, name VARCHAR(256) NOT NULL, attr_order INTEGER NOT NULL, type "
                  "INTEGER, attr_values TEXT, misc TEXT");
     EXPECT_EQ(Value("SELECT COUNT(*) FROM sqlite_master WHERE type='table' AND name NOT LIKE 'sqlite%';"), "6");
-    EXPECT_EQ(Value("SELECT COUNT(*) FROM sqlite_master WHERE type='index';"), "12");
+    EXPECT_EQ(Value("SELECT COUNT(*) FROM sqlite_master WHERE type='index';"), "14");
     EXPECT_EQ(Value("SELECT tbl_name FROM sqlite_master WHERE name='ix_rcvrschd_archived';"), "receiver_schd");
 }
 

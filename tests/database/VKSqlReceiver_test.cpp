@@ -2,6 +2,7 @@
 #include <regex>
 
 #include "NotingConnection.h"
+#include "VKDBiDepartment.h"
 #include "VKRecordText.h"
 #include "VKSQLite3Dialect.h"
 #include "VKSqlReceiver.h"
@@ -18,8 +19,8 @@ class NotedReceivers : public vk::SqlReceiver
 public:
     explicit NotedReceivers(const vk::SqlDialect& dialect)
     {
-        UseStore(std::make_unique<vk::SqlStore>(std::make_unique<NotingConnection>(m_notes, dialect), kStatementLimit,
-                                                kReadLimit));
+        UseStore(std::make_unique<vk::SqlStore>(std::make_unique<NotingConnection>(m_notes, dialect),
+                                                kStatementLimit));
     }
 
     /// The statements of an operation, without its transaction; times as "NOW".
@@ -110,6 +111,14 @@ TEST(VKSqlReceiver, FilesAndServersAreToldTheSameInTheirOwnSql)
     EXPECT_THAT(serverView, HasSubstr(", COALESCE(Recv2.name, '') AS ForwardToName"));
     EmptyReceiverViewList(&views);
     VKDBiReceiver::s_bIsCoverByAllowed = false;
+    VKDBiDepartment::s_bRecLimit = true;
+    VK_RECEIVER added;
+    EXPECT_THAT(server.Statements([&] { server.AddImpl(&added); }),
+                testing::ElementsAre("EXEC sp_getapplock @Resource='VK_RECEIVER', @LockMode='Exclusive', "
+                                     "@LockOwner='Transaction'",
+                                     "SELECT max_receivers FROM VK_DEPARTMENT WHERE id=0", StartsWith("INSERT INTO ")))
+        << "nobody else counts until this one is stored";
+    VKDBiDepartment::s_bRecLimit = false;
     EXPECT_THAT(files.Statement([&] { files.GetForScheduler(&list, false); }),
                 HasSubstr("(receiver.status_code<>1  AND ( (receiver.disable_start_date<=NOW AND "));
 }
