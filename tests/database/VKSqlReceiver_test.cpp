@@ -114,8 +114,7 @@ TEST(VKSqlReceiver, FilesAndServersAreToldTheSameInTheirOwnSql)
     VKDBiDepartment::s_bRecLimit = true;
     VK_RECEIVER added;
     EXPECT_THAT(server.Statements([&] { server.AddImpl(&added); }),
-                testing::ElementsAre("EXEC sp_getapplock @Resource='VK_RECEIVER', @LockMode='Exclusive', "
-                                     "@LockOwner='Transaction'",
+                testing::ElementsAre(HasSubstr("sp_getapplock @Resource='VK_RECEIVER'"),
                                      "SELECT max_receivers FROM VK_DEPARTMENT WHERE id=0", StartsWith("INSERT INTO ")))
         << "nobody else counts until this one is stored";
     VKDBiDepartment::s_bRecLimit = false;
