@@ -33,7 +33,7 @@ private:
 /// The connection that the next entity of the system works on. Throws VKDBexception when there is none.
 std::shared_ptr<VKRDBiDatabase> RequireConnection(VKDBsystem& system);
 
-/// That connection with its dialect, for an entity's operations.
+/// That connection with its dialect, for an entity's operations; its statements have at most so many characters.
 std::unique_ptr<SqlStore> OpenServerStore(VKDBsystem& system, std::size_t statementLimit);
 
 } // namespace vk

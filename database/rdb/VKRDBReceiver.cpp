@@ -4,6 +4,6 @@
 
 bool VKRDBReceiver::Initialize(VKDBsystem* system)
 {
-    UseStore(vk::OpenServerStore(*system, kStatementLimit));
+    UseStore(vk::OpenServerStore(*system, SqlReceiver::kStatementLimit));
     return VKDBbaseInterface::Initialize(system);
 }
