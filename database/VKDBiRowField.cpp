@@ -1,5 +1,6 @@
 #include "VKDBiRowField.h"
 
+#include <charconv>
 #include <cstdlib>
 #include <strings.h>
 
@@ -12,8 +13,17 @@ int VKDBiRowField::GetValueInt() const { return static_cast<int>(GetValueLong())
 unsigned int VKDBiRowField::GetValueUInt() const { return static_cast<unsigned int>(GetValueULong()); }
 long VKDBiRowField::GetValueLong() const { return std::strtol(m_strValue.c_str(), nullptr, 10); }
 unsigned long VKDBiRowField::GetValueULong() const { return std::strtoul(m_strValue.c_str(), nullptr, 10); }
-float VKDBiRowField::GetValueFloat() const { return std::strtof(m_strValue.c_str(), nullptr); }
-double VKDBiRowField::GetValueDouble() const { return std::strtod(m_strValue.c_str(), nullptr); }
+float VKDBiRowField::GetValueFloat() const { return static_cast<float>(GetValueDouble()); }
+
+/// With a point, whatever the locale.
+double VKDBiRowField::GetValueDouble() const
+{
+    const std::size_t start = m_strValue.find_first_not_of(" +");
+    double value = 0;
+    if (start != std::string::npos)
+        std::from_chars(m_strValue.data() + start, m_strValue.data() + m_strValue.size(), value);
+    return value;
+}
 
 bool VKDBiRowField::GetValueBool() const
 {

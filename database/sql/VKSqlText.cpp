@@ -1,8 +1,18 @@
 #include "VKSqlText.h"
 
+#include <charconv>
+#include <cmath>
 #include <stdexcept>
 
 namespace vk {
+
+std::string RealLiteral(double value)
+{
+    if (!std::isfinite(value))
+        return "NULL";
+    char text[32];
+    return std::string(text, std::to_chars(text, text + sizeof text, value).ptr);
+}
 
 std::string FillPattern(std::string_view pattern, std::initializer_list<std::string> arguments)
 {

@@ -15,6 +15,9 @@ struct SqlRaw
     std::string text;
 };
 
+/// A real number with all its digits and a point, whatever the locale; what is no finite number is NULL.
+std::string RealLiteral(double value);
+
 /// One argument of a statement, conditioned for it: a table by its name there, a text as a literal, a truth value, a
 /// number.
 template <class Value> std::string SqlArgument(const SqlDialect& dialect, const Value& value)
@@ -27,6 +30,8 @@ template <class Value> std::string SqlArgument(const SqlDialect& dialect, const 
         return dialect.Boolean(value);
     else if constexpr (std::is_enum_v<Value>)
         return std::to_string(static_cast<std::underlying_type_t<Value>>(value));
+    else if constexpr (std::is_floating_point_v<Value>)
+        return RealLiteral(value);
     else if constexpr (std::is_arithmetic_v<Value>)
         return std::to_string(value);
     else

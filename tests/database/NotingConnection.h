@@ -24,11 +24,14 @@ public:
     {
         m_notes.push_back(query);
         auto result = std::make_unique<VKDBiResultSet>();
-        if (query.find("COUNT(") != std::string::npos) {
-            VKDBiRow row;
-            row.Add(VKDBiRowField("", "25"));
-            result->Add(row);
-        }
+        for (const auto& [part, cells] : answers)
+            if (query.find(part) != std::string::npos) {
+                VKDBiRow row;
+                for (const char* cell : cells)
+                    row.Add(VKDBiRowField("", cell));
+                result->Add(row);
+                break;
+            }
         return result;
     }
     long ExecuteUpdateQuery(const std::string& query) override
@@ -36,7 +39,7 @@ public:
         m_notes.push_back(query);
         if (query == failing)
             throw VKDBexception(8101, "failed");
-        return 1;
+        return touched;
     }
     unsigned long ExecuteInsertQuery(const std::string& query) override
     {
@@ -50,6 +53,9 @@ public:
 
     bool starts = true;
     bool commits = true;
+    long touched = 1; ///< rows of each change
+    /// The one row that a query with this text in it gives; the first that fits. Any other query gives none.
+    std::vector<std::pair<std::string, std::vector<const char*>>> answers{{"COUNT(", {"25"}}};
     std::string failing;
 
 private:

@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <cmath>
+
 #include "NotingConnection.h"
 #include "VKRecordText.h"
 #include "VKSQLite3Dialect.h"
@@ -122,6 +124,7 @@ TEST(VKSqlText, ValuesAreConditionedAndPlacesCounted)
     const vk::SQLite3Dialect& dialect = vk::SQLite3Dialect::Get();
     EXPECT_EQ(vk::SqlText(dialect, "{} {} {} {} {}", "it's {}", true, -5L, vk::SqlRaw{"a'b"}, 18446744073709551615ul),
               "'it''s {}' 1 -5 a'b 18446744073709551615");
+    EXPECT_EQ(vk::SqlText(dialect, "{} {} {}", 4.7, 0.1 + 0.2, std::nan("")), "4.7 0.30000000000000004 NULL");
     EXPECT_THROW(vk::SqlText(dialect, "{}", 1, 2), std::logic_error);
     EXPECT_THROW(vk::SqlText(dialect, "{} {}", 1), std::logic_error);
 }
