@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 
 #include "BackendDatabase.h"
-#include "NotingConnection.h"
 #include "VKDBiActiveMxpClient.h"
 #include "VKRDBActiveMxpClient.h"
 #include "VKReceiver.h"
@@ -47,17 +46,6 @@ protected:
 };
 
 VK_ON_BOTH_BACKENDS(VKActiveMxpClientTest);
-
-class ServerClient : public vk::SqlActiveMxpClient
-{
-public:
-    ServerClient()
-    {
-        UseStore(std::make_unique<vk::SqlStore>(std::make_unique<NotingConnection>(notes), kStatementLimit));
-    }
-
-    std::vector<std::string> notes;
-};
 
 } // namespace
 
@@ -173,23 +161,4 @@ TEST_P(VKActiveMxpClientTest, RecordsFromAnotherBackendKeepTheirIds)
     const std::string error = ErrorOf([&] { store->ConvertRecords(moved); });
     EXPECT_THAT(error, testing::HasSubstr("Execution of insert query failed."));
     EXPECT_THAT(error, testing::Not(testing::HasSubstr("secret-key")));
-}
-
-TEST(VKActiveMxpClientServer, SpeaksTheServersSqlToTheLetter)
-{
-    ServerClient clients;
-    clients.SetFilter("a", 5, 9);
-    clients.SetFilter(10, 1);
-    std::vector<VKActiveMxpClientView> view;
-    EXPECT_TRUE(clients.GetForView(&view));
-    const std::string where = "WHERE UPPER(client_name) LIKE UPPER('a%') ESCAPE '\\' AND created_time BETWEEN 5 AND 9";
-    EXPECT_THAT(clients.notes,
-                testing::ElementsAre(
-                    "shared",
-                    "SELECT * FROM (SELECT TOP 10 *, ROW_NUMBER() over ( ORDER BY created_time ASC) as rnum FROM "
-                    "(SELECT VK_ACTIVE_MXP_CLIENT.*, VK_RECEIVER.name AS receiver_name, VK_RECEIVER.first_name AS "
-                    "receiver_first_name, VK_RECEIVER.last_name AS receiver_last_name FROM VK_ACTIVE_MXP_CLIENT LEFT "
-                    "OUTER JOIN VK_RECEIVER ON VK_ACTIVE_MXP_CLIENT.activation_user_name=VK_RECEIVER.name " +
-                        where + ") this_table_1 ) this_table_2 WHERE rnum > 0",
-                    "SELECT COUNT(*) FROM VK_ACTIVE_MXP_CLIENT " + where, "commit"));
 }

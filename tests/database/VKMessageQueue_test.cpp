@@ -2,10 +2,8 @@
 
 #include "BackendDatabase.h"
 #include "MessageQueueStore.h"
-#include "NotingConnection.h"
 #include "VKDatabase.h"
 #include "VKMessageName.h"
-#include "VKMessageRows.h"
 #include "VKMsgQueueFileOperations.h"
 #include "VKRDBMessageQueue.h"
 #include "VKSQLite3Database.h"
@@ -64,25 +62,6 @@ protected:
 
 private:
     const time_t& m_now;
-};
-
-/// What a queue says to a server.
-class NotedQueue : public vk::SqlMessageQueue
-{
-public:
-    NotedQueue() : SqlMessageQueue(10, "svc")
-    {
-        const vk::TableName table{"queue_metadata", "VK_QUEUE_WAITING"};
-        UseStore(std::make_unique<vk::SqlStore>(std::make_unique<NotingConnection>(notes), kStatementLimit),
-                 std::make_unique<vk::MessageRows>(table), table);
-    }
-    bool CreateQueue(int) override { return true; }
-    bool DeleteQueue(int) override { return true; }
-
-    std::vector<std::string> notes;
-
-protected:
-    time_t Now() const override { return 10000; }
 };
 
 time_t LocalTime(int day, int hour, int minute)
@@ -459,61 +438,3 @@ TEST_P(VKMessageQueueTest, ATextComesBackAsGivenOrIsRefusedByName)
 
 VK_ON_BOTH_BACKENDS(VKMessageQueueTest);
 INSTANTIATE_TEST_SUITE_P(Backends, VKMessageQueueFilesTest, testing::Values(Backend::Files));
-
-TEST(VKMessageQueueOnServer, SpeaksTheServersSqlToTheLetter)
-{
-    NotedQueue queue;
-    const std::string hold =
-        "DECLARE @held INT; SELECT @held = COUNT(id) FROM VK_QUEUE_WAITING WHERE id=0; EXEC @held = sp_getapplock "
-        "@Resource='VK_QUEUE_WAITING', @LockMode='Exclusive', @LockOwner='Transaction'; "
-        "SELECT ErrorCode = CASE WHEN @held < 0 THEN @held ELSE 0 END";
-    const std::string end = " SELECT ErrorCode = @@ERROR ";
-    VK_MESSAGE_CONTENT content;
-    vk::SetText(content.header.msg_name, "M.2.J'1.mxp", "msg_name");
-    AddMessageContent(&content, "it's");
-    queue.Add(&content);
-    EmptyMessageContent(&content);
-    EXPECT_THAT(std::exchange(queue.notes, {}),
-                ElementsAre("exclusive", hold, "DELETE FROM VK_QUEUE_WAITING WHERE msg_name='M.2.J''1.mxp'" + end,
-                            "INSERT INTO VK_QUEUE_WAITING (msg_name, msg_status, msg_query_count, msg_job_id, "
-                            "msg_protocol, last_modify_time, last_paging_queue_id, create_time, priority, sender_name, "
-                            "receiver_name, rcv_group_name, pin, carrier_name, next_send_time, expiry_time, "
-                            "next_query_time, casc_delay_mins, schd_days_to_send, schd_time_in_mins, "
-                            "schd_last_send_time, schd_date_to_send, msg_contents) VALUES ('M.2.J''1.mxp', 'M', 2, "
-                            "'J''1', 'mxp', 10000, 0, 0, 3, '', '', '', '', '', 0, 0, 0, 0, 0, 0, 0, 0, 'it''s'); "
-                            "SELECT [id] = @@IDENTITY, ERRORCODE=@@ERROR ",
-                            "commit"));
-    VK_MESSAGE_HEADER_LIST list;
-    queue.SetFilter(10, 3);
-    queue.GetReadyMsg(&list, false);
-    const std::string ready =
-        "WHERE ((lock_time=0 OR last_lock_owner_svc_name='svc') AND (msg_status IN ('M','D','E','F') OR "
-        "(msg_status='Q' AND next_query_time<=10000) OR (msg_status='R' AND last_lock_owner_svc_name='svc' AND "
-        "last_modify_time<8800) OR (msg_status='W' AND last_modify_time<8200)))";
-    EXPECT_THAT(std::exchange(queue.notes, {}),
-                ElementsAre("exclusive", hold,
-                            "SELECT * FROM (SELECT TOP 30 id, msg_name, last_modify_time, last_paging_queue_id, "
-                            "ROW_NUMBER() OVER (ORDER BY priority ASC, last_modify_time ASC, create_time ASC) as rnum "
-                            "FROM VK_QUEUE_WAITING " +
-                                ready + ") this_table WHERE rnum > 20;",
-                            "SELECT COUNT(id) FROM VK_QUEUE_WAITING " + ready, "commit"));
-    queue.UnprocessMsgList("svc");
-    const std::string owner = " WHERE last_lock_owner_svc_name='svc'", held = " AND (lock_time<>0 OR msg_status='R')";
-    const auto back = [&](const std::string& letter, const std::string& asked) {
-        return "UPDATE VK_QUEUE_WAITING SET lock_time=0, last_lock_owner_svc_name='', msg_status='" + letter +
-               "', msg_name='" + letter + "'+SUBSTRING(msg_name, 2, LEN(msg_name)-1)" + owner + asked + held + end;
-    };
-    EXPECT_THAT(std::exchange(queue.notes, {}),
-                ElementsAre("exclusive", hold, "SELECT msg_name, msg_query_count FROM VK_QUEUE_WAITING" + owner + held,
-                            back("M", " AND msg_query_count=0"), back("Q", " AND msg_query_count>0"), "commit"));
-    queue.CleanupOldMsgs(50, 0);
-    EXPECT_THAT(std::exchange(queue.notes, {}),
-                ElementsAre("exclusive", hold,
-                            "DELETE FROM VK_QUEUE_WAITING WHERE last_modify_time<10000 AND msg_status IN ('M','Q','R')" +
-                                end,
-                            "WITH this_table AS (SELECT ROW_NUMBER() OVER (ORDER BY last_modify_time DESC, create_time "
-                            "DESC) AS rnum FROM VK_QUEUE_WAITING WHERE msg_status IN ('M','Q','R')) DELETE FROM "
-                            "this_table WHERE this_table.rnum > 50" +
-                                end,
-                            "commit"));
-}

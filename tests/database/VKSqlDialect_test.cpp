@@ -9,8 +9,7 @@
 #include "VKSqlStore.h"
 #include "VKTransactSqlDialect.h"
 
-/// An entity's operations on another dialect than the file database's: the texts of a relational server, to the letter,
-/// from the same code.
+/// How an entity speaks to a relational server: transactions, moves, errors. Its texts stand in transact.sql.
 
 namespace {
 
@@ -38,38 +37,6 @@ VK_DEPARTMENT Department()
 }
 
 } // namespace
-
-TEST(VKSqlDialect, AnEntitySpeaksTheServersSqlToTheLetter)
-{
-    using testing::ElementsAre;
-    ServerDepartment departments;
-    VK_DEPARTMENT department = Department();
-    EXPECT_TRUE(departments.Add(&department));
-    EXPECT_EQ(department.id, 77u);
-    EXPECT_THAT(std::exchange(departments.notes, {}),
-                ElementsAre("exclusive",
-                            "INSERT INTO VK_DEPARTMENT (name, description, max_receivers, num_receivers) VALUES "
-                            "('O''Brien', 'x', 9, 0); SELECT [id] = @@IDENTITY, ERRORCODE=@@ERROR ",
-                            "commit"));
-    EXPECT_TRUE(departments.Modify(&department));
-    EXPECT_THAT(std::exchange(departments.notes, {}),
-                ElementsAre("exclusive",
-                            "UPDATE VK_DEPARTMENT SET name='O''Brien', description='x', max_receivers=9 WHERE id=77 "
-                            "SELECT ErrorCode = @@ERROR ",
-                            "commit"));
-    VK_DEPARTMENT_LIST list;
-    departments.SetFilter("a_[");
-    departments.SetFilter(10, 3);
-    EXPECT_TRUE(departments.Get(&list));
-    EXPECT_EQ(departments.GetPageCount(), 3);
-    const std::string where = " WHERE UPPER(VK_DEPARTMENT.name) LIKE UPPER('a\\_\\[%') ESCAPE '\\'";
-    EXPECT_THAT(std::exchange(departments.notes, {}),
-                ElementsAre("shared", "SELECT COUNT(id) FROM VK_DEPARTMENT" + where,
-                            "SELECT * FROM (SELECT TOP 30 *, ROW_NUMBER() over ( ORDER BY UPPER(name) ASC) as rnum "
-                            "FROM (SELECT * FROM VK_DEPARTMENT" +
-                                where + ") this_table_1 ) this_table_2 WHERE rnum > 20",
-                            "commit"));
-}
 
 TEST(VKSqlDialect, MovedRowsSwitchTheServersIdentityOnAndOff)
 {

@@ -261,6 +261,7 @@ void GatewayUsers(Script& script)
     const auto add = [&](const char* name, auto&& run) { script.Add(name, users, run); };
     add("gateway user: PopulateDefaultUsers", [&] { users.PopulateDefaultUsers(); });
     add("gateway user: Add", [&] { users.Add(&user, false); });
+    add("gateway user: Add in the caller's transaction", [&] { users.Add(&user, true); });
     add("gateway user: Modify", [&] { users.Modify(&user); });
     add("gateway user: Delete", [&] { users.Delete(7); });
     add("gateway user: UpdateStatus", [&] { users.UpdateStatus(7, 1); });

@@ -80,9 +80,10 @@ VK_ON_BOTH_BACKENDS(VKXmppGWUserTest);
 class NotedUsers : public vk::SqlXmppGWUser
 {
 public:
-    explicit NotedUsers(const vk::SqlDialect& dialect)
+    NotedUsers()
     {
-        UseStore(std::make_unique<vk::SqlStore>(std::make_unique<NotingConnection>(notes, dialect), kStatementLimit));
+        UseStore(std::make_unique<vk::SqlStore>(
+            std::make_unique<NotingConnection>(notes, vk::SQLite3Dialect::Get()), kStatementLimit));
     }
 
     std::vector<std::string> notes;
@@ -322,7 +323,7 @@ TEST_P(VKXmppGWUserTest, ManyThatStartAtOnceMakeTheAccountsOnce)
 
 TEST(VKXmppGWUserView, SpeaksTheFilesSqlToTheLetter)
 {
-    NotedUsers users(vk::SQLite3Dialect::Get());
+    NotedUsers users;
     users.SetFilter("a");
     users.SetFilter(10, 2);
     users.SetSort(VKDBiXmppGWUser::SortUserID, true);
@@ -344,42 +345,4 @@ TEST(VKXmppGWUserView, SpeaksTheFilesSqlToTheLetter)
     users.SetSort(VKDBiXmppGWUser::SortVKUserName, false);
     EXPECT_TRUE(users.Get(&view, false));
     EXPECT_THAT(users.notes[1], testing::HasSubstr(" ORDER BY UPPER(dbUsers.user.name) DESC LIMIT"));
-}
-
-TEST(VKXmppGWUserView, SpeaksTheServersSqlToTheLetter)
-{
-    NotedUsers users(vk::TransactSqlDialect::Get());
-    VKXmppGWUser user = User("ann", "Ann");
-    EXPECT_TRUE(users.Add(&user, false));
-    EXPECT_THAT(std::exchange(users.notes, {}),
-                ElementsAre("exclusive",
-                            "INSERT INTO VK_XMPP_USER (type, user_id, user_password, name, nick_name, resource, ip, "
-                            "creation_time, enabled, vk_user_id, enable_readonly, enable_hidden, enable_roster, "
-                            "enable_multi_login, misc_settings) VALUES (3, 'ann', 'secret of ann', 'Ann', '', '', "
-                            "'10.0.0.1', 0, 1, 0, 0, 0, 0, 0, ''); SELECT [id] = @@IDENTITY, ERRORCODE=@@ERROR ",
-                            "commit"));
-    EXPECT_TRUE(users.Add(&user, true));
-    EXPECT_EQ(std::exchange(users.notes, {}).size(), 1u) << "inside the caller's transaction";
-    EXPECT_TRUE(users.UpdateStatus(7, 1));
-    EXPECT_EQ(users.notes[1], "UPDATE VK_XMPP_USER set enabled=1 WHERE id=7 SELECT ErrorCode = @@ERROR ");
-
-    users.notes.clear();
-    users.SetFilter("a'[");
-    users.SetFilter(10, 2);
-    users.SetSort(VKDBiXmppGWUser::SortVKUserName, false);
-    std::vector<VKXmppGWUserView> view;
-    EXPECT_TRUE(users.Get(&view, true));
-    const std::string tables = "FROM VK_XMPP_USER LEFT OUTER JOIN VK_USER ON VK_XMPP_USER.vk_user_id=VK_USER.id WHERE "
-                               "UPPER(VK_XMPP_USER.name) LIKE UPPER('a''\\[%') ESCAPE '\\' AND "
-                               "VK_XMPP_USER.enable_hidden=0";
-    EXPECT_THAT(users.notes,
-                ElementsAre("shared",
-                            "SELECT * FROM (SELECT TOP 20 *, ROW_NUMBER() over ( ORDER BY UPPER(VKUserName) DESC) as "
-                            "rnum FROM (SELECT DISTINCT VK_XMPP_USER.id, VK_XMPP_USER.type, VK_XMPP_USER.user_id, "
-                            "VK_XMPP_USER.name, VK_XMPP_USER.enabled, VK_XMPP_USER.vk_user_id, "
-                            "VK_XMPP_USER.enable_readonly, VK_XMPP_USER.enable_hidden, VK_USER.name AS VKUserName " +
-                                tables + ") this_table_1 ) this_table_2 WHERE rnum > 10",
-                            "SELECT COUNT(DISTINCT VK_XMPP_USER.id) " + tables, "commit"));
-    EXPECT_EQ(users.GetTotalRecords(), 25);
-    EXPECT_EQ(users.GetPageCount(), 3);
 }

@@ -331,6 +331,8 @@ commit
 exclusive
 INSERT INTO VK_XMPP_USER (type, user_id, user_password, name, nick_name, resource, ip, creation_time, enabled, vk_user_id, enable_readonly, enable_hidden, enable_roster, enable_multi_login, misc_settings) VALUES (0, 'it''s', '', '', '', '', '', 0, 0, 0, 0, 0, 0, 0, ''); SELECT [id] = @@IDENTITY, ERRORCODE=@@ERROR 
 commit
+-- gateway user: Add in the caller's transaction
+INSERT INTO VK_XMPP_USER (type, user_id, user_password, name, nick_name, resource, ip, creation_time, enabled, vk_user_id, enable_readonly, enable_hidden, enable_roster, enable_multi_login, misc_settings) VALUES (0, 'it''s', '', '', '', '', '', 0, 0, 0, 0, 0, 0, 0, ''); SELECT [id] = @@IDENTITY, ERRORCODE=@@ERROR 
 -- gateway user: Modify
 exclusive
 UPDATE VK_XMPP_USER SET type=0, user_id='it''s', user_password='', name='', nick_name='', resource='', ip='', creation_time=0, enabled=0, vk_user_id=0, enable_readonly=0, enable_hidden=0, enable_roster=0, enable_multi_login=0, misc_settings='' WHERE id=77 SELECT ErrorCode = @@ERROR 
