@@ -277,6 +277,7 @@ SELECT * FROM VK_ATTRIBUTE ORDER BY attr_order ASC, UPPER(name) ASC
 commit
 -- attribute: AddReceiverAttribute
 exclusive
+SELECT id FROM VK_RECV_ATTRIBUTE WHERE receiver_id=0 AND attribute_id=0 AND UPPER(attribute_values)=UPPER('')
 SELECT COUNT(id) FROM VK_RECEIVER WHERE id=0
 SELECT COUNT(id) FROM VK_ATTRIBUTE WHERE id=0
 INSERT INTO VK_RECV_ATTRIBUTE (receiver_id, attribute_id, attribute_values) VALUES (0, 0, ''); SELECT [id] = @@IDENTITY, ERRORCODE=@@ERROR 
