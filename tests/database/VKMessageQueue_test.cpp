@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "BackendDatabase.h"
+#include "CountedPauses.h"
 #include "MessageQueueStore.h"
 #include "VKDatabase.h"
 #include "VKMessageName.h"
@@ -345,6 +346,23 @@ TEST_P(VKMessageQueueTest, ScheduledMessagesAreReadyInTheirHalfHour)
     EXPECT_THAT(at(14, 10, 5), ElementsAre("M.0.wednesday.mxp")) << "the filter holds for both alternatives";
 }
 
+TEST_P(VKMessageQueueTest, CascadedMessagesAreReadyBehindTheirDelayAndExpiredOnesAreFound)
+{
+    const auto cascade = Open(3, "");
+    const long now = time(nullptr);
+    for (const int delay : {0, 5, 10}) {
+        VK_MESSAGE_HEADER header;
+        header.create_time = now - 400;
+        header.casc_delay_mins = delay;
+        header.expiry_time = delay == 0 ? 0 : now + (delay == 5 ? -9 : 900);
+        Add(*cascade, "M.0." + std::to_string(delay) + ".mxp", "{}", header);
+    }
+    EXPECT_THAT(Ready(*cascade), UnorderedElementsAre("M.0.0.mxp", "M.0.5.mxp"));
+    EXPECT_EQ(Ready(*cascade).size(), 2u) << "nobody takes them";
+    cascade->SetFilterExpired(true);
+    EXPECT_THAT(Names(*cascade), UnorderedElementsAre("M.0.0.mxp", "M.0.5.mxp")) << "one without an end, too";
+}
+
 TEST_P(VKMessageQueueTest, CleaningTakesOldMessagesThenTheOldestBeyondTheCount)
 {
     const long now = time(nullptr);
@@ -434,6 +452,42 @@ TEST_P(VKMessageQueueTest, ATextComesBackAsGivenOrIsRefusedByName)
 
     Add(*queue, "M.0.long.mxp", std::string(300000, 'x') + "'");
     EXPECT_EQ(Body(*queue, "M.0.long.mxp").size(), 300001u) << "no statement is too long for a body";
+}
+
+TEST(VKMsgQueueFileOperations, WritesMovesAndDeletesFilesOfItsDirectory)
+{
+    TempDir dir;
+    dir.Write("queue_metabase.sdb", "rows");
+    VKMsgQueueFileOperations files(0, dir.Path().string() + "/");
+    ASSERT_TRUE(files.Initialize(nullptr));
+    EXPECT_EQ(files.GetQueuePath(), dir.Path().string());
+    VK_MESSAGE_CONTENT content;
+    vk::SetText(content.header.msg_name, "M.a", "msg_name");
+    AddMessageContentFormat(&content, "%s-%d", "long body", 1);
+    EXPECT_TRUE(files.Add(&content));
+    EmptyMessageContent(&content);
+    vk::SetText(content.header.msg_name, "M.b", "msg_name");
+    AddMessageContent(&content, "short");
+    EXPECT_TRUE(files.Modify(&content, "M.a"));
+    EXPECT_TRUE(files.Modify(&content, "M.b")) << "under its own name";
+    EXPECT_FALSE(files.CheckExists("M.a"));
+    EXPECT_TRUE(files.Delete("M.a")) << "gone already";
+    dir.Write("R.b", "what was there before");
+    EXPECT_TRUE(files.ChangeName("M.b", "R.b"));
+    EXPECT_TRUE(files.ChangeName("none", "none"));
+    EXPECT_TRUE(files.GetByName("R.b", &content));
+    EXPECT_EQ(std::string(content.body, content.length), "short");
+    for (const bool rename : {false, true}) {
+        const vktest::CountedPauses pauses;
+        EXPECT_FALSE(rename ? files.ChangeName("M.b", "R.c") : files.GetByName("M.b", &content));
+        EXPECT_EQ(pauses.count, 10) << "between 11 tries";
+        EXPECT_EQ(pauses.total, 2046000) << "2, 4, ... 1024 milliseconds";
+    }
+    EXPECT_STREQ(content.body, "short") << "what cannot be read changes nothing";
+    EmptyMessageContent(&content);
+    EXPECT_TRUE(files.EmptyQueue());
+    EXPECT_FALSE(files.CheckExists("R.b"));
+    EXPECT_EQ(dir.Read("queue_metabase.sdb"), "rows");
 }
 
 VK_ON_BOTH_BACKENDS(VKMessageQueueTest);
