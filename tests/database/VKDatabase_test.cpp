@@ -7,6 +7,7 @@
 #include "TempDir.h"
 #include "VKConfiguration.h"
 #include "VKDBiDepartment.h"
+#include "VKDBiMessageQueue.h"
 #include "VKDBiReceiver.h"
 #include "VKDatabaseMultiThreaded.h"
 #include "VKODBCResultSet.h"
@@ -52,7 +53,8 @@ protected:
     static void UseRoot(TempDir& root, const std::string& datasource)
     {
         root.Write("config/datasource", datasource);
-        root.Write("config/dir", "spool_dir:\t\t/tmp\n");
+        root.Write("config/dir", "spool_dir:\t\t" + (root / "spool") + "\n");
+        std::filesystem::create_directory(root / "spool");
         VKConfiguration::getVKConfiguration()->setConfDirectory(root / "config");
         VKConfiguration::getVKConfiguration()->loadPrimaryConfiguration(true);
     }
@@ -63,8 +65,8 @@ protected:
 constexpr int kLanes = 16;
 constexpr int kGenerations = 3;
 
-/// Adds departments on many threads at once, each lane of them one thread after the other. Gives back how many were
-/// added and found again.
+/// Adds departments on many threads at once, each lane of them one thread after the other, which look at receivers and
+/// a queue as well. Gives back how many were added and found again.
 int AddOnManyThreads(VKDatabase& database)
 {
     std::atomic<int> added{0};
@@ -73,7 +75,9 @@ int AddOnManyThreads(VKDatabase& database)
         VK_DEPARTMENT department;
         vk::SetText(department.name, name, "name");
         if (departments != nullptr && departments->Add(&department) &&
-            database.getVKDBiDepartmentObject()->GetByID(&department, department.id))
+            database.getVKDBiDepartmentObject()->GetByID(&department, department.id) &&
+            database.getVKDBiReceiverObject()->GetTotalRecordCount() == 0 &&
+            database.getVKDBiMessageQueueObject(1, name)->GetTotalRecordCount() == 0)
             ++added;
         database.adjustCache();
         database.PurgeAllCache(true);
@@ -199,6 +203,9 @@ TEST_F(VKDatabaseTest, OneObjectAKeyWithItsFilterCleared)
     EXPECT_NE(database.getVKDBiReceiverObject(), nullptr);
     EXPECT_TRUE(database.isKeyInCache("VKDBiDepartment"));
     EXPECT_TRUE(database.isKeyInCache("VKDBiReceiver"));
+    EXPECT_NE(database.getVKDBiMessageQueueObject(1), database.getVKDBiMessageQueueObject(1, "svc"));
+    EXPECT_TRUE(database.isKeyInCache("VKDBiMessageQueue_1"));
+    EXPECT_TRUE(database.isKeyInCache("VKDBiMessageQueue_1_svc"));
     EXPECT_TRUE(dir.Read("config/departments.sdb").size() > 0) << "files stand in the configuration directory";
 }
 
