@@ -24,13 +24,15 @@ bool VKDBsystem::OpenDatabase(const std::string& connectString, const std::strin
     isDSN = dsn;
     event_Log = eventLog;
     is_Open = true;
-    rdb_database.reset(VKRDBiDatabase::GetInstance(0, event_Log));
     try {
+        rdb_database.reset(VKRDBiDatabase::GetInstance(0, event_Log));
         return rdb_database->Open(connect_String, user_Name, password, isDSN, true);
     } catch (const VKDBexception& failure) {
-        rdb_database.reset();
-        is_Open = false; // so that the next try does try
+        Close(); // so that the next try does try
         throw VKDBexception(failure.GetErrorCode(), __FILE__, __LINE__, failure.GetMsg());
+    } catch (...) {
+        Close();
+        throw;
     }
 }
 
