@@ -102,38 +102,4 @@ TEST_F(Vkadmin, ABrokenRootIsNamedAndLeftAsItIs)
     ExpectOneLine(Admin({"receiver", "list"}), 2, dir / "root/config/datasource");
 }
 
-TEST_F(Vkadmin, AMessageGoesThroughAQueue)
-{
-    Init();
-    const std::string body = R"({"text":"it's 5 o'clock"})";
-    const std::vector<std::string> add = {"queue", "add", "--queue", "10", "--file", dir.Write("m.json", body),
-                                          "--job", "J1",  "--pin",   "a@t",  "--priority", "1"};
-    EXPECT_EQ(Add(add), "1\n");
-    ExpectOneLine(Admin(add), 1, "M.0.J1.mxp");
-    EXPECT_EQ(dir.Read("root/waiting/M.0.J1.mxp"), body);
-
-    const auto list = [&](std::vector<std::string> filter) {
-        filter.insert(filter.begin(), {"--json", "queue", "list", "--queue", "10"});
-        return Lines(Admin(filter).out);
-    };
-    ASSERT_EQ(list({}).size(), 1U);
-    EXPECT_EQ(list({})[0]["msg_name"].asString(), "M.0.J1.mxp");
-    EXPECT_EQ(list({"--pin", "A@T"}).size(), 1U);
-    EXPECT_EQ(list({"--pin", "a"}).size(), 0U);
-    EXPECT_EQ(list({"--status", "Q"}).size(), 0U);
-    const auto shown = Lines(Admin({"--json", "queue", "show", "--queue", "10", "--name", "M.0.J1.mxp"}).out);
-    ASSERT_EQ(shown.size(), 1U);
-    EXPECT_EQ(shown[0]["body"].asString(), body);
-    EXPECT_EQ(shown[0]["priority"].asInt(), 1);
-
-    ExpectOneLine(Admin({"queue", "show", "--queue", "10", "--name", "M.0.J2.mxp"}), 1, "M.0.J2.mxp");
-    ExpectOneLine(Admin({"queue", "list", "--queue", "11"}), 3, "queue 11");
-    ExpectOneLine(Admin({"queue", "clean", "--queue", "10"}), 2, "--days");
-    ExpectOneLine(Admin({"queue", "add", "--queue", "10", "--job", "a/b", "--file", dir / "m.json"}), 1, "a/b");
-    ExpectOneLine(Admin({"queue", "add", "--queue", "10", "--job", "J3", "--file", dir.Write("bad", "[")}), 2, "bad");
-    EXPECT_THAT(Admin({"queue", "unlock", "--queue", "10"}).out, HasSubstr("no service"));
-    EXPECT_THAT(Admin({"queue", "clean", "--queue", "10", "--keep", "0"}).out, HasSubstr("1 deleted, 0 left"));
-    EXPECT_FALSE(std::filesystem::exists(dir.Path() / "root/waiting/M.0.J1.mxp"));
-}
-
 } // namespace

@@ -1,5 +1,7 @@
 #include "PostgresServer.h"
 
+#include "ProgramRun.h"
+
 #include <arpa/inet.h>
 #include <cerrno>
 #include <chrono>
@@ -97,6 +99,14 @@ int PostgresServer::Run(const std::string& program, const std::string& arguments
     return std::system(
         ("cd / && " + AsServerUser() + ProgramFolder() + program + " " + arguments + " >" + (m_dir / output) + " 2>&1")
             .c_str());
+}
+
+void PostgresServer::MakeTables() const
+{
+    static const std::string schema = ProgramRun::Of("vkadmin", {"schema", "--dialect", "postgresql"}).out;
+    Drop();
+    if (const std::string trouble = RunScript(schema); schema.empty() || !trouble.empty())
+        throw std::runtime_error("the tables cannot be made: " + trouble);
 }
 
 std::string PostgresServer::RunScript(const std::string& statements) const

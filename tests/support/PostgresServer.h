@@ -24,6 +24,8 @@ public:
     /// Cuts all connections and returns when it has ended.
     void Stop();
 
+    /// Takes all tables away, and makes those of an installation, new and empty, as an administrator does.
+    void MakeTables() const;
     /// Takes all tables away.
     void Drop() const { RunScript("DROP SCHEMA public CASCADE; CREATE SCHEMA public;"); }
     /// Runs statements as the server's own client does; gives back what it complains about.

@@ -27,7 +27,7 @@ public:
     {
         std::vector<std::string> init = {"--root", Root(), "init"};
         if (OnServer()) {
-            MakeTables();
+            PostgresServer::Get().MakeTables();
             init.insert(init.end(), {"--dsn", PostgresServer::kSource, "--db-user", "postgres"});
         }
         const ProgramRun made = ProgramRun::Of("vkadmin", init);
@@ -123,13 +123,6 @@ public:
     }
 
 private:
-    static void MakeTables()
-    {
-        static const std::string schema = ProgramRun::Of("vkadmin", {"schema", "--dialect", "postgresql"}).out;
-        PostgresServer::Get().Drop();
-        if (const std::string trouble = PostgresServer::Get().RunScript(schema); !trouble.empty())
-            throw std::runtime_error(trouble);
-    }
     void Move(int queue, const std::string& from, const std::string& to) const
     {
         const std::filesystem::path root = Root();
