@@ -16,7 +16,7 @@ struct QueueServerRow : QueueRow
 };
 
 inline constexpr auto kQueueServerFields =
-    std::tuple_cat(kQueueTable.fields, Fields(Field<&QueueServerRow::msg_contents>("msg_contents")));
+    std::tuple_cat(kQueueTable.fields, Fields(Field<&QueueServerRow::msg_contents>("msg_contents", Secret{})));
 
 struct QueueServerTable
 {

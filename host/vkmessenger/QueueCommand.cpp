@@ -84,13 +84,13 @@ QueueRouter OpenQueues(StoreWatch& watch, const QueueSettings& settings)
 }
 
 /// On the watch's thread.
-void TellOfSilence(DriverSession& session, int queue, std::chrono::seconds time)
+void TellOfSilence(DriverSession& session, const QueueSettings& settings, std::chrono::seconds time)
 {
     VK_LOG_ERROR(&session.Logger(),
-                 "The store has not answered for %lld seconds: another process holds it locked, or its server is "
-                 "silent. Waiting on.",
-                 static_cast<long long>(time.count()));
-    session.TellErrors("queue " + std::to_string(queue));
+                 "Queue %d: the store has not answered for %lld seconds: one of its files is locked or gone, or its "
+                 "server is silent. Waiting on.",
+                 settings.queue, static_cast<long long>(time.count()));
+    session.TellErrors(settings.service);
 }
 
 std::string ProtocolPattern(VKProtocolDriverInterface& driver)
@@ -122,7 +122,7 @@ int SendQueue(const Arguments& arguments, std::chrono::seconds wait)
     UseRoot(arguments);
     const ServiceLock lock(root + "/temp", settings.queue, settings.service);
     DriverSession session(arguments);
-    StoreWatch watch([&](std::chrono::seconds time) { TellOfSilence(session, settings.queue, time); });
+    StoreWatch watch([&](std::chrono::seconds time) { TellOfSilence(session, settings, time); });
     QueueRouter router = OpenQueues(watch, settings);
     Timeline timeline(arguments.Has("--json") ? Timeline::Form::Json : Timeline::Form::Readable, stdout);
     settings.protocol = ProtocolPattern(session.Exchange().Driver());

@@ -68,7 +68,7 @@ void QueueFeeder::NoteTrouble(const std::string& trouble)
     }
     if (const std::string told = m_troubles.Pass(trouble, now); !told.empty())
         VK_LOG_ERROR(&m_parts.logger, "Queue %d: %s", m_parts.settings.queue, told.c_str());
-    m_parts.tellErrors("queue " + std::to_string(m_parts.settings.queue));
+    m_parts.tellErrors(m_parts.settings.service);
 }
 
 void QueueFeeder::NoteWorks()

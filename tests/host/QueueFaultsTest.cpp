@@ -3,8 +3,8 @@
 #include "StoreWatch.h"
 #include "TroubleFilter.h"
 
-#include <algorithm>
 #include <atomic>
+#include <optional>
 
 namespace {
 
@@ -38,6 +38,16 @@ protected:
         for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
             ++count;
         return count;
+    }
+    /// False while the messenger itself is just at it.
+    bool TryLock(std::optional<vktest::LockingProcess>& lock, const std::string& file) const
+    {
+        try {
+            lock.emplace(installation.Root() + "/" + file);
+            return true;
+        } catch (const std::runtime_error&) {
+            return false;
+        }
     }
     std::string Log() const { return installation.Dir().Read("root/logs/vkmessenger.log"); }
 
@@ -89,6 +99,19 @@ TEST_P(QueueFaultsOnAServer, ConnectionsThatAreCutLoseAndDoubleNothing)
     ExpectEachSentOnce(messenger);
 }
 
+TEST_P(QueueFaultsOnAServer, WhatTheServerRefusesIsToldWithoutTheBodyAndItsPassword)
+{
+    PostgresServer::Get().RunScript("ALTER TABLE VK_QUEUE_COMPLETED ADD CONSTRAINT refuse CHECK (id < 0)");
+    Add("refused", R"({"job_id": "refused", "receiver_pin": "a@b", "password": "s3cret"})");
+    RunningProgram messenger("vkmessenger", Call(installation.Root(), {"--follow"}));
+    EXPECT_TRUE(RunningProgram::Await([&] { return messenger.Err().find("\"refuse\"") != std::string::npos; }));
+    PostgresServer::Get().RunScript("ALTER TABLE VK_QUEUE_COMPLETED DROP CONSTRAINT refuse");
+    EXPECT_TRUE(installation.Await(4, {"M.0.refused.fake"}));
+    EXPECT_EQ(messenger.End(SIGTERM), 0);
+    EXPECT_EQ((messenger.Err() + Log()).find("s3cret"), std::string::npos) << messenger.Err();
+    EXPECT_EQ(installation.Body(4, "M.0.refused.fake")["password"].asString(), "s3cret");
+}
+
 TEST_P(QueueFaultsInFiles, AQueueThatAnotherProcessLocksForATimeGoesOnBehindIt)
 {
     RunningProgram messenger("vkmessenger", Call(installation.Root(), {"--follow"}));
@@ -96,9 +119,10 @@ TEST_P(QueueFaultsInFiles, AQueueThatAnotherProcessLocksForATimeGoesOnBehindIt)
     EXPECT_TRUE(installation.Await(4, m_expected)) << messenger.Err();
     for (const char* queue : {"spool", "archive"}) {
         AddSome(queue, 6);
-        vktest::LockingProcess lock(installation.Root() + "/" + queue + "/queue_metabase.sdb");
+        std::optional<vktest::LockingProcess> lock;
+        ASSERT_TRUE(RunningProgram::Await([&] { return TryLock(lock, std::string(queue) + "/queue_metabase.sdb"); }));
         std::this_thread::sleep_for(std::chrono::milliseconds(500)); // long enough for it to run into the lock
-        lock.Release();
+        lock.reset();
         EXPECT_TRUE(installation.Await(4, m_expected)) << messenger.Err();
     }
     ExpectEachSentOnce(messenger);
