@@ -1,10 +1,11 @@
-#include "LockingProcess.h"
+#include "ChildProcess.h"
 #include "QueueOfMessages.h"
 #include "StoreWatch.h"
 #include "TroubleFilter.h"
 
 #include <atomic>
-#include <optional>
+
+#include <sqlite3.h>
 
 namespace {
 
@@ -38,16 +39,6 @@ protected:
         for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
             ++count;
         return count;
-    }
-    /// False while the messenger itself is just at it.
-    bool TryLock(std::optional<vktest::LockingProcess>& lock, const std::string& file) const
-    {
-        try {
-            lock.emplace(installation.Root() + "/" + file);
-            return true;
-        } catch (const std::runtime_error&) {
-            return false;
-        }
     }
     std::string Log() const { return installation.Dir().Read("root/logs/vkmessenger.log"); }
 
@@ -119,10 +110,22 @@ TEST_P(QueueFaultsInFiles, AQueueThatAnotherProcessLocksForATimeGoesOnBehindIt)
     EXPECT_TRUE(installation.Await(4, m_expected)) << messenger.Err();
     for (const char* queue : {"spool", "archive"}) {
         AddSome(queue, 6);
-        std::optional<vktest::LockingProcess> lock;
-        ASSERT_TRUE(RunningProgram::Await([&] { return TryLock(lock, std::string(queue) + "/queue_metabase.sdb"); }));
+        const std::string file = installation.Root() + "/" + queue + "/queue_metabase.sdb";
+        Signal locked;
+        Signal enough;
+        ChildProcess other([&] {
+            sqlite3* database = nullptr;
+            const auto run = [&](const char* text) { return sqlite3_exec(database, text, nullptr, nullptr, nullptr); };
+            const bool isLocked = sqlite3_open(file.c_str(), &database) == SQLITE_OK &&
+                                  sqlite3_busy_timeout(database, 30000) == SQLITE_OK && run("BEGIN IMMEDIATE") == SQLITE_OK;
+            locked.Send();
+            enough.Await();
+            return isLocked && run("ROLLBACK") == SQLITE_OK ? 0 : 1;
+        });
+        EXPECT_TRUE(locked.Await());
         std::this_thread::sleep_for(std::chrono::milliseconds(500)); // long enough for it to run into the lock
-        lock.reset();
+        enough.Send();
+        EXPECT_EQ(other.Wait(), 0);
         EXPECT_TRUE(installation.Await(4, m_expected)) << messenger.Err();
     }
     ExpectEachSentOnce(messenger);
