@@ -94,6 +94,7 @@ TEST_P(QueueRoad, SentAnsweredAndArchived)
 {
     LogIn();
     RunningProgram device("vkmxpdevice", Device("received,read,confirm"));
+    ASSERT_TRUE(device.AwaitOut("\"online\"")) << device.Err(); // nobody keeps files for it
     RunningProgram messenger("vkmessenger", Call());
     Add("plain");
     Add("asked", R"(, "two_way": true)");
