@@ -1,11 +1,23 @@
 #include "VKPostgreSqlDialect.h"
 
+#include "Utf8.h"
+#include "VKDBexception.h"
+
 namespace vk {
 
 const PostgreSqlDialect& PostgreSqlDialect::Get()
 {
     static const PostgreSqlDialect dialect;
     return dialect;
+}
+
+void PostgreSqlDialect::RequireStorable(std::string_view text, const char* field) const
+{
+    SqlDialect::RequireStorable(text, field);
+    if (const std::size_t at = FindInvalidUtf8(text); at != std::string_view::npos)
+        throw VKDBexception(DbError::General, __FILE__, __LINE__,
+                            std::string("The text for '") + field + "' is no UTF-8 from byte " + std::to_string(at + 1) +
+                                " on.");
 }
 
 /// Truth values are numbers, as in the other dialects: statements test them against 0 and 1.

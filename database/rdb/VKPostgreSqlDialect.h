@@ -12,6 +12,8 @@ public:
     static const PostgreSqlDialect& Get();
 
     std::string TableOf(const TableName& table) const override { return table.relational; }
+    /// The server keeps characters, not bytes.
+    void RequireStorable(std::string_view text, const char* field) const override;
     std::string ColumnType(ColumnKind kind, int width) const override;
     /// A query of its own around it: DISTINCT takes no other terms than its columns.
     std::string Sorted(const std::string& query, const std::string& order) const override

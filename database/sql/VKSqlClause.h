@@ -30,7 +30,7 @@ public:
     }
     void AddPrefix(std::string_view column, const std::string& text)
     {
-        RequireFits(text, std::string_view::npos, "a filter");
+        m_dialect.RequireStorable(text, std::string(column).c_str());
         if (IsFilter(text))
             Add("UPPER({}) LIKE UPPER('{}%') ESCAPE '\\'", SqlRaw{std::string(column)},
                 SqlRaw{VKstringSQLLikeEncode(text)});

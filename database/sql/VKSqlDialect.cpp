@@ -30,6 +30,11 @@ std::string WithAnyText(std::string pattern)
 
 } // namespace
 
+void SqlDialect::RequireStorable(std::string_view text, const char* field) const
+{
+    RequireFits(text, std::string_view::npos, field);
+}
+
 std::string SqlDialect::Text(std::string_view value) const
 {
     RequireFits(value, std::string_view::npos, "a value"); // a zero byte would end the statement inside the value
@@ -46,19 +51,19 @@ std::string SqlDialect::EqualsNoCase(std::string_view column, std::string_view t
 
 std::string SqlDialect::BeginsNoCase(std::string_view column, std::string_view text) const
 {
-    RequireFits(text, std::string_view::npos, "a filter");
+    RequireStorable(text, std::string(column).c_str());
     return "UPPER(" + std::string(column) + ") LIKE UPPER('" + LikeText(text) + "%') ESCAPE '\\'";
 }
 
 std::string SqlDialect::Matches(std::string_view column, std::string_view pattern) const
 {
-    RequireFits(pattern, std::string_view::npos, "a filter");
+    RequireStorable(pattern, std::string(column).c_str());
     return std::string(column) + " LIKE '" + WithAnyText(LikeText(pattern)) + "' ESCAPE '\\'";
 }
 
 std::string SqlDialect::MatchesNoCase(std::string_view column, std::string_view pattern) const
 {
-    RequireFits(pattern, std::string_view::npos, "a filter");
+    RequireStorable(pattern, std::string(column).c_str());
     return "UPPER(" + std::string(column) + ") LIKE UPPER('" + WithAnyText(LikeText(pattern)) + "') ESCAPE '\\'";
 }
 

@@ -21,6 +21,8 @@ public:
     /// A column's type in CREATE TABLE; the width only for Varchar.
     virtual std::string ColumnType(ColumnKind kind, int width) const = 0;
 
+    /// Throws, with the field's name, for a text that would not come back as it is: a zero byte would end the statement.
+    virtual void RequireStorable(std::string_view text, const char* field) const;
     /// A text as a literal: in quotes, its own quotes doubled.
     virtual std::string Text(std::string_view value) const;
 

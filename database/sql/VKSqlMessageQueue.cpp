@@ -27,6 +27,18 @@ void SetNameParts(QueueRow& row, const std::string& name)
     SetText(row.msg_protocol, parts.protocol, "msg_protocol");
 }
 
+/// A name that is looked for need not be one that a message may have.
+void RequireSearchable(const SqlDialect& dialect, const std::string& name)
+{
+    dialect.RequireStorable(name, "msg_name");
+}
+
+void RequireServiceName(const SqlDialect& dialect, const std::string& name)
+{
+    RequireFits(name, sizeof(QueueRow::last_lock_owner_svc_name), "last_lock_owner_svc_name");
+    dialect.RequireStorable(name, "last_lock_owner_svc_name");
+}
+
 QueueRow RowOf(const VK_MESSAGE_HEADER& header)
 {
     QueueRow row;
@@ -142,6 +154,7 @@ template <class Run> void SqlMessageQueue::ForIds(const Ids& ids, Run&& run)
 /// In the fax and voice queues a name that ends in "p" is also that of the message without the "p".
 std::string SqlMessageQueue::NameClause(const std::string& name) const
 {
+    RequireSearchable(m_store->Dialect(), name);
     const bool twoNames = (m_iQueueNumber == 6 || m_iQueueNumber == 7) && !name.empty() && name.back() == 'p';
     if (twoNames)
         return m_store->Part("(msg_name={} OR msg_name={})", name.substr(0, name.size() - 1), name).text;
@@ -222,6 +235,7 @@ bool SqlMessageQueue::Rename(const std::string& oldName, const std::string& newN
     RequireMessageName(oldName);
     QueueRow row;
     SetNameParts(row, newName);
+    RequireSearchable(m_store->Dialect(), newName);
     const SqlRaw timeToo{time == nullptr ? "" : m_store->Part(", last_modify_time={}", *time).text};
     return Change([&] {
         if (SelectNames(m_store->Part("msg_name={}", oldName).text).empty())
@@ -249,6 +263,7 @@ bool SqlMessageQueue::UpdateNameAndTime(const std::string& oldName, const std::s
 
 bool SqlMessageQueue::UpdateTime(const std::string& name, time_t time)
 {
+    RequireSearchable(m_store->Dialect(), name);
     return Change([&] {
         return m_store->Update("UPDATE {} SET last_modify_time={} WHERE msg_name={}", m_table, time, name) > 0;
     });
@@ -269,7 +284,7 @@ bool SqlMessageQueue::GetReadyMsg(VK_MESSAGE_HEADER_LIST* list, bool full)
     const ReadyOption option = ReadyOptionOf(m_iQueueNumber);
     if (TakesServiceName(option) && m_strService.empty())
         Fail(__LINE__, "Messenger service name not set");
-    RequireFits(m_strService, sizeof(QueueRow::last_lock_owner_svc_name), "last_lock_owner_svc_name");
+    RequireServiceName(m_store->Dialect(), m_strService);
     return GetImpl(list, full, option);
 }
 
@@ -421,6 +436,7 @@ void SqlMessageQueue::Release(const std::string& owner, const std::string& which
 
 bool SqlMessageQueue::UnprocessMsgList(const std::string& serviceName)
 {
+    RequireServiceName(m_store->Dialect(), serviceName);
     return Change([&] {
         Release(m_store->Part("last_lock_owner_svc_name={}", serviceName).text,
                 " AND (lock_time<>0 OR msg_status='R')");
@@ -432,8 +448,10 @@ bool SqlMessageQueue::UnprocessLockedUpMsgs(const std::vector<std::string>& serv
 {
     const time_t limit = Now() - kHeldTooLong;
     std::string names;
-    for (const std::string& service : services)
+    for (const std::string& service : services) {
+        RequireServiceName(m_store->Dialect(), service);
         detail::AddWithComma(names, m_store->Dialect().Text(service));
+    }
     // What is being sent by nobody is of no service's list; without this it would stay so for ever.
     const std::string orNobodys = names.empty() ? "''" : names + ", ''";
     return Change([&] {
@@ -522,6 +540,7 @@ long SqlMessageQueue::GetFilteredRecordCount()
 
 bool SqlMessageQueue::IsUniqueName(const std::string& name)
 {
+    RequireSearchable(m_store->Dialect(), name);
     return Read([&] {
         return m_store->Select("SELECT id FROM {} WHERE msg_name={}", m_table, name)->GetReturnedRowsCount() == 0;
     });

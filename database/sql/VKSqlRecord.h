@@ -73,19 +73,23 @@ template <class Fields> std::string ColumnsText(const SqlDialect& dialect, const
     return text;
 }
 
-/// A member's value as a literal; a text that has no end or holds a zero byte is refused with the field's name.
+/// A member's value as a literal; a text that has no end, or that the backend cannot store as it is, is refused with the
+/// field's name.
 template <class Row, class Record>
 std::string FieldLiteral(const SqlDialect& dialect, const Row& field, const Record& record)
 {
     const auto& value = field.of(record);
     using Value = typename Row::Value;
+    const auto literal = [&](std::string_view text) {
+        dialect.RequireStorable(text, field.name);
+        return dialect.Text(text);
+    };
     if constexpr (std::is_array_v<Value>) {
-        return dialect.Text(GetText(value, sizeof(Value), field.name));
+        return literal(GetText(value, sizeof(Value), field.name));
     } else if constexpr (std::is_same_v<Value, char*>) {
-        return dialect.Text(value ? value : "");
+        return literal(value ? value : "");
     } else if constexpr (std::is_same_v<Value, std::string>) {
-        RequireFits(value, std::string::npos, field.name);
-        return dialect.Text(value);
+        return literal(value);
     } else {
         return SqlArgument(dialect, value);
     }

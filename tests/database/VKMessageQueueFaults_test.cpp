@@ -1,11 +1,14 @@
 #include <gmock/gmock.h>
 
 #include <array>
+#include <csignal>
+#include <fcntl.h>
 #include <fstream>
 #include <functional>
 #include <map>
 #include <optional>
 #include <sqlite3.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 
 #include "ChildProcess.h"
@@ -409,4 +412,32 @@ TEST_F(VKMessageQueueFaults, WhatIsWrittenInTheIntentIsUndoneOnceOrTwiceButNever
     fs::remove(File(kA));
     EXPECT_THAT(WholeErrorOf([&] { queue->UpdateName(kA, kB); }), HasSubstr("cannot be renamed"));
     EXPECT_EQ(Content("nothing to rename"), (State{{kB, "b"}}));
+}
+
+TEST_F(VKMessageQueueFaults, AServiceThatIsStoppedInItsTurnKeepsOthersWaitingForTwoMinutesOnly)
+{
+    const Signal inTurn;
+    const pid_t stopped = fork();
+    if (stopped == 0) {
+        const int intent = open(File("queue_metabase.sdb-intent").c_str(), O_RDWR);
+        if (flock(intent, LOCK_EX) != 0)
+            _exit(1);
+        inTurn.Send();
+        raise(SIGSTOP);
+        _exit(0);
+    }
+    ASSERT_TRUE(inTurn.Await());
+    int status = 0;
+    ASSERT_EQ(waitpid(stopped, &status, WUNTRACED), stopped);
+    ASSERT_TRUE(WIFSTOPPED(status));
+    {
+        const CountedPauses pauses;
+        EXPECT_THAT(WholeErrorOf([&] { Add(*queue, "M.0.C.mxp", "c"); }),
+                    testing::AllOf(HasSubstr("Unable to start a transaction on [" + path), HasSubstr("it is in use"),
+                                   HasSubstr("kept its turn for two minutes")));
+        EXPECT_EQ(pauses.total, 120000000);
+    }
+    kill(stopped, SIGCONT);
+    waitpid(stopped, &status, 0);
+    EXPECT_EQ(Content("going on"), kBefore);
 }

@@ -416,44 +416,6 @@ TEST_P(VKMessageQueueFilesTest, QueueDirectoriesAreFoundOrNamedInTheError)
     EXPECT_FALSE(std::filesystem::exists(dir / "named"));
 }
 
-TEST_P(VKMessageQueueTest, ATextComesBackAsGivenOrIsRefusedByName)
-{
-    const std::string hostile[] = {"'; DROP TABLE VK_QUEUE_PAGING;--", "a\\", "%_[x]{}", "\"\xF0\x9F\x9A\x92\"", "?:$1"};
-    const auto texts = [](VK_MESSAGE_HEADER& header) {
-        return std::vector<std::pair<char*, std::size_t>>{{header.sender_name, sizeof header.sender_name},
-                                                          {header.receiver_name, sizeof header.receiver_name},
-                                                          {header.rcv_group_name, sizeof header.rcv_group_name},
-                                                          {header.pin, sizeof header.pin},
-                                                          {header.carrier_name, sizeof header.carrier_name}};
-    };
-    for (const std::string& text : hostile) {
-        VK_MESSAGE_HEADER header;
-        for (const auto& [field, size] : texts(header))
-            vk::SetText(field, size, text, "text");
-        const std::string name = "M.0.j " + text.substr(0, 20) + ".mxp";
-        Add(*queue, name, text, header);
-        VK_MESSAGE_CONTENT content;
-        ASSERT_TRUE(queue->GetByName(name, &content, true, true)) << name;
-        for (const auto& [field, size] : texts(content.header))
-            EXPECT_EQ(std::string(field), text);
-        EXPECT_EQ(std::string(content.body, content.length), text);
-        EmptyMessageContent(&content);
-        queue->SetFilterByPin("", text.substr(0, 1) + "*");
-        EXPECT_THAT(Names(*queue), testing::Contains(name)) << text;
-        queue->ClearFilter();
-        EXPECT_EQ(Ready(*Open(1, text)).size(), 1u) << text;
-        EXPECT_TRUE(queue->Delete(name));
-    }
-    VK_MESSAGE_HEADER endless;
-    std::fill(std::begin(endless.carrier_name), std::end(endless.carrier_name), 'x');
-    EXPECT_THAT(ErrorOf([&] { Add(*queue, "M.0.x.mxp", "", endless); }), HasSubstr("carrier_name"));
-    EXPECT_NE(ErrorOf([&] { queue->Delete(std::string("M.0.x\0.mxp", 10)); }), "");
-    EXPECT_EQ(queue->GetTotalRecordCount(), 0);
-
-    Add(*queue, "M.0.long.mxp", std::string(300000, 'x') + "'");
-    EXPECT_EQ(Body(*queue, "M.0.long.mxp").size(), 300001u) << "no statement is too long for a body";
-}
-
 TEST(VKMsgQueueFileOperations, WritesMovesAndDeletesFilesOfItsDirectory)
 {
     TempDir dir;
