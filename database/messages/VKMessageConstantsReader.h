@@ -22,8 +22,10 @@ public:
     /// Takes the next line. True when it completes an entry.
     bool Take(std::string_view line);
 
-    /// The entry completed last.
+    /// The entry completed last, or the one that is being read.
     const MessageConstant& Get() const { return m_entry; }
+    /// Whether the lines so far end inside a text.
+    bool IsInText() const { return m_expect == Expect::Text; }
 
 private:
     bool TakeText(std::string_view text);

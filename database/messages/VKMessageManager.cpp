@@ -152,6 +152,8 @@ void VKMessageManager::Build(const std::string& constantsFile)
         for (std::string line; file.ReadLine(line);)
             if (reader.Take(line))
                 Store(reader.Get().id, reader.Get().text);
+        if (reader.IsInText())
+            throw std::logic_error("The text of [" + reader.Get().name + "] has no end.");
     });
 }
 

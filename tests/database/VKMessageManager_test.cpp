@@ -62,6 +62,8 @@ TEST_F(MessageCatalogue, IsReplacedAsAWholeOrNotAtAll)
     Build("#define A 1 /* old one */\n#define B 2 /* old two */\n");
     EXPECT_EQ(ErrorOf([&] { Build("#define A 1 /* new */\n#define AGAIN 1 /* twice */\n"); }),
               "Failed to execute INSERT query");
+    EXPECT_EQ(ErrorOf([&] { Build("#define A 1 /* new */\n#define LAST 2 /* and\nno end\n"); }),
+              "The text of [LAST] has no end.");
     EXPECT_EQ(VKMessageManager::GetMsg(1), "old one");
     Build("#define A 1 /* new */\n");
     EXPECT_EQ(VKMessageManager::GetMsg(1), "new");
