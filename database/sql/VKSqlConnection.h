@@ -48,14 +48,14 @@ public:
     virtual bool EndTransactionCommit(const std::string& name, bool retry, int count, long sleepMs) = 0;
     virtual bool EndTransactionRollback(const std::string& name, bool retry, int count, long sleepMs) = 0;
 
-    /// Makes the tables of another entity reachable, outside any transaction; where all tables stand together there is
-    /// nothing to do.
+    /// Makes the tables of another entity reachable for reading, outside any transaction; where all tables stand
+    /// together there is nothing to do.
     virtual bool CanAttach(const SqlFile&) { return true; }
     virtual void Attach(const SqlFile&) {}
     virtual void Detach(const SqlFile&) {}
 };
 
-/// Another entity's tables, reachable as long as the object lives. It must outlive the transaction that uses them.
+/// Another entity's tables, reachable for reading as long as the object lives. It must outlive the transaction that uses them.
 class SqlAttachment
 {
 public:

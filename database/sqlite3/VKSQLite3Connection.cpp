@@ -112,6 +112,13 @@ void SQLite3Connection::Attach(const SqlFile& file)
         throw VKDBexception(DbError::General, __FILE__, __LINE__, "Unable to open DB [" + path + "]",
                             "there is no such file");
     ExecuteUpdateQuery("ATTACH '" + VKSQLite3Database::PreprocessSqlStringCopy(path, 0) + "' AS " + file.schema + ";");
+    // It is only read. Without this the end of each transaction would write, sync and delete a file that names both.
+    try {
+        ExecuteUpdateQuery(std::string("PRAGMA ") + file.schema + ".synchronous=OFF;");
+    } catch (...) { // nobody would detach it
+        Detach(file);
+        throw;
+    }
 }
 
 void SQLite3Connection::Detach(const SqlFile& file)

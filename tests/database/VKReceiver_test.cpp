@@ -401,6 +401,17 @@ TEST_F(VKReceiverTest, TwoProcessesAddAtOnceAndNoneIsLost)
     EXPECT_EQ(Value("SELECT COUNT(DISTINCT owner_id) FROM receiver_dept;"), "30");
 }
 
+TEST_F(VKReceiverTest, ReadingAcrossFilesWritesNothing)
+{
+    const auto read = [&] {
+        ReceiverViews views;
+        receivers->Get(&views);
+        return std::filesystem::last_write_time(dir.Path());
+    };
+    const auto before = read(); // makes the files that are not there yet
+    EXPECT_EQ(read(), before) << "a file that names both was made and deleted";
+}
+
 TEST(VKReceiverTypeName, IsShortAndAlphaOnlyWhenAskedFor)
 {
     EXPECT_EQ(VKDBiReceiver::GetReceiverTypeName(0, true), "Alpha");
