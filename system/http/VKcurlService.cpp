@@ -6,6 +6,7 @@
 #include "VKtime.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <memory>
 #include <string_view>
 #include <unistd.h>
@@ -15,12 +16,26 @@ namespace {
 constexpr const char* kCookieJar = "../temp/cookie.jar";
 constexpr int kHeaderRoom = 10240;
 constexpr int kPageRoom = 102400;
+constexpr long kMostRedirects = 30; // two servers that point to each other would be asked for 300 seconds
 
 struct CloseFile
 {
     void operator()(FILE* file) const { fclose(file); }
 };
 using File = std::unique_ptr<FILE, CloseFile>;
+
+/// A new file, named by the second; names that other uploads of this second have are left to them.
+File MakeUploadFile(std::string& path)
+{
+    File file;
+    for (long number = VKutilNow(); !file; ++number) {
+        path = "../temp/VKFileUpload." + std::to_string(number);
+        file.reset(fopen(path.c_str(), "wxe"));
+        if (!file && errno != EEXIST)
+            break;
+    }
+    return file;
+}
 
 /// Each line of a text that is not empty.
 template <class Take> void ForEachLine(std::string_view text, Take&& take)
@@ -83,6 +98,7 @@ void VKcurlService::Begin(const std::string& url, const Route& route)
     m_curl.Set(CURLOPT_URL, url.c_str());
     m_curl.Set(CURLOPT_VERBOSE, 0L);
     m_curl.Set(CURLOPT_FOLLOWLOCATION, 1L);
+    m_curl.Set(CURLOPT_MAXREDIRS, kMostRedirects);
     m_curl.Set(CURLOPT_AUTOREFERER, 1L);
     m_curl.Set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_0));
     m_curl.Set(CURLOPT_USERAGENT, "Mozilla/4.0 (compatible; MSIE 5.01; Windows NT 5.0)");
@@ -133,7 +149,7 @@ int VKcurlService::SendRequests(HttpMethType method, const std::string& url, std
                                 const Route& route)
 {
     std::string whole;
-    if (method == GET || method == DELETE) {
+    if (method != POST && method != PUT) { // a record without a method is a GET
         EncodeUrlArguments(parameters, url, whole);
         return SendRequest(method, whole, "", route);
     }
@@ -165,8 +181,8 @@ bool VKcurlService::SendMessage(http_service* service)
                                                              : PutParameters(service, url, route);
     else {
         std::vector<std::string> parameters;
-        if (service->params)
-            parameters.assign(service->params, service->params + service->param_count);
+        for (int i = 0; service->params && i < service->param_count; ++i)
+            parameters.emplace_back(service->params[i] ? service->params[i] : "");
         code = SendRequests(static_cast<HttpMethType>(service->method), url, parameters, route);
     }
     vk::SetHttpText(service->result, m_page.data);
@@ -183,9 +199,9 @@ int VKcurlService::PutFile(const std::string& url, const char* path, const Route
 /// The parameters go by way of a file, so that a body of any size costs no memory in libcurl.
 int VKcurlService::PutParameters(http_service* service, const std::string& url, const Route& route)
 {
-    const std::string path = "../temp/VKFileUpload." + std::to_string(VKutilNow());
+    std::string path;
     const std::string body = vk::EncodeHttpPairs(service->params, service->param_count);
-    File file(fopen(path.c_str(), "we"));
+    File file = MakeUploadFile(path);
     if (!file)
         return CURLE_READ_ERROR;
     const bool written = fwrite(body.data(), 1, body.size(), file.get()) == body.size();

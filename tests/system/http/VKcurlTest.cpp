@@ -178,6 +178,9 @@ TEST_F(VKcurlServiceTest, SendsARecordWithItsHeadersAndTurnsBackslashes)
 {
     HttpServer server(Fine);
     VKcurlService session;
+    std::vector<std::string> others; // uploads of other threads and processes in these seconds
+    for (long second = time(nullptr), last = second + 60; second < last; ++second)
+        others.push_back(m_root.Write("temp/VKFileUpload." + std::to_string(second), "another's"));
     session.SetHeaders("X-Always: 1\r\nX-Smuggled: 1");
     http_service service{};
     service.url = strdup((server.Url() + "a\\b").c_str());
@@ -196,7 +199,17 @@ TEST_F(VKcurlServiceTest, SendsARecordWithItsHeadersAndTurnsBackslashes)
               "1abk=vhttp://from/");
     EXPECT_EQ(last.Header("x-smuggled"), "");
     EXPECT_STREQ(service.result, "page");
+    for (const std::string& other : others) {
+        std::ifstream stream(other);
+        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(stream), {}), "another's");
+        std::filesystem::remove(other);
+    }
     EXPECT_TRUE(std::filesystem::is_empty(m_root.Path() / "temp"));
+    free(service.params[0]);
+    service.params[0] = nullptr;
+    service.method = 0;
+    EXPECT_TRUE(session.SendMessage(&service));
+    EXPECT_EQ(server.Last().method + " " + server.Last().target, "GET /a/b?=");
     VKhttpClean(&service);
 
     session.SendRequest(VKcurlService::GET, server.Url(), "");
@@ -218,6 +231,9 @@ TEST_F(VKcurlServiceTest, FollowsARedirectWithoutCarryingTheKeyToAnotherHost)
     EXPECT_EQ(first.Last().Header("authorization"), "key=secret");
     EXPECT_EQ(target.Last().target, "/there");
     EXPECT_EQ(target.Last().Header("authorization"), "");
+
+    HttpServer circle([](const Request&) { return Response{302, "", {"Location: /again"}}; });
+    EXPECT_EQ(session.SendRequest(VKcurlService::GET, circle.Url(), ""), CURLE_TOO_MANY_REDIRECTS);
 }
 
 TEST_F(VKcurlServiceTest, ShowsItsPasswordToTheProxy)
