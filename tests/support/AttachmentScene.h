@@ -106,6 +106,7 @@ class Attachments : public ::testing::Test
 protected:
     static void SetUpTestSuite()
     {
+        s_logger.Clear();
         s_root = std::make_unique<TempDir>();
         std::filesystem::create_directories(s_root->Path() / "config");
         VKConfiguration::getVKConfiguration()->setConfDirectory(*s_root / "config");
@@ -190,7 +191,7 @@ protected:
 
     static inline std::unique_ptr<ProsodyServer> s_server;
     static inline std::unique_ptr<TempDir> s_root;
-    static inline vktest::RecordingLogger s_logger{vktest::RecordingLogger::TRACE};
+    static inline vktest::RecordingLogger& s_logger = vktest::CoreLogger();
     VKMXPCoreManager* manager = nullptr;
     NotingStatuses statuses;
     TempDir files;

@@ -65,6 +65,12 @@ public:
         return count;
     }
 
+    void Clear()
+    {
+        std::lock_guard<std::mutex> lock(m_mutex);
+        m_records.clear();
+    }
+
 private:
     bool Keep(LogLevel level, const std::string& message)
     {
@@ -77,5 +83,12 @@ private:
     std::vector<Record> m_records; // guarded by m_mutex
     LogLevel m_level;
 };
+
+/// The logger of the one core manager, which keeps its first: for all suites that run in this process.
+inline RecordingLogger& CoreLogger()
+{
+    static RecordingLogger logger;
+    return logger;
+}
 
 } // namespace vktest

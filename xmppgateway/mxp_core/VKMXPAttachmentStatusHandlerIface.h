@@ -3,7 +3,8 @@
 #include <string>
 
 /// Learns how the transfer of a packet's attachments ended. The call may come on any thread of the library; the
-/// connection's attachments lock is not held.
+/// connection's attachments lock is not held. It may end any connection, its own too: such a connection is out of the core
+/// manager's lists at once and taken down later, by the work thread. It must not hold a lock of its own meanwhile.
 class VKMXPAttachmentStatusHandlerIface
 {
 public:

@@ -46,6 +46,8 @@ bool VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::InitializeSpecial()
 
 bool VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::FinalizeSpecial()
 {
+    if (m_pAbandoned && *m_pAbandoned)
+        return true;
     try {
         const ClientLock inside(m_pobjConnection->m_mtxClient);
         m_bSocks5Running = false;
@@ -125,6 +127,25 @@ void VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::Stop()
     }
     WaitForThreadStop(-1);
     m_pThread = nullptr;
+}
+
+void VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::Abandon(std::unique_ptr<VKMXPConnGlooxFileSender> sender)
+{
+    sender->FinalizeSpecial();
+    sender->StopThread();
+    sender->m_pThread = nullptr; // nobody waits for it
+    *sender->m_pAbandoned = true;
+    static_cast<void>(sender.release()); // its thread deletes it
+}
+
+void VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::DoWork(void* userData)
+{
+    bool abandoned = false;
+    m_pAbandoned = &abandoned;
+    m_pobjConnection->m_idSenderThread = std::this_thread::get_id();
+    VKThreadModule::DoWork(userData);
+    // Whoever waited for the end may have deleted this; for an abandoned sender nobody does.
+    const std::unique_ptr<VKMXPConnGlooxFileSender> own(abandoned ? this : nullptr);
 }
 
 void VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::DoThreadWork()

@@ -49,6 +49,7 @@ public:
     bool InitializeSpecial() override;
     bool FinalizeSpecial() override;
     void DoThreadWork() override;
+    void DoWork(void* userData) override;
     std::string GetRunningModuleName() override { return "VKMXPConnGlooxFileSender"; }
     bool IsLoggerRequired() override { return false; }
 
@@ -71,6 +72,10 @@ public:
     /// Ends the thread, and a transfer that is under way: it counts as failed. Waits for it; no lock may be held that a
     /// handler of attachment statuses takes.
     void Stop();
+
+    /// For a connection that ends on the sender's own thread: lets go of the client, and then of the sender, which deletes
+    /// itself when its thread ends.
+    static void Abandon(std::unique_ptr<VKMXPConnGlooxFileSender> sender);
 
     /// The streams' share of pumping the client; under the client lock.
     void PumpStreams();
@@ -142,6 +147,8 @@ private:
     bool m_bStreamClosed = false;   ///< by the peer; client lock
     std::vector<gloox::Bytestream*> m_vecStale; ///< streams that nobody waits for any more; client lock
     std::condition_variable_any m_cvPeer;       ///< something was noted; with the client lock
+
+    bool* m_pAbandoned = nullptr; ///< whether the connection is gone; stands on the own thread's stack
 
     std::mutex m_mtxPoke; ///< leaf
     std::condition_variable m_cvPoke;

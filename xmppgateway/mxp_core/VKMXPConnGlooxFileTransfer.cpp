@@ -315,8 +315,7 @@ void VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::Report()
     }
     const int status = error.empty() ? kSent : kFailed;
     Note(VKLogInterface::INFO, "Sending attachment status [" + std::to_string(status) + "] for [" + m_strPacketId + "]");
-    if (VKMXPAttachmentStatusHandlerIface* const handler = m_pobjConnection->m_pobjAttachmentStatusHandler)
-        handler->HandleAttachmentStatus(m_pobjConnection->m_strConnectionID, m_strPacketId, status, error);
+    m_pobjConnection->TellAttachmentStatus(m_strPacketId, status, error); // the connection may be gone behind this
 }
 
 /// The first failure of a transfer is the one that is reported.

@@ -95,6 +95,8 @@ VKMXPConnGlooxImpl::VKMXPConnGlooxImpl(const std::string& connectionId, const st
 
 VKMXPConnGlooxImpl::~VKMXPConnGlooxImpl()
 {
+    if (OnSenderThread() && m_pobjFileSender)
+        VKMXPConnGlooxFileSender::Abandon(std::move(m_pobjFileSender));
     StopFileTransfer();
     DropClient();
     AttachmentMap lost; // what waited to be sent can no more
@@ -116,6 +118,12 @@ void VKMXPConnGlooxImpl::PrepareClient(VKMXPTcpSocket& socket)
 
 bool VKMXPConnGlooxImpl::StartConnection()
 {
+    if (OnSenderThread()) {
+        SetLastError("Error in establishing connection.");
+        VK_LOG_ERROR(m_pobjLogger, "Connection ID: [%s] >> The handler of an attachment status cannot log in again.",
+                     m_strConnectionID.c_str());
+        return false;
+    }
     VK_LOG_DEBUG(m_pobjLogger, "Connection ID: [%s] >> Making Client", m_strConnectionID.c_str());
     m_bConnected = false;
     VKMXPTcpSocket* socket = nullptr;
@@ -213,8 +221,19 @@ void VKMXPConnGlooxImpl::DropClient()
     m_pobjClient.reset();
 }
 
+/// A status handler on the sender's own thread cannot wait for that: it leaves the connection dead, and whoever looks after
+/// it takes it down; for a connection of the core manager that is the work thread.
 bool VKMXPConnGlooxImpl::TerminateConnection()
 {
+    if (OnSenderThread()) {
+        const std::lock_guard<std::recursive_mutex> inside(m_mtxClient);
+        m_bConnected = false;
+        if (m_pobjFileSender)
+            m_pobjFileSender->StopThread();
+        if (m_pobjHub)
+            m_pobjHub->Traffic().Wake();
+        return true;
+    }
     StopFileTransfer();
     DropClient();
     return true;
@@ -260,6 +279,7 @@ void VKMXPConnGlooxImpl::StopFileTransfer()
         sender->Stop();
     const std::lock_guard<std::recursive_mutex> inside(m_mtxClient);
     sender.reset();
+    m_idSenderThread = std::thread::id(); // the system may give the number to another thread
     m_pobjFileAcceptor.reset();
 }
 
@@ -433,8 +453,7 @@ void VKMXPConnGlooxImpl::RefuseAttachments(const AttachmentMap& attachments, con
     for (const auto& entry : attachments) {
         VK_LOG_ERROR(m_pobjLogger, "Connection ID: [%s] >> File Transfer Error: %s; packet [%s]",
                      m_strConnectionID.c_str(), reason, entry.first.c_str());
-        if (VKMXPAttachmentStatusHandlerIface* const handler = m_pobjAttachmentStatusHandler)
-            handler->HandleAttachmentStatus(m_strConnectionID, entry.first, kFailed, error);
+        TellAttachmentStatus(entry.first, kFailed, error);
     }
 }
 

@@ -14,6 +14,7 @@
 #include <mutex>
 #include <set>
 #include <string>
+#include <thread>
 #include <vector>
 
 class VKconLock;
@@ -91,6 +92,7 @@ private:
     void DropClient();
     bool StartFileTransfer();
     void StopFileTransfer();
+    bool OnSenderThread() const { return m_idSenderThread.load() == std::this_thread::get_id(); }
     void SortInArrived();
     bool Pump(gloox::ConnectionError& result);
     void EnsureMessageSession(VKMXPSessionGlooxImpl& session);
@@ -117,4 +119,5 @@ private:
     std::vector<Arrived> m_vecArrived;              ///< noted inside the client; client lock
     bool m_bPumping = false;                        ///< client lock
     unsigned long m_uNextRecord = 0;                ///< attachments lock
+    std::atomic<std::thread::id> m_idSenderThread{};
 };

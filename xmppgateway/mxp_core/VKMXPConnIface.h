@@ -95,11 +95,19 @@ public:
     std::atomic<int> m_iChunkSizeKB{0}; ///< read anew for each transfer
     std::string m_strConnectionID;
 
+    /// Whether this thread is telling a handler of attachment statuses something: it may be a file sender's, for which
+    /// others wait, so it must not wait for them.
+    static bool InStatusHandler();
+
     /// Set by the core manager before StartConnection; null for a connection of its own.
     void SetHub(vk::Hub* hub) { m_pobjHub = hub; }
 
 protected:
     void SetLastError(const std::string& text);
+
+    /// Tells the handler, when there is one, how the transfer of a packet's files ended. The handler may delete the
+    /// connection, unless the caller needs it any more.
+    void TellAttachmentStatus(const std::string& packetId, int status, const std::string& errorText);
 
     vk::Hub* m_pobjHub = nullptr;
 

@@ -37,6 +37,8 @@ VKMXPCoreManager* VKMXPCoreManager::GetInstance(VKLogInterface* logger, int sock
     return m_pobjMe;
 }
 
+VKMXPCoreManager::VKMXPCoreManager() = default;
+
 VKMXPCoreManager::~VKMXPCoreManager() = default;
 
 bool VKMXPCoreManager::InitializeSpecial()

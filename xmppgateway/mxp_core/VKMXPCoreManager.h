@@ -33,7 +33,8 @@ class VKconLock;
 /// attachments, sequence, ready list. Nobody waits for traffic, for a login or for another thread's claim while holding
 /// any of them: the work thread waits between rounds, holding none, so a terminate never waits for a quiet network. A
 /// connection that has ended is taken out under the locks and ended outside them, for its file sender may be telling a
-/// handler of attachment statuses how a transfer ended.
+/// handler of attachment statuses how a transfer ended. Such a handler waits for no claim, since the thread that has it may
+/// be waiting for the handler; what it ends is taken down by the work thread.
 class VKMXPCoreManager : public VKThreadModule, private vk::Hub
 {
 public:
@@ -136,7 +137,7 @@ private:
     class RoundMark;
     struct Ended;
 
-    VKMXPCoreManager() = default;
+    VKMXPCoreManager();
 
     // What the connections and sessions see.
     vk::TrafficWait& Traffic() override { return m_objTraffic; }
@@ -149,8 +150,8 @@ private:
     std::vector<VKMXPSession*> TakeReadySessions();
     void VisitSession(VKMXPSession& session);
     void VisitResponses();
-    std::vector<Ended> VisitConnections();
-    std::vector<Ended> EndDeadConnections(const std::vector<std::string>& connectionIds);
+    void VisitConnections();
+    void EndDeadConnections(const std::vector<std::string>& connectionIds);
     void RunGuardedRound();
     void WaitForWork();
     bool ProcessIncomingRequest(const std::string& connectionId, const std::string& jid, VKMXPmBase* packet);
@@ -175,14 +176,17 @@ private:
     VKMXPSession* GetSessionOrLog(const std::string& jid, const std::string& connectionId);
     VKMXPSession* SessionOrLog(const std::string& jid, const std::string& connectionId);
     int NextSequence();
-    void Discard(std::unique_ptr<VKMXPConnIface> connection);
+    bool InRoundHandler() const { return OnWorkThread() && m_bInRound; }
+    void EndBehindTheRound();
+    void EndWhatNobodyElseDoes();
+    void LogTerminated(const VKMXPConnIface& connection) const;
     bool OnWorkThread() const { return m_idWorkThread.load() == std::this_thread::get_id(); }
 
     vk::TrafficWait m_objTraffic;
     std::mutex m_mtxReady;                      ///< leaf
     std::vector<VKMXPSession*> m_vecReady;      ///< sessions worth a visit; m_mtxReady
     std::vector<std::unique_ptr<VKMXPSession>> m_vecEnded; ///< ended by a handler, deleted behind the round; cycle lock
-    std::vector<std::unique_ptr<VKMXPConnIface>> m_vecEndedConnections; ///< the same
+    std::vector<Ended> m_vecEndedConnections; ///< to be taken down behind the round; cycle lock
     bool m_bMoreStrays = false;                                         ///< work thread only
     std::atomic<std::thread::id> m_idWorkThread{};
     bool m_bInRound = false; ///< cycle lock

@@ -4,7 +4,8 @@
 #include "VKconLock.h"
 
 /// The right to log one connection ID in, again, or to end it. A login takes up to half a minute; whoever holds the
-/// claim holds none of the core's locks meanwhile. The work thread never waits for a claim: for it Held() may be false.
+/// claim holds none of the core's locks meanwhile. The work thread never waits for a claim, nor does a handler of
+/// attachment statuses: for them Held() may be false.
 class VKMXPCoreManager::Claim
 {
 public:
@@ -12,7 +13,7 @@ public:
     {
         std::unique_lock<std::mutex> lock(m_manager.m_mtxClaims);
         const auto free = [this] { return m_manager.m_setClaimed.count(m_strId) == 0; };
-        if (!m_manager.OnWorkThread())
+        if (!m_manager.OnWorkThread() && !VKMXPConnIface::InStatusHandler())
             m_manager.m_cvClaims.wait(lock, free);
         if (free())
             m_bHeld = m_manager.m_setClaimed.insert(m_strId).second;
@@ -68,7 +69,7 @@ private:
 };
 
 /// A connection that is out of the map and still to be ended; its ID stays claimed until it is gone, so that nobody logs
-/// in anew beside it.
+/// in anew beside it. Without a claim what a handler on the work thread has ended, which may log in anew itself.
 struct VKMXPCoreManager::Ended
 {
     std::unique_ptr<Claim> pobjClaim;

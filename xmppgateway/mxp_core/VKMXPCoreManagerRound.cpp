@@ -30,6 +30,7 @@ void VKMXPCoreManager::DoThreadWork()
         RunGuardedRound();
         WaitForWork();
     }
+    EndBehindTheRound(); // there is no round any more that would
     // What TLS keeps for this thread goes before anybody learns of its end: the process may be over before the thread's
     // own clean-up has run.
     OPENSSL_thread_stop();
@@ -87,21 +88,26 @@ void VKMXPCoreManager::RunRound()
         std::unique_lock<std::mutex> lock(m_mtxTurn);
         m_cvTurn.wait(lock, [this] { return m_iCycleWaiters == 0; });
     }
-    std::vector<Ended> ended;
-    std::vector<std::unique_ptr<VKMXPConnIface>> endedByHandlers;
     {
         const vk::ScopedSection cycle(*m_pobjCycleLock);
         const RoundMark mark(*this);
         for (VKMXPSession* session : TakeReadySessions())
             VisitSession(*session);
         VisitResponses();
-        ended = VisitConnections();
-        endedByHandlers.swap(m_vecEndedConnections);
+        VisitConnections();
         ++m_uRounds;
     }
-    // Outside the locks: the end of a connection waits for its file sender, whose handler may want one of them.
-    for (const auto& each : endedByHandlers)
-        each->TerminateConnection();
+    EndBehindTheRound();
+}
+
+/// Outside the locks: the end of a connection waits for its file sender, whose handler may want one of them.
+void VKMXPCoreManager::EndBehindTheRound()
+{
+    std::vector<Ended> ended;
+    {
+        const vk::ScopedSection cycle(*m_pobjCycleLock);
+        ended.swap(m_vecEndedConnections);
+    }
     for (const Ended& each : ended)
         each.pobjConnection->TerminateConnection();
 }
@@ -174,7 +180,7 @@ void VKMXPCoreManager::VisitResponses()
                                     response.handler);
 }
 
-std::vector<VKMXPCoreManager::Ended> VKMXPCoreManager::VisitConnections()
+void VKMXPCoreManager::VisitConnections()
 {
     // Connections are deleted under the cycle lock only, so the pointers hold for this round.
     std::vector<VKMXPConnIface*> connections;
@@ -188,7 +194,7 @@ std::vector<VKMXPCoreManager::Ended> VKMXPCoreManager::VisitConnections()
     std::vector<std::string> dead;
     for (VKMXPConnIface* connection : connections) {
         if (std::any_of(m_vecEndedConnections.begin(), m_vecEndedConnections.end(),
-                        [connection](const auto& ended) { return ended.get() == connection; }))
+                        [connection](const Ended& ended) { return ended.pobjConnection.get() == connection; }))
             continue; // a handler has ended it in this very round
         // The wait of the poll lies behind the round, for all connections together: here it only takes what is there.
         if (connection->SendPing(0))
@@ -196,7 +202,7 @@ std::vector<VKMXPCoreManager::Ended> VKMXPCoreManager::VisitConnections()
         else
             dead.push_back(connection->m_strConnectionID);
     }
-    return EndDeadConnections(dead);
+    EndDeadConnections(dead);
 }
 
 bool VKMXPCoreManager::ProcessAllIncoming(VKMXPConnIface& connection)

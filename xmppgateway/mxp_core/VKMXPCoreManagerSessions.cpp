@@ -34,9 +34,13 @@ bool VKMXPCoreManager::StartC2SConnection(const std::string& connectionId, const
     };
     if (known())
         return true;
+    EndWhatNobodyElseDoes();
     const Claim claim(*this, connectionId);
-    if (!claim.Held())
+    if (!claim.Held()) {
+        if (error)
+            *error = "The connection is being ended or logged in.";
         return false;
+    }
     if (known()) // another thread was faster
         return true;
 
@@ -111,10 +115,16 @@ VKMXPSession* VKMXPCoreManager::StartC2CSession(const std::string& jid, const st
 }
 
 /// A session on a connection that has lost its server: the connection logs in again, which takes its time, so only the
-/// claim is held, under which nobody ends it.
+/// claim is held, under which nobody ends it. A handler cannot do that: it runs under locks of the round, or on a thread
+/// for which a login waits. The work thread then removes the connection, and the next caller starts it anew.
 VKMXPSession* VKMXPCoreManager::StartSessionAnew(const std::string& jid, const std::string& connectionId,
                                                  const std::string& resource)
 {
+    if (InRoundHandler() || VKMXPConnIface::InStatusHandler()) {
+        VK_LOG_ERROR(m_pLogger, "The XMPP connection id:%s is lost. No handler can log it in again.",
+                     connectionId.c_str());
+        return nullptr;
+    }
     const Claim claim(*this, connectionId);
     VKMXPConnIface* connection = nullptr;
     if (claim.Held()) {
@@ -167,35 +177,55 @@ bool VKMXPCoreManager::TerminateC2CSession(const std::string& jid, const std::st
     return ended;
 }
 
-bool VKMXPCoreManager::TerminateC2SConnection(const std::string& connectionId)
+void VKMXPCoreManager::LogTerminated(const VKMXPConnIface& connection) const
 {
-    const Claim claim(*this, connectionId);
-    if (!claim.Held())
-        return false;
-    std::unique_ptr<VKMXPConnIface> ended;
-    {
-        const CycleHold cycle(*this);
-        const vk::ScopedSection responses(*m_pobjResponseLock);
-        const vk::ScopedSection connections(*m_pobjConnectionsLock);
-        ended = TerminateC2SConnectionIntern(connectionId);
-    }
-    if (!ended)
-        return false;
-    if (!(OnWorkThread() && m_bInRound)) // what a handler ends is taken down behind the round, outside its locks
-        ended->TerminateConnection();
     VK_LOG_INFO(m_pLogger,
                 "Successfully terminate and delete XMPP connection id:%s with server %s:%d using user ID:%s with "
                 "resource:%s.",
-                connectionId.c_str(), ended->m_strServer.c_str(), ended->m_iPort, ended->m_strUserID.c_str(),
-                ended->m_strResource.c_str());
-    Discard(std::move(ended));
+                connection.m_strConnectionID.c_str(), connection.m_strServer.c_str(), connection.m_iPort,
+                connection.m_strUserID.c_str(), connection.m_strResource.c_str());
+}
+
+/// What a handler has ended while there was no work thread keeps its claim, which somebody must give back.
+void VKMXPCoreManager::EndWhatNobodyElseDoes()
+{
+    if (!m_bRunning && !VKMXPConnIface::InStatusHandler())
+        EndBehindTheRound();
+}
+
+/// What a handler ends is taken down by the work thread behind the round, outside the locks and not on a file sender's own
+/// thread.
+bool VKMXPCoreManager::TerminateC2SConnection(const std::string& connectionId)
+{
+    EndWhatNobodyElseDoes();
+    Ended ended{std::make_unique<Claim>(*this, connectionId), nullptr};
+    if (!ended.pobjClaim->Held())
+        return false;
+    {
+        const CycleHold cycle(*this);
+        {
+            const vk::ScopedSection responses(*m_pobjResponseLock);
+            const vk::ScopedSection connections(*m_pobjConnectionsLock);
+            ended.pobjConnection = TerminateC2SConnectionIntern(connectionId);
+        }
+        if (!ended.pobjConnection)
+            return false;
+        if (InRoundHandler())
+            ended.pobjClaim.reset();
+        if (InRoundHandler() || VKMXPConnIface::InStatusHandler()) {
+            LogTerminated(*ended.pobjConnection);
+            m_vecEndedConnections.push_back(std::move(ended));
+            m_objTraffic.Wake();
+            return true;
+        }
+    }
+    ended.pobjConnection->TerminateConnection();
+    LogTerminated(*ended.pobjConnection);
     return true;
 }
 
-std::vector<VKMXPCoreManager::Ended>
-VKMXPCoreManager::EndDeadConnections(const std::vector<std::string>& connectionIds)
+void VKMXPCoreManager::EndDeadConnections(const std::vector<std::string>& connectionIds)
 {
-    std::vector<Ended> ended;
     for (const std::string& connectionId : connectionIds) {
         auto claim = std::make_unique<Claim>(*this, connectionId);
         if (!claim->Held())
@@ -204,9 +234,8 @@ VKMXPCoreManager::EndDeadConnections(const std::vector<std::string>& connectionI
         const vk::ScopedSection connections(*m_pobjConnectionsLock);
         const auto found = m_mapConnections.find(connectionId);
         if (found != m_mapConnections.end() && !found->second->IsConnected())
-            ended.push_back({std::move(claim), TerminateC2SConnectionIntern(connectionId)});
+            m_vecEndedConnections.push_back({std::move(claim), TerminateC2SConnectionIntern(connectionId)});
     }
-    return ended;
 }
 
 /// Takes a connection out, with its sessions and the responses that are waited for on it; null when there is none. Cycle,
@@ -254,9 +283,3 @@ void VKMXPCoreManager::Discard(VKMXPSession* session)
         m_vecEnded.push_back(std::move(ended));
 }
 
-/// The same for a connection: one that a handler ended lives on to the end of the round, which then takes it down.
-void VKMXPCoreManager::Discard(std::unique_ptr<VKMXPConnIface> connection)
-{
-    if (OnWorkThread() && m_bInRound)
-        m_vecEndedConnections.push_back(std::move(connection));
-}

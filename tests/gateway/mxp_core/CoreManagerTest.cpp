@@ -71,6 +71,7 @@ class CoreManager : public ::testing::Test
 protected:
     static void SetUpTestSuite()
     {
+        s_logger.Clear();
         s_server = std::make_unique<ProsodyServer>();
         s_server->AddAccounts({{"server", "pw"}, {"alice", "pw"}, {"bob", "pw"}, {"carol", "pw"}});
         s_server->Start();
@@ -109,13 +110,12 @@ protected:
     }
 
     static std::unique_ptr<ProsodyServer> s_server;
-    static vktest::RecordingLogger s_logger;
+    static inline vktest::RecordingLogger& s_logger = vktest::CoreLogger();
     VKMXPCoreManager* manager = nullptr;
     NotingHandler handler;
 };
 
 std::unique_ptr<ProsodyServer> CoreManager::s_server;
-vktest::RecordingLogger CoreManager::s_logger;
 
 TEST_F(CoreManager, CarriesAMessageOutAndTheAnswerBack)
 {
