@@ -41,6 +41,8 @@ template <class Run> void SQLite3Connection::Watched(Run&& run)
 /// again or a copy was restored in place of the file, stays what it is for good. Before a transaction it is replaced.
 void SQLite3Connection::OpenAnewWhenDoubtful()
 {
+    if (m_iAttached > 0)
+        return;
     const bool anotherFile = !m_database.IsOpened() || m_database.IsStale();
     if (!anotherFile && !m_bDoubtful)
         return;
@@ -106,12 +108,13 @@ bool SQLite3Connection::CanAttach(const SqlFile& file)
 
 void SQLite3Connection::Attach(const SqlFile& file)
 {
-    OpenAnewWhenDoubtful(); // a new handle would not have it
+    OpenAnewWhenDoubtful(); // before: a new handle has no attachments
     const std::string path = VKSQLite3Database::CreateTablePath(m_strDirectory, file.file);
     if (!CanAttach(file))
         throw VKDBexception(DbError::General, __FILE__, __LINE__, "Unable to open DB [" + path + "]",
                             "there is no such file");
     ExecuteUpdateQuery("ATTACH '" + VKSQLite3Database::PreprocessSqlStringCopy(path, 0) + "' AS " + file.schema + ";");
+    ++m_iAttached;
     // It is only read. Without this the end of each transaction would write, sync and delete a file that names both.
     try {
         ExecuteUpdateQuery(std::string("PRAGMA ") + file.schema + ".synchronous=OFF;");
@@ -123,6 +126,7 @@ void SQLite3Connection::Attach(const SqlFile& file)
 
 void SQLite3Connection::Detach(const SqlFile& file)
 {
+    --m_iAttached;
     ExecuteUpdateQuery(std::string("DETACH ") + file.schema + ";");
 }
 

@@ -42,6 +42,7 @@ private:
 
     std::string m_strDirectory;
     VKSQLite3Database m_database;
+    int m_iAttached = 0;      ///< files that a new handle would not have
     bool m_bDoubtful = false; ///< a statement failed: the handle may be at fault, not only the file
 };
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <optional>
 #include <sqlite3.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -10,7 +11,9 @@
 #include "FileFaults.h"
 #include "TempDir.h"
 #include "VKDBexception.h"
+#include "VKSQLite3Connection.h"
 #include "VKSQLite3Database.h"
+#include "VKSqlTransaction.h"
 
 using vktest::CountedPauses;
 using vktest::WithoutRootRights;
@@ -246,6 +249,35 @@ TEST_F(VKSQLite3DatabaseTest, AReadOnlyFileIsReadAndRefusesChanges)
     }
     EXPECT_FALSE(database->IsTransactionInProgress());
     EXPECT_EQ(pauses.count, 0);
+}
+
+TEST_F(VKSQLite3DatabaseTest, ReadOnlyFilesAreReadTogetherAndTheHandleHealsWhenTheRightComesBack)
+{
+    for (const char* file : {"notes.sdb", "other.sdb", "third.sdb"})
+        VKSQLite3Database(dir / file, kTables, 2, false);
+    chmod(dir.Path().c_str(), 0755);
+    const auto modes = [&](mode_t mode) {
+        for (const auto& entry : std::filesystem::directory_iterator(dir.Path()))
+            chmod(entry.path().c_str(), mode);
+    };
+    modes(0444);
+    std::optional<WithoutRootRights> user(std::in_place);
+    vk::SQLite3Connection connection(dir.Path().string(), "notes.sdb", kTables, 2);
+    for (int again = 0; again < 2; ++again) {
+        const vk::SqlAttachment one(connection, {"one", "other.sdb"});
+        const vk::SqlAttachment two(connection, {"two", "third.sdb"});
+        vk::InTransaction(connection, vk::TransactionLock::Shared, [&] {
+            connection.ExecuteSelectQuery("SELECT * FROM note, one.tag, two.tag;");
+        });
+    }
+    const auto add = [&] {
+        vk::InTransaction(connection, vk::TransactionLock::Exclusive,
+                          [&] { connection.ExecuteInsertQuery("INSERT INTO note (text) VALUES ('x');"); });
+    };
+    EXPECT_THROW(add(), VKDBexception);
+    user.reset();
+    modes(0644);
+    EXPECT_NO_THROW(add());
 }
 
 TEST_F(VKSQLite3DatabaseTest, WaitsForAnotherProcessThatHoldsTheFile)
