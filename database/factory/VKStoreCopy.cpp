@@ -55,10 +55,29 @@ template <class Family> std::unique_ptr<SqlStore> OpenFiles(const std::string& d
     return std::make_unique<SqlStore>(std::move(connection), kStatementLimit);
 }
 
+/// Tells of tables that were not made before a statement in the middle of the work does so in the server's words.
+template <class Family> void RequireTables(SqlStore& server, const Family& family)
+{
+    ForEachTable(family, [&](const auto& table) {
+        try {
+            server.Select("SELECT id FROM {} WHERE id=0", table.name);
+        } catch (const VKDBexception& failure) {
+            throw VKDBexception(failure.GetErrorCode(), __FILE__, __LINE__,
+                                std::string("The table [") + table.name.relational +
+                                    "] cannot be read. A new database needs the tables that \"vkadmin schema\" prints; "
+                                    "run its output there first.",
+                                failure.GetSysMsg().empty() ? failure.GetMsg() : failure.GetSysMsg());
+        }
+    });
+}
+
 template <class Family> std::unique_ptr<SqlStore> Open(const StorePlace& place, const Family& family)
 {
-    if (place.source.database_type == DbTypeOdbc)
-        return OpenServer(place.source);
+    if (place.source.database_type == DbTypeOdbc) {
+        auto server = OpenServer(place.source);
+        RequireTables(*server, family);
+        return server;
+    }
     return OpenFiles(place.configDirectory, family);
 }
 

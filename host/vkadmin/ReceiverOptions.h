@@ -44,6 +44,11 @@ inline constexpr Option kReceiverFields[] = {
     {"--remedy-flag", "BOOL", "Whether trouble tickets reach it.", Need::Optional, kBooleans},
     {"--acct-name", "NAME", "The account with which its person logs in."},
     {"--account-password-file", "FILE", "That account's password, the first line of a file; \"-\" is standard input."},
+    {"--security-code-file", "FILE", "Its security code, the first line of a file."},
+    {"--mxp-password-file", "FILE", "The mobile device's password on its carrier, the first line of a file."},
+    {"--bk-mxp-password-file", "FILE", "The same on its backup carrier."},
+    {"--device-id", "TOKEN", "Under which its push service knows the mobile device."},
+    {"--device-push-service", "NAME", "That push service."},
     {"--can-update-rece", "BOOL", "Whether that person may change the receiver.", Need::Optional, kBooleans},
     {"--can-update-schd", "BOOL", "Whether that person may change its schedules.", Need::Optional, kBooleans},
 };

@@ -7,8 +7,13 @@
 #include "VKConfiguration.h"
 #include "VKJson.h"
 
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
 #include <filesystem>
 #include <optional>
+#include <sys/file.h>
+#include <unistd.h>
 
 namespace vk {
 
@@ -42,6 +47,28 @@ std::string PathOf()
 {
     return VKConfiguration::getVKConfiguration()->getConfDirectory(false) + "/" + File::kName;
 }
+
+/// An administrator's turn at a settings file, as long as the object lives: what is read, changed and written must not
+/// be changed by another one meanwhile. Waits for its turn.
+class Turn
+{
+public:
+    explicit Turn(const std::string& settingsFile)
+    {
+        const std::string path = settingsFile + ".lock";
+        m_file = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0660);
+        if (m_file < 0)
+            throw InputError(path + ": " + std::strerror(errno));
+        while (flock(m_file, LOCK_EX) != 0 && errno == EINTR) {
+        }
+    }
+    ~Turn() { close(m_file); }
+    Turn(const Turn&) = delete;
+    Turn& operator=(const Turn&) = delete;
+
+private:
+    int m_file;
+};
 
 /// What the file holds; nothing when there is no file. Throws InputError for one that cannot be understood.
 template <class File>
@@ -186,6 +213,7 @@ int Set(const Arguments& arguments)
     const std::string& key = arguments.Operands().front();
     RequireKey(key, SettingKeys(File::kFields));
     UseRoot(arguments);
+    const Turn turn(PathOf<File>());
     typename File::Settings values = Read<File>().value_or(typename File::Settings{});
     ForEachField(File::kFields, [&](const auto& row) {
         if (SettingKey(row) == key)

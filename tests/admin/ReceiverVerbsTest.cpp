@@ -65,6 +65,24 @@ TEST_F(VkadminReceivers, AChangeTouchesOnlyWhatIsGiven)
     EXPECT_EQ(Names({}), "Al ");
 }
 
+TEST_F(VkadminReceivers, WhatADeviceIsReachedWithIsStoredAndItsSecretsAreNotShown)
+{
+    const std::string secret = dir.Write("secret", "c0de\n");
+    Add({"receiver", "add", "--name", "Al", "--pin", "al@t", "--device-id", "token-1", "--device-push-service", "fcm",
+         "--security-code-file", secret, "--mxp-password-file", secret});
+    const auto stored = [&](const char* text) {
+        return dir.Read("root/config/receivers.sdb").find(text) != std::string::npos;
+    };
+    EXPECT_EQ(Shown("1")["device_push_service"].asString(), "fcm");
+    EXPECT_TRUE(stored("c0de") && stored("\"DeviceID\":\"token-1\"") && stored("\"MxpPassword\":"));
+    EXPECT_EQ(Admin({"receiver", "modify", "--id", "1", "--device-id", "token-2"}).exitCode, 0);
+    EXPECT_TRUE(stored("\"DeviceID\":\"token-2\"") && stored("\"DevicePushService\":\"fcm\"")) << "the rest stays";
+    EXPECT_THAT(Admin({"receiver", "show", "--id", "1", "--json"}).out,
+                testing::AllOf(Not(HasSubstr("c0de")), Not(HasSubstr("token"))));
+    ExpectOneLine(Admin({"receiver", "modify", "--id", "1", "--security-code-file", dir.Write("long", "12345678901\n")}), 2,
+                  "--security-code-file: is longer than 10 bytes");
+}
+
 TEST_F(VkadminReceivers, AListShowsWhatTheFilterLeaves)
 {
     Add({"receiver", "add", "--name", "Ann", "--pin", "10", "--department-id", "1", "--voice-enable", "true",

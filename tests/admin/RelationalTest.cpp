@@ -35,7 +35,8 @@ TEST_F(VkadminOnAServer, AnInstallationMovesInThreeCommands)
 {
     Add({"department", "add", "--name", "Fire"});
     Add({"receiver", "add", "--name", "Al", "--pin", "al@localhost", "--department-id", "1"});
-    ExpectOneLine(Convert(), 3, "VK_DEPARTMENT"); // there are no tables yet
+    ExpectOneLine(Convert(), 3, "The table [VK_DEPARTMENT] cannot be read. A new database needs the tables that \"vkadmin "
+                                "schema\" prints; run its output there first.: ERROR: relation \"vk_department\"");
     MakeTables();
     const ProgramRun first = Convert();
     ASSERT_EQ(first.exitCode, 0) << first.err;

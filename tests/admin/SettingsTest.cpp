@@ -1,3 +1,4 @@
+#include "RunningProgram.h"
 #include "VkadminRun.h"
 
 namespace {
@@ -106,6 +107,22 @@ TEST_F(SettingsVerbs, AWrongKeyOrValueIsNamedWithWhatWouldDo)
     ExpectOneLine(Settings("mxp", "set", {"host"}), 2, "give one of VALUE and --file");
     ExpectOneLine(Settings("mxp", "show", {"hots"}), 2, "there is no key 'hots'");
     EXPECT_FALSE(std::filesystem::exists(dir / "root/config/mxp_config.xml")) << "nothing was done";
+}
+
+TEST_F(SettingsVerbs, TwoAdministratorsAtOnceLoseNothingOfEachOther)
+{
+    const auto set = [&](const char* key, int value) {
+        return std::vector<std::string>{"--root", dir / "root", "settings", "mxp", "set", key, std::to_string(value)};
+    };
+    for (int round = 1; round <= 8; ++round) {
+        RunningProgram one("vkadmin", set("server_port", round));
+        RunningProgram two("vkadmin", set("socket_timeout", round));
+        EXPECT_EQ(one.Wait(), 0) << one.Err();
+        EXPECT_EQ(two.Wait(), 0) << two.Err();
+        const Json::Value shown = Shown("mxp");
+        EXPECT_EQ(shown["server_port"].asInt(), round);
+        EXPECT_EQ(shown["socket_timeout"].asInt(), round);
+    }
 }
 
 TEST_F(SettingsVerbs, AFileThatCannotBeUnderstoodIsLeftAloneAndForeignContentStays)
