@@ -114,7 +114,7 @@ TEST_F(SettingsVerbs, TwoAdministratorsAtOnceLoseNothingOfEachOther)
     const auto set = [&](const char* key, int value) {
         return std::vector<std::string>{"--root", dir / "root", "settings", "mxp", "set", key, std::to_string(value)};
     };
-    for (int round = 1; round <= 8; ++round) {
+    for (int round = 1; round <= 4; ++round) {
         RunningProgram one("vkadmin", set("server_port", round));
         RunningProgram two("vkadmin", set("socket_timeout", round));
         EXPECT_EQ(one.Wait(), 0) << one.Err();
