@@ -168,7 +168,7 @@ TEST_P(QueueOfMessages, AnArchiveThatIsAwayForATimeHoldsMessagesBack)
     ASSERT_TRUE(installation.Await(4, {"M.0.before.fake"})) << messenger.Err();
     installation.TakeAway(4);
     Add("meanwhile", Body("meanwhile", "", "", false));
-    const std::string named = installation.OnServer() ? "relation \"vk_queue_completed\" does not exist" : "M.0.meanwhile.fake";
+    const std::string named = installation.OnServer() ? "relation \"vk_queue_completed\" does not exist" : "/archive/";
     EXPECT_TRUE(RunningProgram::Await([&] { return messenger.Err().find(named) != std::string::npos; })) << messenger.Err();
     EXPECT_EQ(installation.Names(1), Names{"R.0.meanwhile.fake"});
     installation.BringBack(4);
