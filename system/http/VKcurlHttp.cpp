@@ -37,7 +37,7 @@ struct Request
     Proxy proxy;
 };
 
-/// `fillBody` sets what is posted.
+/// `fillBody` sets what is posted, and says libcurl's code when it cannot.
 template <class FillBody> int Post(const Request& request, FillBody&& fillBody)
 {
     vk::CurlHandle curl;
@@ -47,7 +47,8 @@ template <class FillBody> int Post(const Request& request, FillBody&& fillBody)
     curl.Set(CURLOPT_URL, request.url ? request.url : "");
     curl.Set(CURLOPT_POST, 1L);
     curl.Set(CURLOPT_VERBOSE, 0L);
-    fillBody(curl);
+    if (const CURLcode code = fillBody(curl); code != CURLE_OK)
+        return code;
     curl.Set(CURLOPT_USERAGENT, "VardockClient");
     curl.Set(CURLOPT_SSL_VERIFYPEER, 1L);
     curl.Set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_0));
@@ -89,6 +90,7 @@ int Curl_HttpPostUrlEncodedFields(const char* url, char* fields, VDK_BUFFER* res
                 [fields](vk::CurlHandle& curl) {
                     curl.Set(CURLOPT_POSTFIELDS, fields ? fields : "");
                     curl.Set(CURLOPT_POSTFIELDSIZE, fields ? static_cast<long>(strlen(fields)) : 0L);
+                    return CURLE_OK;
                 });
 }
 
@@ -108,9 +110,11 @@ int Curl_HttpPostMultiPart(const char* url, char** fields, int count, char* file
         if (file && *file) {
             curl_mimepart* const part = curl_mime_addpart(form.get());
             curl_mime_name(part, "file");
-            curl_mime_filedata(part, file);
+            if (const CURLcode code = curl_mime_filedata(part, file); code != CURLE_OK)
+                return code; // libcurl itself would only find that a body of no known size does not go over HTTP 1.0
         }
         curl.Set(CURLOPT_MIMEPOST, form.get());
+        return CURLE_OK;
     });
 }
 

@@ -78,14 +78,15 @@ TEST_F(PushGcmsTest, JudgesEveryAnswer)
         const char* body;
         bool taken;
         const char* log;
+        std::size_t errors = 2; ///< lines: what is wrong, and that it could not be sent
     } cases[] = {
-        {200, R"({"success":1,"results":[{"message_id":"1"}]})", true, ""},
+        {200, R"({"success":1,"results":[{"message_id":"1"}]})", true, "", 0},
         {200, R"({"success":0,"results":[{"error":"NotRegistered"},{"error":7}]})", false,
-         "GCMS Request failed due to 'NotRegistered'"},
-        {200, R"({"success":0})", false, "Failed to send payload."},
-        {200, R"({"success":)", false, "Failed to send payload."},
-        {200, R"(["success"])", false, "Failed to send payload."},
-        {200, R"({"success":"1","results":"none"})", false, "Failed to send payload."},
+         "GCMS Request failed due to 'NotRegistered'", 3},
+        {200, R"({"success":0})", false, "Failed to send payload.", 1},
+        {200, R"({"success":)", false, "Failed to send payload.", 1},
+        {200, R"(["success"])", false, "Failed to send payload.", 1},
+        {200, R"({"success":"1","results":"none"})", false, "Failed to send payload.", 1},
         {400, "no such field", false, "Malformed request. Response 'no such field'"},
         {400, "you sent very-secret-key", false, "Malformed request. Response 'you sent ***'"},
         {401, "", false, "There was an error authenticating the sender account."},
@@ -94,7 +95,9 @@ TEST_F(PushGcmsTest, JudgesEveryAnswer)
     };
     for (const auto& c : cases) {
         response = {c.status, c.body};
+        const std::size_t before = m_logger.Messages(VKLogInterface::ERROR).size();
         EXPECT_EQ(Send(), c.taken) << c.body;
+        EXPECT_EQ(m_logger.Messages(VKLogInterface::ERROR).size() - before, c.errors) << c.body;
         EXPECT_TRUE(m_logger.Has(c.log)) << c.log;
         EXPECT_FALSE(m_gcms.GetLastAnswer().empty());
     }

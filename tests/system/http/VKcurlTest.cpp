@@ -84,6 +84,9 @@ TEST_F(StandAloneHttp, PostsAFormWithAFile)
     EXPECT_EQ(last.Header("x-form"), "1");
     for (const char* part : {"name=\"subject\"", "Fire, floor 3", "filename=\"plan.txt\"", "the plan"})
         EXPECT_NE(last.body.find(part), std::string::npos) << part;
+    std::string missing = m_root / "no-such-plan";
+    EXPECT_EQ(Curl_HttpPostMultiPart(server.Url().c_str(), fields, 1, missing.data(), header, nullptr, nullptr),
+              CURLE_READ_ERROR);
 }
 
 TEST_F(StandAloneHttp, ChecksThePeerWhereTheSessionDoesNot)
