@@ -187,7 +187,7 @@ private:
     std::vector<VKMXPSession*> m_vecReady;      ///< sessions worth a visit; m_mtxReady
     std::vector<std::unique_ptr<VKMXPSession>> m_vecEnded; ///< ended by a handler, deleted behind the round; cycle lock
     std::vector<Ended> m_vecEndedConnections; ///< to be taken down behind the round; cycle lock
-    bool m_bMoreStrays = false;                                         ///< work thread only
+    bool m_bMoreStrays = false;               ///< work thread only
     std::atomic<std::thread::id> m_idWorkThread{};
     bool m_bInRound = false; ///< cycle lock
     std::atomic<unsigned long> m_uRounds{0};

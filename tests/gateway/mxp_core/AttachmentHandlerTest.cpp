@@ -152,6 +152,21 @@ TEST_F(AttachmentHandlers, DoNotHangWhenTheirConnectionIsLost)
     ExpectANewOneWorks(alice);
 }
 
+/// A connection that sends no files refuses them while the session sends its packet, in the middle of a round.
+TEST_F(AttachmentHandlers, MayEndAConnectionThatSendsNoFiles)
+{
+    FilePeer alice(s_server->Jid("alice") + "/mxp", s_server->Port(), kBoth);
+    ASSERT_TRUE(alice.WaitUntilOnline());
+    Acting handler([&] { ended = manager->TerminateC2SConnection("files"); });
+    ASSERT_TRUE(manager->StartC2SConnection("files", "127.0.0.1", s_server->Port(), s_server->Jid("server"), "pw", "vk",
+                                            false, "", 0, 65, 15, &error));
+    ASSERT_TRUE(manager->RegisterForAttachmentStatus("files", &handler));
+    SendFiles("refused", {MakeFile("plan", "text")});
+    EXPECT_EQ(handler.WaitUntilDone(), "files 2");
+    EXPECT_TRUE(ended);
+    ExpectANewOneWorks(alice);
+}
+
 /// A connection without a manager, whose handler ends or deletes it.
 TEST_F(AttachmentHandlers, MayEndAndDeleteAConnectionThatIsTheirs)
 {
