@@ -99,6 +99,7 @@ VKMXPConnGlooxImpl::~VKMXPConnGlooxImpl()
         VKMXPConnGlooxFileSender::Abandon(std::move(m_pobjFileSender));
     StopFileTransfer();
     DropClient();
+    TellRefused();
     AttachmentMap lost; // what waited to be sent can no more
     for (const FileAttachmentDetails& pending : m_vecPendingAttachments)
         lost[pending.strPacketId] = pending.vecFiles;
@@ -333,6 +334,7 @@ bool VKMXPConnGlooxImpl::SendPing(int timeout)
     if (!Pump(result))
         return false;
     SortInArrived();
+    TellRefused();
     if (result != gloox::ConnNoError)
         NoteDisconnection(result);
     else if (m_bConnected)
@@ -419,8 +421,11 @@ bool VKMXPConnGlooxImpl::SendAMessage(VKMXPSession* session, const std::string& 
         return true;
     if (m_bFileSenderWanted)
         QueueAttachments(*session, attachments);
-    else
-        RefuseAttachments(attachments, "File Transfer Error.", "this connection sends no files");
+    else {
+        // Told with the next ping: the session's lock is held here, and a handler may want those above it.
+        const vk::ScopedSection section(*m_pobjAttachmentsLock);
+        m_mapRefused.insert(attachments.begin(), attachments.end());
+    }
     return true;
 }
 
@@ -446,7 +451,17 @@ void VKMXPConnGlooxImpl::QueueAttachments(VKMXPSession& session, const Attachmen
         m_pobjFileSender->Poke(); // files are secured while the peer thinks about its answer
 }
 
-/// Files that cannot follow are told of at once, so that their jobs do not stay pending for ever.
+void VKMXPConnGlooxImpl::TellRefused()
+{
+    AttachmentMap refused;
+    {
+        const vk::ScopedSection section(*m_pobjAttachmentsLock);
+        refused.swap(m_mapRefused);
+    }
+    RefuseAttachments(refused, "File Transfer Error.", "this connection sends no files");
+}
+
+/// Files that cannot follow are told of, so that their jobs do not stay pending for ever.
 void VKMXPConnGlooxImpl::RefuseAttachments(const AttachmentMap& attachments, const char* error, const char* reason)
 {
     constexpr int kFailed = 2;

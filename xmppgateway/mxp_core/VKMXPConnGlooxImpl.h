@@ -97,6 +97,7 @@ private:
     bool Pump(gloox::ConnectionError& result);
     void EnsureMessageSession(VKMXPSessionGlooxImpl& session);
     void QueueAttachments(VKMXPSession& session, const AttachmentMap& attachments);
+    void TellRefused();
     void RefuseAttachments(const AttachmentMap& attachments, const char* error, const char* reason);
     void NoteDisconnection(int error);
     void LogTransferError(const std::string& jid, const std::string& what, const gloox::IQ* iq);
@@ -120,4 +121,5 @@ private:
     bool m_bPumping = false;                        ///< client lock
     unsigned long m_uNextRecord = 0;                ///< attachments lock
     std::atomic<std::thread::id> m_idSenderThread{};
+    AttachmentMap m_mapRefused; ///< files that cannot go, which the handler is still to be told; attachments lock
 };

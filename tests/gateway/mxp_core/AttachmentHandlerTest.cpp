@@ -152,7 +152,7 @@ TEST_F(AttachmentHandlers, DoNotHangWhenTheirConnectionIsLost)
     ExpectANewOneWorks(alice);
 }
 
-/// A connection that sends no files refuses them while the session sends its packet, in the middle of a round.
+/// A connection that sends no files refuses them in the middle of a round.
 TEST_F(AttachmentHandlers, MayEndAConnectionThatSendsNoFiles)
 {
     FilePeer alice(s_server->Jid("alice") + "/mxp", s_server->Port(), kBoth);
