@@ -65,8 +65,12 @@ SqlMessageQueue::Names SqlMessageQueue::SelectNames(const std::string& condition
 /// Deletes the rows that a condition names, with their bodies; gives back how many there were.
 long SqlMessageQueue::DeleteRows(const std::string& condition)
 {
-    if (m_bodies->StandApart())
-        m_bodies->Remove(SelectNames(condition));
+    if (m_bodies->StandApart()) {
+        const Names names = SelectNames(condition);
+        if (names.empty())
+            return 0;
+        m_bodies->Remove(names);
+    }
     return m_store->Update("DELETE FROM {} WHERE {}", m_table, SqlRaw{condition});
 }
 
