@@ -6,6 +6,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <limits>
+#include <set>
 #include <sstream>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -168,7 +169,8 @@ void SQLite3MessageFiles::RemoveAll() { RequireDone(m_files.EmptyQueue(), "delet
 void SQLite3MessageFiles::BackUp(const std::vector<std::string>& names)
 {
     std::vector<Change> changes;
-    for (const std::string& name : names)
+    const std::set<std::string> files(names.begin(), names.end()); // two rows may have one file
+    for (const std::string& name : files)
         if (m_files.CheckExists(name))
             changes.push_back({Change::BackedUp, name,
                                std::string(kBackups) + "/" + std::to_string(m_lNumber) + "-" +

@@ -101,6 +101,18 @@ TEST(VKMessageNameTest, PartsComeOutOfTheNameAndGoBack)
     EXPECT_EQ(vk::MessageName::Parse("Q.12.a.b.c.mxp").Text(), "Q.12.a.b.c.mxp");
 }
 
+TEST_P(VKMessageQueueTest, RowsOfOneNameAreDeletedTogether)
+{
+    Add(*queue, "M.0.A.mxp");
+    Sql("INSERT INTO {} (msg_name, msg_status) VALUES ('M.0.A.mxp', 'M')");
+    VK_MESSAGE_HEADER_LIST list;
+    queue->Get(&list, false);
+    EXPECT_EQ(list.count, 2);
+    EXPECT_TRUE(queue->DeleteMsgList(&list));
+    EmptyMessageHeaderList(&list);
+    EXPECT_THAT(Names(*queue), IsEmpty());
+}
+
 TEST_P(VKMessageQueueTest, AddedMessageComesBackWholeAndASecondOfItsNameReplacesIt)
 {
     VK_MESSAGE_HEADER header;
