@@ -1,11 +1,13 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "FileDatabase.h"
+#include "VKDBexception.h"
 #include "VKDBiMessageQueue.h"
 #include "VKRecordText.h"
 #include "VKSQLite3MessageQueue.h"
@@ -42,6 +44,28 @@ protected:
         AddMessageContent(&content, body);
         queue.Add(&content);
         return content.header.id;
+    }
+
+    static bool Modify(VKDBiMessageQueue& queue, const std::string& oldName, const std::string& newName,
+                       const std::string& body)
+    {
+        VK_MESSAGE_CONTENT content;
+        const auto empty = [](VK_MESSAGE_CONTENT* one) { EmptyMessageContent(one); };
+        const std::unique_ptr<VK_MESSAGE_CONTENT, decltype(empty)> guard(&content, empty);
+        vk::SetText(content.header.msg_name, newName, "msg_name");
+        AddMessageContent(&content, body);
+        return queue.Modify(&content, oldName);
+    }
+
+    /// What an operation fails with, its system message too; nothing when it succeeds.
+    static std::string WholeErrorOf(const std::function<void()>& operation)
+    {
+        try {
+            operation();
+            return "";
+        } catch (const VKDBexception& failure) {
+            return failure.what();
+        }
     }
 
     static std::vector<std::string> Names(VKDBiMessageQueue& queue, bool ready = false)

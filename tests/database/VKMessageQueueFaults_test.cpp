@@ -76,27 +76,6 @@ protected:
         return content;
     }
 
-    static std::string WholeErrorOf(const std::function<void()>& operation)
-    {
-        try {
-            operation();
-            return "";
-        } catch (const VKDBexception& failure) {
-            return failure.what();
-        }
-    }
-
-    static bool Modify(VKDBiMessageQueue& queue, const std::string& oldName, const std::string& newName,
-                       const std::string& body)
-    {
-        VK_MESSAGE_CONTENT content;
-        vk::SetText(content.header.msg_name, newName, "msg_name");
-        AddMessageContent(&content, body);
-        const auto empty = [](VK_MESSAGE_CONTENT* one) { EmptyMessageContent(one); };
-        const std::unique_ptr<VK_MESSAGE_CONTENT, decltype(empty)> guard(&content, empty);
-        return queue.Modify(&content, oldName);
-    }
-
     std::string File(const std::string& name) const { return path + "/" + name; }
     static std::string ReadAll(const std::string& file)
     {

@@ -66,27 +66,6 @@ protected:
     }
     void StopCutting() { other->ExecuteCommand("DROP TRIGGER cut ON VK_QUEUE_PAGING"); }
 
-    static std::string WholeErrorOf(const std::function<void()>& operation)
-    {
-        try {
-            operation();
-            return "";
-        } catch (const VKDBexception& failure) {
-            return failure.what();
-        }
-    }
-
-    static bool Modify(VKDBiMessageQueue& queue, const std::string& oldName, const std::string& newName,
-                       const std::string& body)
-    {
-        VK_MESSAGE_CONTENT content;
-        const auto empty = [](VK_MESSAGE_CONTENT* one) { EmptyMessageContent(one); };
-        const std::unique_ptr<VK_MESSAGE_CONTENT, decltype(empty)> guard(&content, empty);
-        vk::SetText(content.header.msg_name, newName, "msg_name");
-        AddMessageContent(&content, body);
-        return queue.Modify(&content, oldName);
-    }
-
     static inline const std::string kA = "M.0.A.mxp";
     static inline const std::string kB = "M.0.B.mxp";
     static inline const State kBefore = {{kA, "a"}, {kB, "b"}};
