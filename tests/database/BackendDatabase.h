@@ -34,5 +34,17 @@ public:
     }
 
 protected:
+    /// The backend's own class of an entity, without the rules of the layer above, which refuse odd texts.
+    template <class Entity, class OnFile, class OnServer> std::unique_ptr<Entity> MakeStore()
+    {
+        std::unique_ptr<Entity> store;
+        if (OnFiles())
+            store = std::make_unique<OnFile>();
+        else
+            store = std::make_unique<OnServer>();
+        store->Initialize(&system);
+        return store;
+    }
+
     std::shared_ptr<VKRDBiDatabase> server; ///< what all entities share; null on files
 };

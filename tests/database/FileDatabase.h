@@ -4,8 +4,8 @@
 
 #include <memory>
 
+#include "DatabaseErrors.h"
 #include "TempDir.h"
-#include "VKDBexception.h"
 #include "VKDBiDepartment.h"
 #include "VKDBiReceiver.h"
 #include "VKDBsystem.h"
@@ -16,12 +16,12 @@ class FileDatabase : public testing::Test
 protected:
     FileDatabase()
     {
-        SetLimits(false, 0);
+        ResetSettings();
         system.OpenSdb(dir.Path().string(), "", nullptr, nullptr, 0, nullptr);
     }
     ~FileDatabase() override
     {
-        SetLimits(false, 0);
+        ResetSettings();
         system.Close();
     }
 
@@ -31,17 +31,13 @@ protected:
         VKDBiDepartment::s_lMaxMembers = most;
     }
 
-    /// The error of an operation as "code message"; empty when it throws none.
-    template <class Operation> static std::string ErrorOf(Operation&& operation)
-    {
-        try {
-            operation();
-            return "";
-        } catch (const VKDBexception& failure) {
-            return std::to_string(failure.GetErrorCode()) + " " + failure.GetMsg();
-        }
-    }
-
     TempDir dir;
     VKDBsystem system;
+
+private:
+    static void ResetSettings()
+    {
+        SetLimits(false, 0);
+        VKDBiReceiver::s_bIsCoverByAllowed = VKDBiDepartment::s_bCountGrp = false;
+    }
 };

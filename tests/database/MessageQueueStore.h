@@ -7,10 +7,35 @@
 #include <vector>
 
 #include "FileDatabase.h"
-#include "VKDBexception.h"
+#include "RecordColumns.h"
 #include "VKDBiMessageQueue.h"
-#include "VKRecordText.h"
 #include "VKSQLite3MessageQueue.h"
+
+/// A message whose body goes with it.
+struct Message : VK_MESSAGE_CONTENT
+{
+    Message() = default;
+    /// Its header has these columns.
+    Message(const std::string& name, const std::string& text, const ColumnValues& values = {})
+    {
+        vk::QueueRow row;
+        SetColumns(vk::kQueueTable.fields, row, values);
+        header = row;
+        vk::SetText(header.msg_name, name, "msg_name");
+        AddMessageContent(this, text);
+    }
+    Message(const Message&) = delete;
+    Message& operator=(const Message&) = delete;
+    ~Message() { EmptyMessageContent(this); }
+
+    std::string operator[](const std::string& columns) const
+    {
+        vk::QueueRow row;
+        static_cast<VK_MESSAGE_HEADER&>(row) = header;
+        return Columns(vk::kQueueTable.fields, row, columns);
+    }
+    std::string Body() const { return {body, length}; }
+};
 
 /// Queues 1 to 10, on the database of a fixture; their directories are their own.
 template <class Database> class QueuesOn : public Database
@@ -34,38 +59,25 @@ protected:
     }
 
     static unsigned long Add(VKDBiMessageQueue& queue, const std::string& name, const std::string& body = "{}",
-                             const VK_MESSAGE_HEADER& header = {})
+                             const ColumnValues& values = {})
     {
-        const auto empty = [](VK_MESSAGE_CONTENT* content) { EmptyMessageContent(content); };
-        VK_MESSAGE_CONTENT content;
-        const std::unique_ptr<VK_MESSAGE_CONTENT, decltype(empty)> guard(&content, empty);
-        content.header = header;
-        vk::SetText(content.header.msg_name, name, "msg_name");
-        AddMessageContent(&content, body);
-        queue.Add(&content);
-        return content.header.id;
+        Message message(name, body, values);
+        queue.Add(&message);
+        return message.header.id;
     }
 
     static bool Modify(VKDBiMessageQueue& queue, const std::string& oldName, const std::string& newName,
                        const std::string& body)
     {
-        VK_MESSAGE_CONTENT content;
-        const auto empty = [](VK_MESSAGE_CONTENT* one) { EmptyMessageContent(one); };
-        const std::unique_ptr<VK_MESSAGE_CONTENT, decltype(empty)> guard(&content, empty);
-        vk::SetText(content.header.msg_name, newName, "msg_name");
-        AddMessageContent(&content, body);
-        return queue.Modify(&content, oldName);
+        Message message(newName, body);
+        return queue.Modify(&message, oldName);
     }
 
-    /// What an operation fails with, its system message too; nothing when it succeeds.
-    static std::string WholeErrorOf(const std::function<void()>& operation)
+    /// Columns of a message's header; "(none)" when there is no such message.
+    static std::string Header(VKDBiMessageQueue& queue, const std::string& name, const std::string& columns)
     {
-        try {
-            operation();
-            return "";
-        } catch (const VKDBexception& failure) {
-            return failure.what();
-        }
+        Message message;
+        return queue.GetByName(name, &message, true, true) ? message[columns] : "(none)";
     }
 
     static std::vector<std::string> Names(VKDBiMessageQueue& queue, bool ready = false)
@@ -85,11 +97,8 @@ protected:
 
     static std::string Body(VKDBiMessageQueue& queue, const std::string& name)
     {
-        VK_MESSAGE_CONTENT content;
-        const bool found = queue.GetByName(name, &content, true, true);
-        const std::string body = found ? std::string(content.body, content.length) : "(none)";
-        EmptyMessageContent(&content);
-        return body;
+        Message message;
+        return queue.GetByName(name, &message, true, true) ? message.Body() : "(none)";
     }
 
     /// The backups of changes that are over; none may stay.

@@ -1,11 +1,14 @@
 #pragma once
 
 #include <memory>
+#include <regex>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "VKDBexception.h"
 #include "VKSqlConnection.h"
+#include "VKSqlStore.h"
 #include "VKTransactSqlDialect.h"
 
 /// A connection, T-SQL unless told otherwise, that notes what is run, and answers as told.
@@ -67,4 +70,44 @@ private:
 
     std::vector<std::string>& m_notes;
     const vk::SqlDialect& m_dialect;
+};
+
+/// An entity on a connection that notes what it sends.
+template <class Entity> class Noted : public Entity
+{
+public:
+    explicit Noted(const vk::SqlDialect& dialect = vk::TransactSqlDialect::Get())
+    {
+        this->UseStore(MakeStore(dialect));
+    }
+
+    /// What an operation sends; times of the clock are "NOW".
+    template <class Operation> std::vector<std::string> NotesOf(Operation&& operation)
+    {
+        m_notes.clear();
+        operation();
+        for (std::string& note : m_notes)
+            note = std::regex_replace(note, std::regex("\\b1[0-9]{9}\\b"), "NOW");
+        return std::exchange(m_notes, {});
+    }
+
+    NotingConnection* connection = nullptr; ///< the store's
+
+protected:
+    struct WithoutStore
+    {
+    };
+    template <class... Arguments>
+    explicit Noted(WithoutStore, const Arguments&... arguments) : Entity(arguments...)
+    {
+    }
+    std::unique_ptr<vk::SqlStore> MakeStore(const vk::SqlDialect& dialect = vk::TransactSqlDialect::Get())
+    {
+        auto made = std::make_unique<NotingConnection>(m_notes, dialect);
+        connection = made.get();
+        return std::make_unique<vk::SqlStore>(std::move(made), 65535);
+    }
+
+private:
+    std::vector<std::string> m_notes;
 };

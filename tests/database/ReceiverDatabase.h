@@ -4,22 +4,45 @@
 #include <string>
 
 #include "BackendDatabase.h"
+#include "RecordColumns.h"
 #include "VKDBiCarrier.h"
-#include "VKRecordText.h"
+#include "VKRDBReceiver.h"
+#include "VKSQLite3Receiver.h"
 
 /// A receiver whose arrays go with it.
 struct Receiver : VK_RECEIVER
 {
     Receiver() = default;
-    Receiver(const std::string& device, const std::string& address)
+    /// An available one. Among the values, "guest" stands for a guest department.
+    Receiver(const std::string& device, const std::string& address, const ColumnValues& values = {})
     {
-        vk::SetText(name, device, "name");
-        vk::SetText(pin, address, "pin");
-        status_code = 1;
+        Set({{"name", device}, {"pin", address}, {"status_code", 1}});
+        Set(values);
     }
     Receiver(const Receiver&) = delete;
     Receiver& operator=(const Receiver&) = delete;
     ~Receiver() { EmptyReceiver(this); }
+
+    void Set(const ColumnValues& values)
+    {
+        for (const ColumnValue& value : values)
+            if (value.column == "guest")
+                AddDeptRights(this, std::stoul(value.text));
+            else
+                SetColumns(vk::kReceiverTable.fields, *this, {value});
+    }
+    std::string operator[](const std::string& columns) const
+    {
+        return Columns(vk::kReceiverTable.fields, *this, columns);
+    }
+    /// All that is stored of it.
+    std::string Text() const
+    {
+        std::string text = AllColumns(vk::kReceiverTable.fields, *this);
+        for (int i = 0; i < dept_rights_count; ++i)
+            text += "guest=" + std::to_string(dept_rights[i].department_id) + "\n";
+        return text;
+    }
 };
 
 /// A list of records that is freed with the block.
@@ -33,8 +56,10 @@ template <class List, void (*Empty)(List*)> struct OwnedList : List
 using Receivers = OwnedList<VK_RECEIVER_LIST, EmptyReceiverList>;
 using ReceiverViews = OwnedList<VK_RECEIVER_VIEW_LIST, EmptyReceiverViewList>;
 using Histories = OwnedList<VK_DISABLE_HISTORY_LIST, EmptyDisableHistoryList>;
+using Attributes = OwnedList<VK_ATTRIBUTE_LIST, EmptyAttributeList>;
+using AttributeValues = OwnedList<VK_RECEIVER_ATTRIBUTE_LIST, EmptyReceiverAttributeList>;
 
-/// The names of a list's records: "a b c".
+/// Columns of a list's receivers: "a b c" for the names.
 template <class List> std::string NamesOf(const List& list)
 {
     std::string names;
@@ -48,13 +73,14 @@ class ReceiverDatabase : public BackendDatabase
 {
 protected:
     ReceiverDatabase() { receivers.reset(VKDBiReceiver::CreateInstance(&system)); }
-    ~ReceiverDatabase() override { VKDBiReceiver::s_bIsCoverByAllowed = VKDBiDepartment::s_bCountGrp = false; }
+
+    /// The receivers without their rules.
+    auto MakeReceiverStore() { return MakeStore<vk::SqlReceiver, VKSQLite3Receiver, VKRDBReceiver>(); }
 
     unsigned long AddDepartment(const char* name, long most = -1)
     {
         VK_DEPARTMENT department;
-        vk::SetText(department.name, name, "name");
-        department.max_receivers = most;
+        SetColumns(vk::kDepartmentTable.fields, department, {{"name", name}, {"max_receivers", most}});
         std::unique_ptr<VKDBiDepartment>(VKDBiDepartment::CreateInstance(&system))->Add(&department);
         return department.id;
     }
@@ -69,19 +95,22 @@ protected:
         return carrier.id;
     }
 
-    /// Stores a receiver after `change` has been made to it; gives back its id.
-    template <class Change> unsigned long Store(const std::string& name, Change&& change)
+    /// Stores a receiver, with the address "pin.<name>" unless another is given; gives back its id.
+    unsigned long Store(const std::string& name, const ColumnValues& values = {})
     {
-        Receiver receiver(name, "pin." + name);
-        change(receiver);
+        Receiver receiver(name, "pin." + name, values);
         receivers->Add(&receiver, false);
         return receiver.id;
     }
-    unsigned long Store(const std::string& name)
+
+    /// Columns of the stored receiver of an id; "none" when there is none.
+    std::string Stored(unsigned long id, const std::string& columns)
     {
-        return Store(name, [](Receiver&) {});
+        Receiver read;
+        return receivers->GetByID(&read, id) ? read[columns] : "none";
     }
 
+    /// The disable history: "100-200 300-0 ".
     std::string Periods(unsigned long receiverId)
     {
         Histories histories;

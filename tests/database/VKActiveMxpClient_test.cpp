@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "BackendDatabase.h"
+#include "RecordColumns.h"
 #include "VKDBiActiveMxpClient.h"
 #include "VKRDBActiveMxpClient.h"
 #include "VKReceiver.h"
@@ -22,11 +23,6 @@ VKActiveMxpClientInfo Client(const std::string& key, const std::string& name, lo
 class VKActiveMxpClientTest : public BackendDatabase
 {
 protected:
-    VKActiveMxpClientTest()
-    {
-        clients.reset(VKDBiActiveMxpClient::CreateInstance(&system));
-    }
-
     unsigned long Add(VKActiveMxpClientInfo client)
     {
         EXPECT_TRUE(clients->Add(&client));
@@ -42,7 +38,7 @@ protected:
         return names;
     }
 
-    std::unique_ptr<VKDBiActiveMxpClient> clients;
+    std::unique_ptr<VKDBiActiveMxpClient> clients{VKDBiActiveMxpClient::CreateInstance(&system)};
 };
 
 VK_ON_BOTH_BACKENDS(VKActiveMxpClientTest);
@@ -64,27 +60,27 @@ TEST(VKActiveMxpClientTable, ColumnsAreAsOtherProgramsKnowThem)
 
 TEST_P(VKActiveMxpClientTest, EveryFieldComesBackAndClientsAreFound)
 {
-    VKActiveMxpClientInfo added = Client("Key-ABC'", "Ann's pager", 5000000000, VKActivationModeAdvanced);
-    added.is_suspended = true;
-    added.suspended_time = 6000000000;
-    added.ip_address = "10.1.2.3";
-    added.platform = "Zürich \\ % {}";
-    added.activation_user_name = "ann";
+    const auto& fields = vk::kActiveMxpClientTable.fields;
+    VKActiveMxpClientInfo added;
+    FillColumns(fields, added);
+    added.activation_key = "Key-ABC'";
+    added.client_name = "Ann's pager";
+    added.created_time = 5000000000;
+    added.active_mode = VKActivationModeAdvanced;
     ASSERT_TRUE(clients->Add(&added));
     const auto expectSame = [&] {
         VKActiveMxpClientInfo read;
         ASSERT_TRUE(clients->GetByID(added.id, &read));
-        vk::ForEachField(vk::kActiveMxpClientTable.fields,
-                         [&](const auto& field) { EXPECT_EQ(field.of(read), field.of(added)) << field.name; });
+        EXPECT_EQ(AllColumns(fields, read), AllColumns(fields, added));
     };
     expectSame();
-    added.is_suspended = false;
+    added.is_suspended = !added.is_suspended;
     added.platform = "";
     ASSERT_TRUE(clients->Modify(&added));
-    ASSERT_TRUE(clients->UpdateAuthorization(added.id, true));
-    ASSERT_TRUE(clients->UpdateActivationMode(added.id, VKActivationModeBasic));
-    added.is_authorized = true;
+    added.is_authorized = !added.is_authorized;
     added.active_mode = VKActivationModeBasic;
+    ASSERT_TRUE(clients->UpdateAuthorization(added.id, added.is_authorized));
+    ASSERT_TRUE(clients->UpdateActivationMode(added.id, added.active_mode));
     expectSame();
 
     VKActiveMxpClientInfo read;
@@ -100,13 +96,10 @@ TEST_P(VKActiveMxpClientTest, EveryFieldComesBackAndClientsAreFound)
 
 TEST_P(VKActiveMxpClientTest, TheViewJoinsTheReceiversAndIsFilteredSortedAndPaged)
 {
-    const std::unique_ptr<VKDBiReceiver> receivers(VKDBiReceiver::CreateInstance(&system));
     VK_RECEIVER ann;
-    vk::SetText(ann.name, "Ann", "name");
-    vk::SetText(ann.pin, "ann@example.org", "pin");
-    vk::SetText(ann.first_name, "Anna", "first_name");
-    vk::SetText(ann.last_name, "O'Hara", "last_name");
-    ASSERT_TRUE(receivers->Add(&ann, false));
+    SetColumns(vk::kReceiverTable.fields, ann, {{"name", "Ann"}, {"pin", "ann@example.org"}, {"first_name", "Anna"},
+                                                {"last_name", "O'Hara"}});
+    ASSERT_TRUE(std::unique_ptr<VKDBiReceiver>(VKDBiReceiver::CreateInstance(&system))->Add(&ann, false));
 
     VKActiveMxpClientInfo enrolled = Client("k1", "b%", 300);
     enrolled.activation_user_name = "Ann";
@@ -148,12 +141,7 @@ TEST_P(VKActiveMxpClientTest, TheViewJoinsTheReceiversAndIsFilteredSortedAndPage
 
 TEST_P(VKActiveMxpClientTest, RecordsFromAnotherBackendKeepTheirIds)
 {
-    std::unique_ptr<vk::SqlActiveMxpClient> store;
-    if (OnFiles())
-        store = std::make_unique<VKSQLite3ActiveMxpClient>();
-    else
-        store = std::make_unique<VKRDBActiveMxpClient>();
-    ASSERT_TRUE(store->Initialize(&system));
+    const auto store = MakeStore<vk::SqlActiveMxpClient, VKSQLite3ActiveMxpClient, VKRDBActiveMxpClient>();
     std::vector<VKActiveMxpClientInfo> moved = {Client("secret-key", "a", 1)};
     moved[0].id = 70;
     ASSERT_TRUE(store->ConvertRecords(moved));

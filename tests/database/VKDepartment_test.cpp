@@ -1,12 +1,11 @@
 #include <gmock/gmock.h>
 
 #include "BackendDatabase.h"
+#include "DatabaseCells.h"
+#include "RecordColumns.h"
 #include "VKBALMessages.h"
 #include "VKBALexception.h"
-#include "VKODBCResultSet.h"
 #include "VKRDBDepartment.h"
-#include "VKRecordText.h"
-#include "VKSQLite3Database.h"
 #include "VKSQLite3Department.h"
 
 namespace {
@@ -24,16 +23,6 @@ VK_DEPARTMENT Department(const std::string& name, long most = -1, long count = 0
 class VKDepartmentTest : public BackendDatabase
 {
 protected:
-    VKDepartmentTest()
-    {
-        departments.reset(VKDBiDepartment::CreateInstance(&system));
-        if (OnFiles())
-            store = std::make_unique<VKSQLite3Department>();
-        else
-            store = std::make_unique<VKRDBDepartment>();
-        store->Initialize(&system);
-    }
-
     unsigned long Add(VK_DEPARTMENT department)
     {
         store->Add(&department);
@@ -41,8 +30,12 @@ protected:
     }
     std::string Names()
     {
+        return Names(*departments);
+    }
+    static std::string Names(VKDBiDepartment& of)
+    {
         VK_DEPARTMENT_LIST list;
-        departments->Get(&list);
+        of.Get(&list);
         std::string names;
         for (int i = 0; i < list.count; ++i)
             names += std::string(list.list[i].name) + ";";
@@ -56,8 +49,8 @@ protected:
         return store->GetByID(&department, id) ? department.num_receivers : -1;
     }
 
-    std::unique_ptr<VKDBiDepartment> departments;
-    std::unique_ptr<vk::SqlDepartment> store; ///< without the rules, which refuse most of the odd texts
+    std::unique_ptr<VKDBiDepartment> departments{VKDBiDepartment::CreateInstance(&system)};
+    std::unique_ptr<vk::SqlDepartment> store = MakeStore<vk::SqlDepartment, VKSQLite3Department, VKRDBDepartment>();
 };
 
 class VKDepartmentFileTest : public VKDepartmentTest
@@ -79,24 +72,24 @@ TEST_P(VKDepartmentFileTest, TableAndIndexStandInTheFile)
     EXPECT_STREQ(VKSQLite3Department::tTableDesc[0].columns,
                  "id INTEGER PRIMARY KEY AUTOINCREMENT, name VARCHAR(50) NOT NULL, description VARCHAR(100) NOT NULL, "
                  "max_receivers INTEGER, num_receivers INTEGER");
-    VKSQLite3Database file(dir / "departments.sdb", true);
-    VKSQLite3ResultSet result;
-    ASSERT_TRUE(file.SelectQueryTransaction("PRAGMA index_info('ix_department_name');", result));
-    EXPECT_EQ(result[0]["name"].GetValueString(), "name");
+    EXPECT_EQ(CellOf(dir / "departments.sdb", "SELECT name FROM pragma_index_info('ix_department_name');"), "name");
 }
 
 TEST_P(VKDepartmentTest, EveryTextComesBackAsItWentIn)
 {
-    for (const std::string& text :
-         {std::string("O'Brien's \"ward\""), std::string("100% _ \\ [x] {}"), std::string("\xF0\x9F\x9A\x92 Zürich"),
-          std::string("'); DROP TABLE department; --"), std::string("%s %d {}"), std::string(50, '\'')}) {
+    const std::vector<std::string> texts = {"O'Brien's \"ward\"",
+                                            "100% _ \\ [x] {}",
+                                            "\xF0\x9F\x9A\x92 Zürich",
+                                            "'); DROP TABLE department; --",
+                                            "%s %d {}",
+                                            std::string(50, '\'')};
+    for (const std::string& text : texts) {
         VK_DEPARTMENT added = Department(text);
         vk::SetText(added.description, text + text, "description");
         ASSERT_TRUE(store->Add(&added)) << text;
         VK_DEPARTMENT read;
         ASSERT_TRUE(store->GetByID(&read, added.id));
-        EXPECT_EQ(read.name, text);
-        EXPECT_EQ(read.description, text + text);
+        EXPECT_EQ(AllColumns(vk::kDepartmentTable.fields, read), AllColumns(vk::kDepartmentTable.fields, added));
         ASSERT_TRUE(store->GetByName(&read, text)) << text;
         EXPECT_EQ(read.id, added.id);
         EXPECT_FALSE(store->IsUniqueName(text, 0));
@@ -105,10 +98,7 @@ TEST_P(VKDepartmentTest, EveryTextComesBackAsItWentIn)
         EXPECT_TRUE(store->GetIDByName(id, text));
         EXPECT_EQ(id, added.id);
         store->SetFilter(text);
-        VK_DEPARTMENT_LIST list;
-        store->Get(&list);
-        EXPECT_EQ(list.count, 1) << text;
-        EmptyDepartmentList(&list);
+        EXPECT_EQ(Names(*store), text + ";");
         EXPECT_TRUE(store->Delete(added.id));
     }
     EXPECT_EQ(store->GetTotalRecordCount(), 0);
@@ -217,30 +207,25 @@ TEST_P(VKDepartmentTest, ListsAreOrderedFilteredAndPaged)
     for (const char* name : {"b_1", "a1", "B2", "bX1", "A0", "c"})
         Add(Department(name));
     EXPECT_EQ(Names(), "A0;a1;B2;bX1;b_1;c;");
-    const struct
-    {
-        const char* filter;
-        const char* names;
-    } rows[] = {{"", "A0;a1;B2;bX1;b_1;c;"},
-                {"*", "A0;a1;B2;bX1;b_1;c;"},
-                {"B", "B2;bX1;b_1;"},
-                {"b_", "b_1;"},
-                {"%1", "a1;bX1;b_1;"},
-                {"'", ""},
-                {"\\", ""}};
-    for (const auto& row : rows) {
-        departments->SetFilter(row.filter);
-        EXPECT_EQ(Names(), row.names) << row.filter;
+    const std::pair<const char*, const char*> rows[] = {{"", "A0;a1;B2;bX1;b_1;c;"},
+                                                        {"B", "B2;bX1;b_1;"},
+                                                        {"b_", "b_1;"},
+                                                        {"%1", "a1;bX1;b_1;"},
+                                                        {"'", ""},
+                                                        {"\\", ""},
+                                                        {"*", "A0;a1;B2;bX1;b_1;c;"}};
+    for (const auto& [filter, names] : rows) {
+        departments->SetFilter(filter);
+        EXPECT_EQ(Names(), names) << filter;
     }
-    departments->SetFilter("*");
-    departments->SetFilter(4, 2);
-    EXPECT_EQ(Names(), "b_1;c;");
-    EXPECT_EQ(departments->GetPageCount(), 2);
-    departments->SetFilter(3, 1);
-    EXPECT_EQ(Names(), "A0;a1;B2;");
-    EXPECT_EQ(departments->GetPageCount(), 2);
-    departments->SetFilter(3, 9);
-    EXPECT_EQ(Names(), "");
+    const auto page = [&](int size, int number) {
+        departments->SetFilter(size, number);
+        const std::string names = Names();
+        return names + " of " + std::to_string(departments->GetPageCount());
+    };
+    EXPECT_EQ(page(4, 2), "b_1;c; of 2");
+    EXPECT_EQ(page(3, 1), "A0;a1;B2; of 2");
+    EXPECT_EQ(page(3, 9).substr(0, 4), " of ");
     departments->ClearFilter();
     EXPECT_EQ(Names(), "A0;a1;B2;bX1;b_1;c;");
     std::vector<VK_NAME_RECORD> names;
@@ -256,9 +241,7 @@ TEST_P(VKDepartmentTest, ADepartmentInUseIsNotDeleted)
     const unsigned long guest = Add(Department("Guest"));
     const unsigned long empty = Add(Department("Empty"));
     VK_RECEIVER receiver;
-    vk::SetText(receiver.name, "Pager", "name");
-    vk::SetText(receiver.pin, "1", "pin");
-    receiver.department_id = own;
+    SetColumns(vk::kReceiverTable.fields, receiver, {{"name", "Pager"}, {"pin", "1"}, {"department_id", own}});
     AddDeptRights(&receiver, guest);
     ASSERT_TRUE(std::unique_ptr<VKDBiReceiver>(VKDBiReceiver::CreateInstance(&system))->Add(&receiver, false));
     EmptyReceiver(&receiver);
@@ -312,13 +295,9 @@ TEST_P(VKDepartmentServerTest, LongCellsArriveWholeAndErrorsCarryTheServersWords
     EXPECT_EQ(result[0][0].GetValueString().size(), 10000u);
     EXPECT_EQ(result[0][1].GetValuePtr(), nullptr);
     EXPECT_STREQ(result[0][2].GetValuePtr(), "");
-    try {
-        server->ExecuteCommand("SELECT * FROM nowhere");
-        FAIL();
-    } catch (const VKDBexception& failure) {
-        EXPECT_EQ(failure.GetMsg(), "SQL query[SELECT * FROM nowhere]");
-        EXPECT_THAT(failure.GetSysMsg(), testing::HasSubstr("\"nowhere\" does not exist"));
-    }
+    EXPECT_THAT(WholeErrorOf([&] { server->ExecuteCommand("SELECT * FROM nowhere"); }),
+                testing::AllOf(testing::StartsWith("SQL query[SELECT * FROM nowhere]: "),
+                               testing::HasSubstr("\"nowhere\" does not exist")));
     EXPECT_THROW(server->ExecuteCommand("SELECT 7 AS ErrorCode"), VKDBexception);
 }
 

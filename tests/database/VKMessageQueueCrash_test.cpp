@@ -67,27 +67,23 @@ std::string JobOf(const std::string& name) { return name.substr(2); }
             const std::string name = list.list[i].msg_name;
             const bool kept = name.find(".keep") != std::string::npos;
             const std::string letter = std::string(1, "MRQ"[random() % 3]) + ".";
-            VK_MESSAGE_CONTENT content;
+            Message message;
             switch (random() % 4) {
             case 0: queue.Morph(name, letter, false, 0); break;
             case 1:
-                if (queue.GetByName(name, &content, true, true)) {
-                    vk::SetText(content.header.msg_name, letter + JobOf(name), "msg_name");
-                    queue.Modify(&content, name);
+                if (queue.GetByName(name, &message, true, true)) {
+                    vk::SetText(message.header.msg_name, letter + JobOf(name), "msg_name");
+                    queue.Modify(&message, name);
                 }
                 break;
-            case 2: queue.GetByName(name, &content, true, true) && queue.Add(&content); break;
+            case 2: queue.GetByName(name, &message, true, true) && queue.Add(&message); break;
             default:
                 if (!kept)
                     queue.Delete(name);
             }
-            EmptyMessageContent(&content);
         }
-        VK_MESSAGE_CONTENT added;
-        vk::SetText(added.header.msg_name, "M.0.new" + std::to_string(from) + "x" + std::to_string(n), "msg_name");
-        AddMessageContent(&added, "new");
+        Message added("M.0.new" + std::to_string(from) + "x" + std::to_string(n), "new");
         queue.Add(&added);
-        EmptyMessageContent(&added);
         VK_MESSAGE_HEADER_LIST ready;
         queue.GetReadyMsg(&ready, false);
         EmptyMessageHeaderList(&ready);

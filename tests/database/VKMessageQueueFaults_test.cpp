@@ -4,8 +4,6 @@
 #include <csignal>
 #include <fcntl.h>
 #include <fstream>
-#include <functional>
-#include <map>
 #include <optional>
 #include <sqlite3.h>
 #include <sys/file.h>
@@ -14,20 +12,18 @@
 #include "ChildProcess.h"
 #include "CountedPauses.h"
 #include "FileFaults.h"
-#include "MessageQueueStore.h"
+#include "QueueOperations.h"
 #include "VKSQLite3Database.h"
 
 using testing::HasSubstr;
 using vktest::CountedPauses;
 
-/// What may go wrong with the files of a queue: each operation, under each fault. It either works or throws an error that
-/// says what is wrong; nothing is lost, and once the fault is gone the same objects work on.
+/// What may go wrong with the files of a queue: each operation, under each fault. It either works or throws an error
+/// that says what is wrong; nothing is lost, and once the fault is gone the same objects work on.
 
 namespace {
 
 namespace fs = std::filesystem;
-
-using State = std::map<std::string, std::string>; ///< bodies by name
 
 /// The handle that SQLite opened last, for limits that only a connection itself can be given.
 sqlite3* s_newestHandle = nullptr;
@@ -38,7 +34,7 @@ int NoteHandle(sqlite3* handle, const char**, const sqlite3_api_routines*)
     return SQLITE_OK;
 }
 
-class VKMessageQueueFaults : public MessageQueueStore
+class VKMessageQueueFaults : public FaultyQueue<FileDatabase>
 {
 protected:
     VKMessageQueueFaults()
@@ -46,7 +42,6 @@ protected:
         sqlite3_auto_extension(reinterpret_cast<void (*)()>(NoteHandle));
         fs::permissions(dir.Path(), fs::perms(0755)); // others may look for the queue, too
         queue = Open(1);
-        path = queue->GetQueueName();
         Fill();
     }
     ~VKMessageQueueFaults() override
@@ -54,17 +49,10 @@ protected:
         sqlite3_cancel_auto_extension(reinterpret_cast<void (*)()>(NoteHandle));
     }
 
-    void Fill()
-    {
-        queue->EmptyQueue();
-        for (const auto& [name, body] : kBefore)
-            Add(*queue, name, body);
-    }
-
     /// All that is in the queue; rows and files must agree, for this handle and for one that is opened anew.
-    State Content(const std::string& what)
+    QueueState Content(const std::string& what)
     {
-        State content;
+        QueueState content;
         for (const std::string& name : Names(*queue))
             content[name] = Body(*queue, name);
         const auto other = Open(1, "other");
@@ -87,21 +75,7 @@ protected:
         std::ofstream(file, std::ios::binary | std::ios::trunc) << text;
     }
 
-    static inline const std::string kA = "M.0.A.mxp";
-    static inline const std::string kB = "M.0.B.mxp";
-    static inline const State kBefore = {{kA, "a"}, {kB, "b"}};
-
-    std::unique_ptr<VKDBiMessageQueue> queue;
-    std::string path;
-};
-
-/// An operation on the queue with the messages A and B, and what the queue holds behind it.
-struct Operation
-{
-    const char* name;
-    enum Kind { Change, Poll, List, Show } kind;
-    std::function<void(VKDBiMessageQueue&)> run;
-    State after;
+    const std::string path = queue->GetQueueName();
 };
 
 /// How something breaks and is put right. `errors` are regular expressions of what the operations of each kind say
@@ -121,17 +95,6 @@ constexpr std::array<const char*, 4> All(const char* error) { return {error, err
 
 TEST_F(VKMessageQueueFaults, EachOperationTellsWhatIsWrongLosesNothingAndWorksWhenItIsRight)
 {
-    const std::string c = "M.0.C.mxp";
-    const Operation operations[] = {
-        {"add", Operation::Change, [&](auto& q) { Add(q, c, "c"); }, {{kA, "a"}, {kB, "b"}, {c, "c"}}},
-        {"replace", Operation::Change, [](auto& q) { Add(q, kA, "A2"); }, {{kA, "A2"}, {kB, "b"}}},
-        {"modify", Operation::Change, [](auto& q) { Modify(q, kB, "Q.1.B.mxp", "B2"); }, {{kA, "a"}, {"Q.1.B.mxp", "B2"}}},
-        {"morph", Operation::Change, [](auto& q) { q.Morph(kA, "R.", false, 0); }, {{"R.0.A.mxp", "a"}, {kB, "b"}}},
-        {"delete", Operation::Change, [](auto& q) { q.Delete(kB); }, {{kA, "a"}}},
-        {"poll", Operation::Poll, [](auto& q) { EXPECT_EQ(Ready(q).size(), 2u); }, kBefore},
-        {"list", Operation::List, [](auto& q) { EXPECT_EQ(Names(q).size(), 2u); }, kBefore},
-        {"show", Operation::Show, [](auto& q) { EXPECT_EQ(Body(q, kA), "a"); }, kBefore},
-    };
     const std::string database = File("queue_metabase.sdb");
     const std::string intent = File("queue_metabase.sdb-intent");
     std::optional<vktest::WithoutRootRights> user;
@@ -250,12 +213,12 @@ TEST_F(VKMessageQueueFaults, EachOperationTellsWhatIsWrongLosesNothingAndWorksWh
         {"intent deleted", [&] { fs::remove(intent); }, [] {}, All(""), All("")},
     };
     for (const Fault& fault : faults)
-        for (const Operation& operation : operations)
+        for (const QueueOperation& operation : Operations())
             for (const bool open : {true, false}) {
                 const char* const expected = (open ? fault.open : fault.opened)[operation.kind];
                 if (expected == nullptr)
                     continue;
-                const std::string what = std::string(operation.name) + ", " + fault.name + (open ? "" : ", opened then");
+                const std::string what = operation.name + std::string(", ") + fault.name + (open ? "" : ", opened");
                 SCOPED_TRACE(what);
                 queue = Open(1);
                 Fill();
@@ -292,10 +255,10 @@ TEST_F(VKMessageQueueFaults, ABodyThatDoesNotFitLeavesTheOneItWasToReplace)
         EXPECT_EQ(pauses.total, 2046000) << "eleven tries";
         return error;
     };
-    for (const std::function<void()>& change :
-         {std::function<void()>([&] { Add(*queue, kA, big); }), std::function<void()>([&] { Modify(*queue, kB, kB, big); }),
-          std::function<void()>([&] { Modify(*queue, kB, kA, big); }),
-          std::function<void()>([&] { Add(*queue, "M.0.C.mxp", big); })}) {
+    const std::function<void()> changes[] = {
+        [&] { Add(*queue, kA, big); }, [&] { Modify(*queue, kB, kB, big); }, [&] { Modify(*queue, kB, kA, big); },
+        [&] { Add(*queue, kC, big); }};
+    for (const auto& change : changes) {
         EXPECT_THAT(errorOf(change), HasSubstr("cannot be written.: File too large"));
         EXPECT_EQ(Content("undone"), kBefore);
         EXPECT_EQ(Content("looked at once more"), kBefore);
@@ -305,7 +268,7 @@ TEST_F(VKMessageQueueFaults, ABodyThatDoesNotFitLeavesTheOneItWasToReplace)
 TEST_F(VKMessageQueueFaults, AFullDatabaseKeepsWhatItHasAndGoesOnWhenThereIsRoom)
 {
     sqlite3_exec(s_newestHandle, "PRAGMA max_page_count=14;", nullptr, nullptr, nullptr); // as if the disk ended there
-    State stored = kBefore;
+    QueueState stored = kBefore;
     std::string error;
     for (int i = 0; error.empty() && i < 1000; ++i) {
         const std::string name = "M.0.J" + std::to_string(i) + ".mxp";
@@ -371,7 +334,7 @@ TEST_F(VKMessageQueueFaults, WhatIsWrittenInTheIntentIsUndoneOnceOrTwiceButNever
         begun + "W\t../slot0/" + kA + "\t\n" + "N\t../x\t" + kB + "\n" + "X\t" + kA + "\t" + kB + "\n",
         std::to_string(committed) + "\nW\t" + kA + "\t\n",            // committed
         begun + "W\t" + kA,                                           // died while the line was written
-        begun + "B\t" + kA + "\t" + undo + "\n",                      // died before, and while undoing, behind each step
+        begun + "B\t" + kA + "\t" + undo + "\n", // died before, and while undoing, behind each step
         begun + "B\t" + kA + "\t" + undo + "\nW\t" + kA + "\t\n",
         begun + "W\tM.0.new.mxp\t\n",
         begun + "N\t" + kA + "\tR.0.A.mxp\n",
@@ -390,7 +353,7 @@ TEST_F(VKMessageQueueFaults, WhatIsWrittenInTheIntentIsUndoneOnceOrTwiceButNever
     // A row without its file is to be renamed to the name of another message.
     fs::remove(File(kA));
     EXPECT_THAT(WholeErrorOf([&] { queue->UpdateName(kA, kB); }), HasSubstr("cannot be renamed"));
-    EXPECT_EQ(Content("nothing to rename"), (State{{kB, "b"}}));
+    EXPECT_EQ(Content("nothing to rename"), (QueueState{{kB, "b"}}));
 }
 
 TEST_F(VKMessageQueueFaults, AServiceThatIsStoppedInItsTurnKeepsOthersWaitingForTwoMinutesOnly)

@@ -87,7 +87,8 @@ TEST_P(DataSetTest, ATableHasItsNamesAndItsPartOfTheRows)
 
 TEST_P(DataSetTest, ABatchGivesOneResultAfterTheOther)
 {
-    const std::string batch = std::string(kNumbers) + "; UPDATE pg_class SET relname='' WHERE FALSE; SELECT 'b' AS second";
+    const std::string update = "UPDATE pg_class SET relname='' WHERE FALSE";
+    const std::string batch = kNumbers + ("; " + update) + "; SELECT 'b' AS second";
     bool more = false;
     EXPECT_TRUE(server->ExecuteQueryMultiSet(batch, table, more, 3, 1));
     EXPECT_EQ(Taken(), "num,nothing|4,NULL");
@@ -102,7 +103,7 @@ TEST_P(DataSetTest, ABatchGivesOneResultAfterTheOther)
     Taken();
     server->ExecuteCommand("SELECT 1");
     EXPECT_FALSE(server->getRSData(table, more)) << "whatever runs next drops the rest";
-    EXPECT_FALSE(server->ExecuteQueryMultiSet("UPDATE pg_class SET relname='' WHERE FALSE", table, more, 0, 0));
+    EXPECT_FALSE(server->ExecuteQueryMultiSet(update, table, more, 0, 0));
     EXPECT_EQ(Taken(), "none");
     EXPECT_THROW(server->ExecuteQueryMultiSet("SELECT 1; SELECT 1/0", table, more, 0, 0), VKDBexception);
     EXPECT_EQ(table, nullptr);
@@ -110,7 +111,7 @@ TEST_P(DataSetTest, ABatchGivesOneResultAfterTheOther)
 
     EXPECT_TRUE(server->ExecuteQuery(batch, table));
     EXPECT_EQ(Taken(), "second|b") << "the last one";
-    EXPECT_THROW(server->ExecuteQuery("SELECT 5 AS ErrorCode; SELECT 1", table), VKDBexception) << "each may tell of one";
+    EXPECT_THROW(server->ExecuteQuery("SELECT 5 AS ErrorCode; SELECT 1", table), VKDBexception) << "each may tell one";
     EXPECT_EQ(table, nullptr);
 }
 
@@ -127,7 +128,8 @@ TEST_P(DataSetTest, FormattedStatementsAreNeverCut)
               "-1 [a'; DROP] is no name of a sequence.");
     EXPECT_THAT(ErrorOf([&] { server->GetLastRowInsertID(DatabaseTypeOracle, "made_seq"); }),
                 testing::HasSubstr("SQL query[SELECT made_seq.currval AS ID, 0 AS ErrorCode FROM dual]"));
-    EXPECT_THAT(ErrorOf([&] { server->GetLastRowInsertID(DatabaseTypeSqlServer, ""); }), testing::HasSubstr("@@IDENTITY"));
+    EXPECT_THAT(ErrorOf([&] { server->GetLastRowInsertID(DatabaseTypeSqlServer, ""); }),
+                testing::HasSubstr("@@IDENTITY"));
 }
 
 TEST_P(DataSetTest, ErrorsOfTheDriverHaveTheirTexts)
@@ -175,8 +177,8 @@ TEST(VKOracleCall, CursorParametersAreTakenOutOfCallsOnly)
     } rows[] = {{"{call list_all(vk_cursor)}", "{call list_all()}", "vk_cursor"},
                 {"{ CALL p(1, :vk_cursor1, 'x', vk_cursor2)}", "{ CALL p(1, 'x')}", "vk_cursor1"},
                 {"BEGIN p(:vk_cursor, f(1, 2)); END;", "BEGIN p( f(1, 2)); END;", "vk_cursor"},
-                {"call p('vk_cursor', ', vk_cursor', 'it''s (', vk_cursor)", "call p('vk_cursor', ', vk_cursor', 'it''s (')",
-                 "vk_cursor"},
+                {"call p('vk_cursor', ', vk_cursor', 'it''s (', vk_cursor)",
+                 "call p('vk_cursor', ', vk_cursor', 'it''s (')", "vk_cursor"},
                 {"call p(vk_cursor3, f(vk_cursor))", "call p(vk_cursor3, f(vk_cursor))", ""},
                 {"SELECT f(vk_cursor)", "SELECT f(vk_cursor)", ""},
                 {"call p('open, vk_cursor)", "call p('open, vk_cursor)", ""},

@@ -5,17 +5,9 @@
 
 namespace {
 
-using Values = OwnedList<VK_RECEIVER_ATTRIBUTE_LIST, EmptyReceiverAttributeList>;
-
 class VKReceiverAllTest : public ReceiverDatabase
 {
 protected:
-    ~VKReceiverAllTest() override
-    {
-        VKDBiDepartment::s_bRecLimit = false;
-        VKDBiDepartment::s_lMaxMembers = 0;
-    }
-
     /// The places of the list that are refused: "1 2".
     std::string Refused(Receivers& list, bool checkOnly)
     {
@@ -28,13 +20,9 @@ protected:
         return places;
     }
 
-    static void Put(Receivers& list, const char* name, const char* pin, unsigned long carrier, unsigned long department)
+    static void Put(Receivers& list, const char* name, const char* pin, const ColumnValues& values = {})
     {
-        Receiver receiver(name, pin);
-        receiver.carrier_id = carrier;
-        receiver.department_id = department;
-        if (department != 0)
-            AddDeptRights(&receiver, department);
+        const Receiver receiver(name, pin, values);
         AddReceiver(&list, &receiver);
     }
 };
@@ -42,13 +30,15 @@ protected:
 TEST_P(VKReceiverAllTest, AListIsStoredWholeOrNotAtAll)
 {
     const unsigned long mobile = AddCarrier("mobile", VKProtocolMxpTwoWay), tone = AddCarrier("tone", 1);
-    VKDBiDepartment::s_bRecLimit = true; // without it a department keeps no limit
-    VKDBiDepartment::s_lMaxMembers = 10;
+    SetLimits(true, 10); // without it a department keeps no limit
     const unsigned long ward = AddDepartment("ward", 2);
+    const auto onWard = [&](unsigned long carrier) {
+        return ColumnValues{{"carrier_id", carrier}, {"department_id", ward}, {"guest", ward}};
+    };
     Receivers list;
-    Put(list, "Ann", "a@x", mobile, ward);
-    Put(list, "Bob", "A@X", mobile, ward); // Ann's address
-    Put(list, "Cid", "a@x", tone, ward);   // one too many, unless one of the others goes
+    Put(list, "Ann", "a@x", onWard(mobile));
+    Put(list, "Bob", "A@X", onWard(mobile)); // Ann's address
+    Put(list, "Cid", "a@x", onWard(tone));   // one too many, unless one of the others goes
     EXPECT_EQ(Refused(list, false), "1 2");
     EXPECT_EQ(receivers->GetTotalRecordCount(), 0);
 
@@ -68,10 +58,8 @@ TEST_P(VKReceiverAllTest, AListIsStoredWholeOrNotAtAll)
 TEST_P(VKReceiverAllTest, AFailureWithinTheListTakesTheOthersBack)
 {
     Receivers list;
-    Put(list, "Ann", "a", 0, 0);
-    Put(list, "Bob", "b", 0, 0);
-    const std::string tooLong(3000, 'x');
-    list.list[1].misc_settings = strdup(tooLong.c_str()); // more than a statement holds
+    Put(list, "Ann", "a");
+    Put(list, "Bob", "b", {{"misc_settings", std::string(3000, 'x')}}); // more than a statement holds
     std::vector<VKRefusedRecord> refused;
     EXPECT_THROW(receivers->AddAll(&list, false, refused), VKDBexception);
     EXPECT_EQ(receivers->GetTotalRecordCount(), 0);
@@ -84,20 +72,20 @@ TEST_P(VKReceiverAllTest, AllValuesOfAReceiverAreReplacedAtOnce)
     VK_ATTRIBUTE floor;
     vk::SetText(floor.name, "Floor", "name");
     ASSERT_TRUE(receivers->AddAttribute(&floor));
-    Values values;
-    VK_RECEIVER_ATTRIBUTE value;
-    value.attribute_id = floor.id;
-    vk::SetText(value.attribute_values, "2", "attribute_values");
-    AddReceiverAttribute(&values, &value);
+    const auto put = [](AttributeValues& values, unsigned long attribute, const char* text) {
+        VK_RECEIVER_ATTRIBUTE value;
+        value.attribute_id = attribute;
+        vk::SetText(value.attribute_values, text, "attribute_values");
+        AddReceiverAttribute(&values, &value);
+    };
+    AttributeValues values;
+    put(values, floor.id, "2");
     ASSERT_TRUE(receivers->ReplaceReceiverAttributes(ann, &values));
-
-    Values wrong;
-    vk::SetText(value.attribute_values, "3", "attribute_values");
-    AddReceiverAttribute(&wrong, &value);
-    value.attribute_id = floor.id + 1;
-    AddReceiverAttribute(&wrong, &value);
+    AttributeValues wrong;
+    put(wrong, floor.id, "3");
+    put(wrong, floor.id + 1, "3");
     EXPECT_THROW(receivers->ReplaceReceiverAttributes(ann, &wrong), VKDBexception);
-    Values stored;
+    AttributeValues stored;
     receivers->GetReceiverAttributeByRcvID(&stored, ann);
     ASSERT_EQ(stored.count, 1) << "what was there stays";
     EXPECT_STREQ(stored.list[0].attribute_values, "2");

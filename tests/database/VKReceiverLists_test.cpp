@@ -6,9 +6,6 @@
 
 namespace {
 
-using Attributes = OwnedList<VK_ATTRIBUTE_LIST, EmptyAttributeList>;
-using Values = OwnedList<VK_RECEIVER_ATTRIBUTE_LIST, EmptyReceiverAttributeList>;
-
 class VKReceiverListsTest : public ReceiverDatabase
 {
 protected:
@@ -41,6 +38,10 @@ protected:
     {
         return Filtered([&] { receivers->SetFilter("", "", carrier, protocol, department, "*", FltAnyLetter); });
     }
+    std::string ByState(FltEnabled available, FltEnabled voice, FltEnabled advancedMessaging)
+    {
+        return Filtered([&] { receivers->SetFilter(available, voice, advancedMessaging); });
+    }
 
     const long now = time(nullptr);
 };
@@ -53,27 +54,13 @@ TEST_P(VKReceiverListsTest, FiltersNarrowEveryListUntilTheyAreCleared)
     const unsigned long mxp = AddCarrier("clients", VKProtocolMxpOneWay);
     const unsigned long north = AddDepartment("North");
     const unsigned long south = AddDepartment("South");
-    const unsigned long anna = Store("Anna", [&](Receiver& r) {
-        r.carrier_id = mxp;
-        r.department_id = north;
-        r.owner_id = 7;
-        r.advanced_messaging = true;
-        AddDeptRights(&r, south);
-        AddDeptRights(&r, AddDepartment("East"));
-    });
-    const unsigned long ben = Store("ben", [&](Receiver& r) {
-        r.department_id = south;
-        r.status_code = 2;
-        r.disable_start_date = 1;
-        r.forward_to_id = anna;
-    });
-    const unsigned long ward = Store("1 ward", [](Receiver& r) {
-        r.voice_enable = true;
-        vk::SetText(r.voice_number, "112", "voice_number");
-    });
-    Receiver account("a_x", "pin%");
-    vk::SetText(account.acct_name, "Login", "acct_name");
-    vk::SetText(account.acct_pwd, "it's", "acct_pwd");
+    const unsigned long anna = Store("Anna", {{"carrier_id", mxp}, {"department_id", north}, {"owner_id", 7},
+                                              {"advanced_messaging", true}, {"guest", south},
+                                              {"guest", AddDepartment("East")}});
+    const unsigned long ben = Store("ben", {{"department_id", south}, {"status_code", 2}, {"disable_start_date", 1},
+                                            {"forward_to_id", anna}});
+    const unsigned long ward = Store("1 ward", {{"voice_enable", true}, {"voice_number", "112"}});
+    Receiver account("a_x", "pin%", {{"acct_name", "Login"}, {"acct_pwd", "it's"}});
     ASSERT_TRUE(receivers->Add(&account, true));
 
     EXPECT_EQ(ByText("", "", ""), "1 ward Anna a_x ben");
@@ -88,10 +75,10 @@ TEST_P(VKReceiverListsTest, FiltersNarrowEveryListUntilTheyAreCleared)
     EXPECT_EQ(ByIds(0, VKProtocolMxpTwoWay, 0), "");
     EXPECT_EQ(ByIds(0, 0, south), "Anna ben") << "a guest, once";
     EXPECT_EQ(ByIds(mxp, 0, south), "Anna");
-    EXPECT_EQ(Filtered([&] { receivers->SetFilter(FltOnlyEnabled, FltEither, FltEither); }), "1 ward Anna a_x");
-    EXPECT_EQ(Filtered([&] { receivers->SetFilter(FltOnlyDisabled, FltEither, FltEither); }), "ben");
-    EXPECT_EQ(Filtered([&] { receivers->SetFilter(FltEither, FltOnlyEnabled, FltEither); }), "1 ward");
-    EXPECT_EQ(Filtered([&] { receivers->SetFilter(FltEither, FltOnlyDisabled, FltOnlyEnabled); }), "Anna");
+    EXPECT_EQ(ByState(FltOnlyEnabled, FltEither, FltEither), "1 ward Anna a_x");
+    EXPECT_EQ(ByState(FltOnlyDisabled, FltEither, FltEither), "ben");
+    EXPECT_EQ(ByState(FltEither, FltOnlyEnabled, FltEither), "1 ward");
+    EXPECT_EQ(ByState(FltEither, FltOnlyDisabled, FltOnlyEnabled), "Anna");
     EXPECT_EQ(Filtered([&] { receivers->SetFilterOwner(7); }), "Anna");
     EXPECT_EQ(Filtered([&] { receivers->SetFilterReceiverIDs({ben, ward, 99}); }), "1 ward ben");
     EXPECT_EQ(Filtered([&] { receivers->SetFilterReceiverIDs({}); }), "");
@@ -128,24 +115,15 @@ TEST_P(VKReceiverListsTest, ListsCarryWhatTheirReadersNeed)
     VKDBiReceiver::s_bIsCoverByAllowed = true;
     const unsigned long mxp = AddCarrier("clients", VKProtocolMxpTwoWay);
     const unsigned long north = AddDepartment("North");
-    const unsigned long ann = Store("ann", [&](Receiver& r) {
-        r.carrier_id = mxp;
-        r.department_id = north;
-        r.two_way = r.is_secure = true;
-        AddDeptRights(&r, AddDepartment("Guest"));
-        r.misc_settings = strdup(R"({"MXP":{"DeviceID":"d1"}})");
-    });
-    const unsigned long fax = Store("fax", [](Receiver& r) {
-        r.carrier_id = VK_FAX_CARRIER_ID;
-        r.type = VKReceiverFax;
-        r.time_zone_id = 3;
-    });
-    Store("off",
-          [&](Receiver& r) { r.status_code = 3, r.disable_start_date = now - 9, r.disable_end_date = now + 900; });
-    Store("open", [&](Receiver& r) { r.status_code = 3, r.disable_start_date = now + 9; });
-    Store("with cover", [&](Receiver& r) {
-        r.status_code = 2, r.disable_start_date = 1, r.forward_to_id = ann, r.type = VKReceiverNumeric;
-    });
+    const unsigned long ann = Store("ann", {{"carrier_id", mxp}, {"department_id", north}, {"two_way", true},
+                                            {"is_secure", true}, {"guest", AddDepartment("Guest")},
+                                            {"misc_settings", R"({"MXP":{"DeviceID":"d1"}})"}});
+    const unsigned long fax =
+        Store("fax", {{"carrier_id", VK_FAX_CARRIER_ID}, {"type", VKReceiverFax}, {"time_zone_id", 3}});
+    Store("off", {{"status_code", 3}, {"disable_start_date", now - 9}, {"disable_end_date", now + 900}});
+    Store("open", {{"status_code", 3}, {"disable_start_date", now + 9}});
+    Store("with cover",
+          {{"status_code", 2}, {"disable_start_date", 1}, {"forward_to_id", ann}, {"type", VKReceiverNumeric}});
     VK_ONDUTY_SCHEDULE schedule;
     schedule.owner_id = ann;
     vk::SetText(schedule.name, "nights", "name");
@@ -262,7 +240,7 @@ TEST_P(VKReceiverListsTest, AttributesAreNamedOnceAndFoundByAllTheirValues)
     EXPECT_EQ(having({{floor, "3"}, {skill, "IT'S"}}), "ann") << "all values";
     EXPECT_EQ(having({{skill, "3"}}), "");
 
-    Values values;
+    AttributeValues values;
     EXPECT_TRUE(receivers->GetReceiverAttributeByRcvID(&values, ann));
     EXPECT_EQ(values.count, 2);
     EXPECT_FALSE(receivers->GetReceiverAttributeByRcvID(&values, 0));

@@ -6,9 +6,7 @@
 #include "VKBALReceiver.h"
 #include "VKBALUtility.h"
 #include "VKPinTemplate.h"
-#include "VKRDBReceiver.h"
 #include "VKReceiverAvailability.h"
-#include "VKSQLite3Receiver.h"
 
 namespace {
 
@@ -16,41 +14,39 @@ namespace {
 class VKReceiverRulesTest : public ReceiverDatabase
 {
 protected:
-    VKReceiverRulesTest()
-    {
-        VKDBiReceiver::s_bIsCoverByAllowed = true;
-        mxp = AddCarrier("mxp", VKProtocolMxpTwoWay);
-        oai = AddCarrier("oai", VKProtocolOaiOneWay, "");
-        voip = AddCarrier("voip", VKProtocolVoip);
-        digits = AddCarrier("digits", 4, "3N");
-    }
+    VKReceiverRulesTest() { VKDBiReceiver::s_bIsCoverByAllowed = true; }
 
     VKBALReceiver& Rules() { return dynamic_cast<VKBALReceiver&>(*receivers); }
 
     /// The numbers of the rules that a record breaks, in the order told; a text that is in no message as it is.
-    template <class Change> std::string Broken(Change&& change)
+    std::string Broken(const ColumnValues& values)
     {
-        Receiver receiver("new", "123");
-        change(receiver);
+        const Receiver receiver("new", "123", values);
         const std::string error = ErrorOf([&] { Rules().CheckBALConstraints(receiver, receiver.id == 0); });
-        std::string rest = error.substr(0, 5) == "1000 " ? error.substr(5) : error;
         std::string numbers;
-        while (!rest.empty()) {
-            const std::string line = rest.substr(0, rest.find('\n'));
-            rest.erase(0, line.size() + 1);
-            std::string told = line;
+        std::istringstream lines(error.substr(0, 5) == "1000 " ? error.substr(5) : error);
+        for (std::string told; std::getline(lines, told);) {
             for (int number = 1108; number <= 1172; ++number)
-                if (line == vk::MessageText(number))
+                if (told == vk::MessageText(number))
                     told = std::to_string(number);
             numbers += (numbers.empty() ? "" : " ") + told;
         }
         return numbers;
     }
 
-    unsigned long mxp = 0;
-    unsigned long oai = 0;
-    unsigned long voip = 0;
-    unsigned long digits = 0;
+    /// Not available from one time to another, in seconds from now.
+    ColumnValues Away(int status, long from, long to, const ColumnValues& more = {}) const
+    {
+        ColumnValues values{
+            {"status_code", status}, {"disable_start_date", now + from}, {"disable_end_date", now + to}};
+        values.insert(values.end(), more.begin(), more.end());
+        return values;
+    }
+
+    const unsigned long mxp = AddCarrier("mxp", VKProtocolMxpTwoWay);
+    const unsigned long oai = AddCarrier("oai", VKProtocolOaiOneWay, "");
+    const unsigned long voip = AddCarrier("voip", VKProtocolVoip);
+    const unsigned long digits = AddCarrier("digits", 4, "3N");
     const long now = time(nullptr);
 };
 
@@ -68,73 +64,62 @@ public:
 
 TEST_P(VKReceiverRulesTest, EachRuleIsToldByItsNumberInOrder)
 {
-    const struct
-    {
-        const char* broken;
-        std::function<void(VK_RECEIVER&)> change;
-    } rows[] = {
-        {"", [](VK_RECEIVER&) {}},
-        {"1110 1113", [](VK_RECEIVER& r) { *r.name = *r.pin = '\0'; }},
-        {"1171", [&](VK_RECEIVER& r) { r.carrier_id = digits, r.advanced_messaging = true; }},
-        {"", [&](VK_RECEIVER& r) { r.carrier_id = mxp, r.advanced_messaging = true; }},
-        {"1115", [](VK_RECEIVER& r) { r.carrier_id = VK_FAX_CARRIER_ID; }},
-        {"", [](VK_RECEIVER& r) { r.carrier_id = VK_FAX_CARRIER_ID, r.type = VKReceiverFax; }},
-        {"1116 1133", [](VK_RECEIVER& r) { r.carrier_id = VK_VOICE_CARRIER_ID, r.type = VKReceiverNumeric; }},
-        {"1117 1118",
-         [](VK_RECEIVER& r) {
-             r.voice_enable = true;
-             vk::SetText(r.voice_number, "+1", "");
-             vk::SetText(r.email, "a b@c", "");
-         }},
-        {"1119", [](VK_RECEIVER& r) { r.voice_enable = true; }},
-        {"1120", [](VK_RECEIVER& r) { r.email_cc = true; }},
-        {"1120", [](VK_RECEIVER& r) { r.email_fail_over = true; }},
-        {"1165 1166", [](VK_RECEIVER& r) { vk::SetText(r.first_name, "R2", ""), vk::SetText(r.last_name, "D_", ""); }},
-        {"1121 1122", [](VK_RECEIVER& r) { r.use_alter_carrier = true; }},
-        {"1172 1123", [&](VK_RECEIVER& r) { r.use_alter_carrier = true, r.carrier_id = r.bk_carrier_id = mxp; }},
+    const unsigned long taken = Store("Taken", Away(3, 0, 50));
+    const std::pair<const char*, ColumnValues> rows[] = {
+        {"", {}},
+        {"1110 1113", {{"name", ""}, {"pin", ""}}},
+        {"1110", {{"name", " \t"}}},
+        {"1111", {{"name", "a/b"}}},
+        {"1111", {{"name", "it's"}}},
+        {"1111", {{"name", "Z\xC3\xBCrich"}}},
+        {"1113", {{"pin", " \t "}}},
+        {"1113 1114", {{"name", "TAKEN"}, {"pin", ""}}},
+        {"1111 1113", {{"name", "<"}, {"pin", ""}}},
+        {"1171", {{"carrier_id", digits}, {"advanced_messaging", true}}},
+        {"", {{"carrier_id", mxp}, {"advanced_messaging", true}}},
+        {"1115", {{"carrier_id", VK_FAX_CARRIER_ID}}},
+        {"", {{"carrier_id", VK_FAX_CARRIER_ID}, {"type", VKReceiverFax}}},
+        {"1116 1133", {{"carrier_id", VK_VOICE_CARRIER_ID}, {"type", VKReceiverNumeric}}},
+        {"1117 1118", {{"voice_enable", true}, {"voice_number", "+1"}, {"email", "a b@c"}}},
+        {"1119", {{"voice_enable", true}}},
+        {"1120", {{"email_cc", true}}},
+        {"1120", {{"email_fail_over", true}}},
+        {"1165 1166", {{"first_name", "R2"}, {"last_name", "D_"}}},
+        {"1121 1122", {{"use_alter_carrier", true}}},
+        {"1172 1123", {{"use_alter_carrier", true}, {"carrier_id", mxp}, {"bk_carrier_id", mxp}}},
         {"1124 1125",
-         [&](VK_RECEIVER& r) {
-             r.use_alter_carrier = true;
-             r.carrier_id = digits;
-             r.bk_carrier_id = oai;
-             vk::SetText(r.pin, "1234", "");
-             vk::SetText(r.bk_pin, "x", "");
-         }},
-        {"1126", [](VK_RECEIVER& r) { r.can_update_rece = true, vk::SetText(r.acct_name, "ann", ""); }},
-        {"1127", [](VK_RECEIVER& r) { r.can_update_schd = true, vk::SetText(r.acct_pwd, "p", ""); }},
-        {"", [](VK_RECEIVER& r) { vk::SetText(r.acct_name, "no log-in", ""); }},
-        {"1128 1130", [](VK_RECEIVER& r) { r.status_code = 3, r.disable_end_date = 100; }},
-        {"1131",
-         [&](VK_RECEIVER& r) { r.status_code = 3, r.disable_start_date = now + 90, r.disable_end_date = now + 50; }},
-        {"", [](VK_RECEIVER& r) { r.status_code = 1, r.disable_end_date = 100; }},
-        {"1153", [&](VK_RECEIVER& r) { r.carrier_id = voip, r.type = VKReceiverFax; }},
-        {"1167", [](VK_RECEIVER& r) { vk::SetText(r.acct_name, "a;b", ""); }}};
-    for (const auto& row : rows)
-        EXPECT_EQ(Broken(row.change), row.broken) << &row - rows;
+         {{"use_alter_carrier", true}, {"carrier_id", digits}, {"pin", "1234"}, {"bk_carrier_id", oai},
+          {"bk_pin", "x"}}},
+        {"1126", {{"can_update_rece", true}, {"acct_name", "ann"}}},
+        {"1127", {{"can_update_schd", true}, {"acct_pwd", "p"}}},
+        {"", {{"acct_name", "no log-in"}}},
+        {"1128 1130", {{"status_code", 3}, {"disable_end_date", 100}}},
+        {"1131", Away(3, 90, 50)},
+        {"", {{"status_code", 1}, {"disable_end_date", 100}}},
+        {"1153", {{"carrier_id", voip}, {"type", VKReceiverFax}}},
+        {"1167", {{"acct_name", "a;b"}}},
+        {"1168", Away(3, 90, 50, {{"id", taken}})}}; // the end is as it was
+    for (const auto& [broken, values] : rows)
+        EXPECT_EQ(Broken(values), broken) << &values - &rows[0].second;
     SetLimits(true, 5);
-    EXPECT_EQ(Broken([](VK_RECEIVER&) {}), "1132");
-    SetLimits(false, 0);
-    const unsigned long id = Store("stored", [&](VK_RECEIVER& r) {
-        r.status_code = 3, r.disable_start_date = now, r.disable_end_date = now + 50;
-    });
-    EXPECT_EQ(Broken([&](VK_RECEIVER& r) {
-                  r.id = id, r.status_code = 3, r.disable_start_date = now + 90, r.disable_end_date = now + 50;
-              }),
-              "1168")
-        << "the end is as it was";
+    EXPECT_EQ(Broken({}), "1132");
+
+    EXPECT_EQ(ErrorOf([&] { Store("", {{"pin", ""}, {"department_id", 7}}); }),
+              "1000 " + std::string(vk::MessageText(1110)) + "\n" + std::string(vk::MessageText(1113)) + "\n");
+    EXPECT_EQ(receivers->GetTotalRecordCount(), 1);
 }
 
 TEST_P(VKReceiverRulesTest, ACoverIsThereAndFreeAndLeadsNotBack)
 {
     const auto offDuty = [&](unsigned long cover, long from, long to) {
-        return [=](VK_RECEIVER& r) {
-            r.status_code = 2, r.forward_to_id = cover, r.disable_start_date = now + from,
-            r.disable_end_date = now + to;
-        };
+        return Away(2, from, to, {{"forward_to_id", cover}});
+    };
+    const auto as = [](unsigned long id, ColumnValues values) {
+        values.push_back({"id", id});
+        return values;
     };
     const unsigned long free = Store("free");
-    const unsigned long away = Store(
-        "away", [&](VK_RECEIVER& r) { r.status_code = 3, r.disable_start_date = now, r.disable_end_date = now + 500; });
+    const unsigned long away = Store("away", Away(3, 0, 500));
     EXPECT_EQ(Broken(offDuty(free, 0, 100)), "");
     EXPECT_EQ(Broken(offDuty(99, 0, 100)), "1109");
     EXPECT_EQ(Broken(offDuty(away, 0, 100)), "1108");
@@ -142,12 +127,6 @@ TEST_P(VKReceiverRulesTest, ACoverIsThereAndFreeAndLeadsNotBack)
     const unsigned long covered = Store("covered", offDuty(free, 0, 100));
     EXPECT_EQ(Broken(offDuty(free, 0, 200)), "1108") << "covers another one for a shorter time";
     EXPECT_EQ(Broken(offDuty(free, 0, 50)), "");
-    const auto as = [](unsigned long id, auto change) {
-        return [=](VK_RECEIVER& r) {
-            change(r);
-            r.id = id;
-        };
-    };
     EXPECT_EQ(Broken(as(free, offDuty(covered, 0, 100))), "1169");
     EXPECT_EQ(Broken(as(away, offDuty(away, 0, 100))), "1169") << "itself";
     const unsigned long next = Store("next", offDuty(covered, 0, 100));
@@ -160,11 +139,8 @@ TEST_P(VKReceiverRulesTest, ACoverIsThereAndFreeAndLeadsNotBack)
 
 TEST_P(VKReceiverRulesTest, APinFitsItsCarrier)
 {
-    const unsigned long taken = Store("taken", [&](Receiver& receiver) {
-        receiver.carrier_id = mxp;
-        vk::SetText(receiver.pin, "Ann_%@host", "pin");
-    });
-    Store("elsewhere", [&](Receiver& receiver) { vk::SetText(receiver.pin, "bob@host", "pin"); });
+    const unsigned long taken = Store("taken", {{"carrier_id", mxp}, {"pin", "Ann_%@host"}});
+    Store("elsewhere", {{"pin", "bob@host"}});
     const struct
     {
         unsigned long carrier;
@@ -200,16 +176,10 @@ TEST_P(VKReceiverRulesTest, APinFitsItsCarrier)
 
 TEST_P(VKReceiverRulesTest, WithoutValidationWhateverTheStoreTakesIsStored)
 {
-    std::unique_ptr<VKDBiReceiver> store;
-    if (OnFiles())
-        store = std::make_unique<VKSQLite3Receiver>();
-    else
-        store = std::make_unique<VKRDBReceiver>();
-    store->Initialize(&system);
-    UncheckedReceivers unchecked(std::move(store));
+    UncheckedReceivers unchecked(MakeReceiverStore());
     Receivers list;
     for (const char* name : {"", "a/b"}) {
-        Receiver receiver(name, "");
+        const Receiver receiver(name, "");
         AddReceiver(&list, &receiver);
     }
     EXPECT_TRUE(unchecked.Add(&list.list[0], false));

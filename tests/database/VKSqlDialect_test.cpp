@@ -2,88 +2,130 @@
 
 #include <cmath>
 
+#include "DatabaseErrors.h"
 #include "NotingConnection.h"
-#include "VKRecordText.h"
+#include "RecordColumns.h"
 #include "VKSQLite3Dialect.h"
 #include "VKSqlDepartment.h"
-#include "VKSqlStore.h"
-#include "VKTransactSqlDialect.h"
+#include "VKSqlReceiver.h"
+#include "VKSqlXmppGWUser.h"
 
-/// How an entity speaks to a relational server: transactions, moves, errors. Its texts stand in transact.sql.
+/// How an entity speaks to its database where no operation shows it: transactions, moves, errors, and the files' SQL
+/// that other programs know. The texts for a server stand in transact.sql.
 
 namespace {
 
-class ServerDepartment : public vk::SqlDepartment
-{
-public:
-    ServerDepartment()
-    {
-        auto made = std::make_unique<NotingConnection>(notes);
-        connection = made.get();
-        UseStore(std::make_unique<vk::SqlStore>(std::move(made), kStatementLimit));
-    }
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
 
-    std::vector<std::string> notes;
-    NotingConnection* connection; ///< the store's
-};
-
-VK_DEPARTMENT Department()
+std::string Mismatch(const std::string& records)
 {
-    VK_DEPARTMENT department;
-    vk::SetText(department.name, "O'Brien", "name");
-    vk::SetText(department.description, "x", "description");
-    department.max_receivers = 9;
-    return department;
+    return "-1 Record ID mismatch while converting " + records +
+           " records: New added record ID doesn't match with the old record ID.";
 }
 
 } // namespace
 
 TEST(VKSqlDialect, MovedRowsSwitchTheServersIdentityOnAndOff)
 {
-    ServerDepartment departments;
-    VK_DEPARTMENT department = Department();
+    Noted<vk::SqlDepartment> departments;
+    VK_DEPARTMENT department;
     department.id = 77;
-    VK_DEPARTMENT_LIST list;
-    AddDepartment(&list, &department);
-    EXPECT_TRUE(departments.ConvertRecords(&list));
-    EXPECT_THAT(std::exchange(departments.notes, {}),
-                testing::ElementsAre("exclusive", "SET IDENTITY_INSERT VK_DEPARTMENT ON",
-                                     testing::StartsWith("INSERT INTO VK_DEPARTMENT (id, name, "),
-                                     "SET IDENTITY_INSERT VK_DEPARTMENT OFF", "commit"));
-    const auto errorOf = [&] {
-        try {
-            departments.ConvertRecords(&list);
-            return std::string();
-        } catch (const VKDBexception& failure) {
-            return failure.GetMsg();
-        }
-    };
-    list.list[0].id = 78;
-    EXPECT_EQ(errorOf(),
-              "Record ID mismatch while converting department records: New added record ID doesn't match with "
-              "the old record ID.");
-    EXPECT_EQ(departments.notes.back(), "rollback");
-    EXPECT_EQ(departments.notes.at(departments.notes.size() - 2), "SET IDENTITY_INSERT VK_DEPARTMENT OFF")
+    VK_DEPARTMENT_LIST list{1, &department};
+    std::string error;
+    const auto convert = [&] { error = ErrorOf([&] { departments.ConvertRecords(&list); }); };
+    EXPECT_THAT(departments.NotesOf(convert),
+                ElementsAre("exclusive", "SET IDENTITY_INSERT VK_DEPARTMENT ON",
+                            StartsWith("INSERT INTO VK_DEPARTMENT (id, name, "),
+                            "SET IDENTITY_INSERT VK_DEPARTMENT OFF", "commit"));
+    EXPECT_EQ(error, "");
+    department.id = 78;
+    EXPECT_THAT(departments.NotesOf(convert), ElementsAre("exclusive", StartsWith("SET"), StartsWith("INSERT"),
+                                                          "SET IDENTITY_INSERT VK_DEPARTMENT OFF", "rollback"))
         << "no rollback takes the switch back";
-    list.list[0].id = 77;
+    EXPECT_EQ(error, Mismatch("department"));
+    department.id = 77;
     departments.connection->failing = "SET IDENTITY_INSERT VK_DEPARTMENT OFF";
-    EXPECT_EQ(errorOf(), "Disabling IDENTITY_INSERT failed.");
+    convert();
+    EXPECT_EQ(error, "8101 Disabling IDENTITY_INSERT failed.");
     departments.connection->failing = "SET IDENTITY_INSERT VK_DEPARTMENT ON";
-    EXPECT_EQ(errorOf(), "Enabling IDENTITY_INSERT failed.");
-    EmptyDepartmentList(&list);
+    convert();
+    EXPECT_EQ(error, "8101 Enabling IDENTITY_INSERT failed.");
+
+    Noted<vk::SqlReceiver> receivers;
+    VK_RECEIVER receiver;
+    receiver.id = 77;
+    VK_ONDUTY_SCHEDULE schedule;
+    schedule.id = 78;
+    receiver.schedules = &schedule;
+    receiver.schedule_count = 1;
+    VK_RECEIVER_LIST receiverList{1, &receiver};
+    EXPECT_EQ(ErrorOf([&] { receivers.ConvertRecords(&receiverList); }), Mismatch("receiver schedule"));
+    receiver.id = 5;
+    EXPECT_EQ(ErrorOf([&] { receivers.ConvertRecords(&receiverList); }), Mismatch("receiver"));
+}
+
+TEST(VKSqlDialect, AReceiverIsCountedUnderTheLockUnderWhichItIsStored)
+{
+    Noted<vk::SqlReceiver> receivers;
+    VK_RECEIVER added;
+    VKDBiDepartment::s_bRecLimit = true;
+    EXPECT_THAT(receivers.NotesOf([&] { receivers.AddImpl(&added); }),
+                ElementsAre("exclusive", HasSubstr("sp_getapplock @Resource='VK_RECEIVER'"),
+                            "SELECT max_receivers FROM VK_DEPARTMENT WHERE id=0", StartsWith("INSERT INTO "),
+                            "commit"));
+    VKDBiDepartment::s_bRecLimit = false;
+}
+
+TEST(VKSqlDialect, FilesAreToldToTheLetter)
+{
+    Noted<vk::SqlReceiver> receivers(vk::SQLite3Dialect::Get());
+    VK_RECEIVER_LIST list;
+    for (const bool covers : {true, false}) {
+        VKDBiReceiver::s_bIsCoverByAllowed = covers;
+        const std::string free = covers ? " AND receiver.forward_to_id<=0  AND ( receiver.disable_end_date<=0 OR  "
+                                        : " AND ( ";
+        EXPECT_EQ(receivers.NotesOf([&] { receivers.GetForScheduler(&list, false); }).at(1),
+                  "SELECT receiver.id, receiver.name, (receiver.status_code<>1 " + free +
+                      "(receiver.disable_start_date<=NOW AND receiver.disable_end_date>=NOW))) AS "
+                      "IsReceiverDisabledAtTime from receiver ORDER BY UPPER(receiver.name) ASC;");
+    }
+    unsigned long id = 0;
+    EXPECT_EQ(receivers.NotesOf([&] { receivers.GetIDByName(id, "x"); }).at(1),
+              "SELECT id FROM receiver WHERE LOWER(name) = LOWER('x');");
+
+    Noted<vk::SqlXmppGWUser> users(vk::SQLite3Dialect::Get());
+    users.SetFilter("a");
+    users.SetFilter(10, 2);
+    std::vector<VKXmppGWUserView> view;
+    const auto viewed = [&](VKDBiXmppGWUser::SortFld field, bool ascending) {
+        users.SetSort(field, ascending);
+        return users.NotesOf([&] { users.Get(&view, false); });
+    };
+    const std::string filtered = " FROM xmpp_user LEFT OUTER JOIN dbUsers.user ON xmpp_user.vk_user_id=dbUsers.user.id "
+                                 "WHERE UPPER(xmpp_user.name) LIKE UPPER('a%') ESCAPE '\\'";
+    EXPECT_THAT(viewed(VKDBiXmppGWUser::SortUserID, true),
+                ElementsAre("shared",
+                            "SELECT DISTINCT xmpp_user.id, xmpp_user.type, xmpp_user.user_id, xmpp_user.name, "
+                            "xmpp_user.enabled, xmpp_user.vk_user_id, xmpp_user.enable_readonly, "
+                            "xmpp_user.enable_hidden, dbUsers.user.name AS VKUserName" + filtered +
+                                " ORDER BY UPPER(xmpp_user.user_id) ASC LIMIT 10 OFFSET 10;",
+                            "SELECT COUNT(DISTINCT xmpp_user.id)" + filtered + ";", "commit"));
+    EXPECT_THAT(viewed(VKDBiXmppGWUser::SortVKUserName, false).at(1),
+                HasSubstr(" ORDER BY UPPER(dbUsers.user.name) DESC LIMIT"));
 }
 
 TEST(VKSqlTransaction, WhatCannotStartOrCommitIsAnError)
 {
-    ServerDepartment departments;
+    Noted<vk::SqlDepartment> departments;
     departments.connection->starts = false;
-    EXPECT_THROW(departments.GetTotalRecordCount(), VKDBexception);
-    EXPECT_THAT(std::exchange(departments.notes, {}), testing::ElementsAre("shared"));
+    EXPECT_THAT(departments.NotesOf([&] { EXPECT_THROW(departments.GetTotalRecordCount(), VKDBexception); }),
+                ElementsAre("shared"));
     departments.connection->starts = true;
     departments.connection->commits = false;
-    EXPECT_THROW(departments.Delete(1), VKDBexception);
-    EXPECT_THAT(departments.notes,
-                testing::ElementsAre("exclusive", testing::StartsWith("DELETE"), "commit", "rollback"));
+    EXPECT_THAT(departments.NotesOf([&] { EXPECT_THROW(departments.Delete(1), VKDBexception); }),
+                ElementsAre("exclusive", StartsWith("DELETE"), "commit", "rollback"));
 }
 
 TEST(VKSqlText, ValuesAreConditionedAndPlacesCounted)

@@ -3,10 +3,10 @@
 #include <future>
 
 #include "BackendDatabase.h"
-#include "NotingConnection.h"
+#include "DatabaseCells.h"
+#include "RecordColumns.h"
 #include "VKDBiXmppGWUser.h"
 #include "VKRDBXmppGWUser.h"
-#include "VKSQLite3Database.h"
 #include "VKSQLite3Dialect.h"
 #include "VKSQLite3XmppGWUser.h"
 #include "VKSha256.h"
@@ -14,8 +14,6 @@
 #include "VKnetwork.h"
 
 namespace {
-
-using testing::ElementsAre;
 
 VKXmppGWUser User(const std::string& login, const std::string& name)
 {
@@ -32,11 +30,6 @@ VKXmppGWUser User(const std::string& login, const std::string& name)
 class VKXmppGWUserTest : public BackendDatabase
 {
 protected:
-    VKXmppGWUserTest()
-    {
-        users.reset(VKDBiXmppGWUser::CreateInstance(&system));
-    }
-
     unsigned long Add(VKXmppGWUser user)
     {
         EXPECT_TRUE(users->Add(&user, false));
@@ -49,15 +42,13 @@ protected:
         VK_USER user;
         user.id = id;
         vk::SetText(user.name, name, "name");
-        if (!OnFiles()) {
-            server->ExecuteCommand(
-                vk::InsertText(vk::PostgreSqlDialect::Get(), vk::kUserTable, user, vk::RowId::FromRecord));
-            return;
-        }
-        VKSQLite3Database file(dir / "users.sdb", true);
-        VKSQLite3ResultSet result;
-        file.ExecuteUpdateQuery(
-            vk::InsertText(vk::SQLite3Dialect::Get(), vk::kUserTable, user, vk::RowId::FromRecord) + ";", result);
+        const vk::SqlDialect& dialect = OnFiles() ? static_cast<const vk::SqlDialect&>(vk::SQLite3Dialect::Get())
+                                                  : vk::PostgreSqlDialect::Get();
+        const std::string statement = vk::InsertText(dialect, vk::kUserTable, user, vk::RowId::FromRecord);
+        if (OnFiles())
+            RunOn(dir / "users.sdb", statement + ";");
+        else
+            server->ExecuteCommand(statement);
     }
 
     /// Logins of the visible accounts with their owners, in the view's order.
@@ -71,23 +62,10 @@ protected:
         return shown;
     }
 
-    std::unique_ptr<VKDBiXmppGWUser> users;
+    std::unique_ptr<VKDBiXmppGWUser> users{VKDBiXmppGWUser::CreateInstance(&system)};
 };
 
 VK_ON_BOTH_BACKENDS(VKXmppGWUserTest);
-
-/// The accounts on a connection that only notes.
-class NotedUsers : public vk::SqlXmppGWUser
-{
-public:
-    NotedUsers()
-    {
-        UseStore(std::make_unique<vk::SqlStore>(
-            std::make_unique<NotingConnection>(notes, vk::SQLite3Dialect::Get()), kStatementLimit));
-    }
-
-    std::vector<std::string> notes;
-};
 
 } // namespace
 
@@ -113,29 +91,18 @@ TEST_P(VKXmppGWUserTest, TheSystemMakesItsOwnAccountsOnce)
     std::vector<VKXmppGWUser> made;
     ASSERT_TRUE(users->Get(&made));
     ASSERT_EQ(made.size(), 3u);
-    const struct
-    {
-        const char* name;
-        const char* resource;
-        std::string ip;
-        bool multiLogin;
-    } expected[] = {{"_vk_agent_", "_vk_agent_", VKutilGetLocalHostIp(), false},
-                    {"_vk_emerg_user_", "", "", true},
-                    {"_vk_msgr_user_", "", VKutilGetLocalHostIp(), true}};
-    for (int i = 0; i < 3; ++i) {
-        const VKXmppGWUser& user = made[static_cast<std::size_t>(i)];
-        SCOPED_TRACE(expected[i].name);
-        EXPECT_EQ(user.user_id, expected[i].name);
-        EXPECT_EQ(user.name, expected[i].name);
-        EXPECT_EQ(user.user_password, vk::Sha256Text(expected[i].name));
-        EXPECT_EQ(user.type, VKXmppGWUserXmppGWUser);
-        EXPECT_EQ(user.resource, expected[i].resource);
-        EXPECT_EQ(user.ip, expected[i].ip);
-        EXPECT_EQ(user.nick_name, "");
+    std::string accounts;
+    for (const VKXmppGWUser& user : made) {
+        EXPECT_EQ(user.user_password, vk::Sha256Text(user.user_id));
         EXPECT_GT(user.creation_time, 1700000000);
-        EXPECT_TRUE(user.enabled && user.enable_readonly && user.enable_hidden && !user.enable_roster);
-        EXPECT_EQ(user.enable_multi_login, expected[i].multiLogin);
+        accounts += Columns(vk::kXmppGWUserTable.fields, user,
+                            "user_id name nick_name resource ip type enabled enable_readonly enable_hidden "
+                            "enable_roster enable_multi_login") + "\n";
     }
+    const std::string ip = VKutilGetLocalHostIp();
+    EXPECT_EQ(accounts, "_vk_agent_ _vk_agent_  _vk_agent_ " + ip + " 4 1 1 1 0 0\n" +
+                            "_vk_emerg_user_ _vk_emerg_user_    4 1 1 1 0 1\n" +
+                            "_vk_msgr_user_ _vk_msgr_user_   " + ip + " 4 1 1 1 0 1\n");
     EXPECT_EQ(users->GetTotalRecordCount(true), 0);
 
     EXPECT_TRUE(users->Delete(made[1].id));
@@ -155,28 +122,26 @@ TEST_P(VKXmppGWUserTest, TheSystemMakesItsOwnAccountsOnce)
 
 TEST_P(VKXmppGWUserTest, EveryFieldComesBackAndLoginsAreFoundWhateverTheCase)
 {
-    VKXmppGWUser added = User("Ann'1", "Ann \"O'Hara\" Zürich");
-    added.nick_name = "%_\\{}";
-    added.resource = "'); DROP TABLE xmpp_user; --";
+    VKXmppGWUser added;
+    FillColumns(vk::kXmppGWUserTable.fields, added);
+    added.type = VKXmppGWUserNormal;
+    added.user_id = "Ann'1";
     added.creation_time = 5000000000;
-    added.vk_user_id = 9;
-    added.enable_readonly = added.enable_roster = added.enable_multi_login = true;
     added.misc_settings = std::string(5000, 'x') + R"({"a":"it's"})";
     ASSERT_TRUE(users->Add(&added, false));
     const auto expectSame = [&] {
         VKXmppGWUser read;
         ASSERT_TRUE(users->GetByID(added.id, &read, false));
-        vk::ForEachField(vk::kXmppGWUserTable.fields,
-                         [&](const auto& field) { EXPECT_EQ(field.of(read), field.of(added)) << field.name; });
+        EXPECT_EQ(AllColumns(vk::kXmppGWUserTable.fields, read), AllColumns(vk::kXmppGWUserTable.fields, added));
     };
     expectSame();
     added.name = "Anna";
     added.creation_time = 1;
-    added.enable_hidden = true;
+    added.enable_hidden = !added.enable_hidden;
     added.type = VKXmppGWUserEmergency;
     ASSERT_TRUE(users->Modify(&added));
-    ASSERT_TRUE(users->UpdateStatus(added.id, 0));
-    added.enabled = false;
+    added.enabled = !added.enabled;
+    ASSERT_TRUE(users->UpdateStatus(added.id, added.enabled));
     expectSame();
 
     VKXmppGWUser read;
@@ -235,24 +200,18 @@ TEST_P(VKXmppGWUserTest, TheViewIsFilteredSortedAndPaged)
     EXPECT_THAT(View(false), testing::HasSubstr("_vk_agent_ "));
 
     using Sort = VKDBiXmppGWUser::SortFld;
-    const struct
-    {
-        Sort field;
-        const char* ascending;
-        const char* descending;
-    } sorts[] = {{Sort::SortType, "C b/root a/Operator ", "a/Operator b/root C "},
-                 {Sort::SortUserID, "a/Operator b/root C ", "C b/root a/Operator "},
-                 {Sort::SortName, "C b/root a/Operator ", "a/Operator b/root C "}};
-    for (const auto& row : sorts) {
-        users->SetSort(row.field, true);
-        EXPECT_EQ(View(), row.ascending) << row.field;
-        users->SetSort(row.field, false);
-        EXPECT_EQ(View(), row.descending) << row.field;
-    }
-    users->SetSort(Sort::SortEnabled, true);
-    EXPECT_EQ(View().substr(0, 6), "b/root");
-    users->SetSort(Sort::SortVKUserName, true);
-    EXPECT_THAT(View(), testing::HasSubstr("a/Operator b/root "));
+    const auto sorted = [&](Sort field, bool ascending) {
+        users->SetSort(field, ascending);
+        return View();
+    };
+    EXPECT_EQ(sorted(Sort::SortType, true), "C b/root a/Operator ");
+    EXPECT_EQ(sorted(Sort::SortType, false), "a/Operator b/root C ");
+    EXPECT_EQ(sorted(Sort::SortUserID, true), "a/Operator b/root C ");
+    EXPECT_EQ(sorted(Sort::SortUserID, false), "C b/root a/Operator ");
+    EXPECT_EQ(sorted(Sort::SortName, true), "C b/root a/Operator ");
+    EXPECT_EQ(sorted(Sort::SortName, false), "a/Operator b/root C ");
+    EXPECT_EQ(sorted(Sort::SortEnabled, true).substr(0, 6), "b/root");
+    EXPECT_THAT(sorted(Sort::SortVKUserName, true), testing::HasSubstr("a/Operator b/root "));
     users->SetFilterAssignedVKUser(2);
     EXPECT_EQ(View(), "a/Operator ");
     users->SetFilterAssignedVKUser(0);
@@ -286,12 +245,7 @@ TEST_P(VKXmppGWUserTest, TheViewIsFilteredSortedAndPaged)
 
 TEST_P(VKXmppGWUserTest, RecordsFromAnotherBackendKeepTheirIds)
 {
-    std::unique_ptr<vk::SqlXmppGWUser> store;
-    if (OnFiles())
-        store = std::make_unique<VKSQLite3XmppGWUser>();
-    else
-        store = std::make_unique<VKRDBXmppGWUser>();
-    ASSERT_TRUE(store->Initialize(&system));
+    const auto store = MakeStore<vk::SqlXmppGWUser, VKSQLite3XmppGWUser, VKRDBXmppGWUser>();
     std::vector<VKXmppGWUser> moved = {User("a", "a"), User("b", "b")};
     moved[0].id = 70;
     moved[1].id = 71;
@@ -319,30 +273,4 @@ TEST_P(VKXmppGWUserTest, ManyThatStartAtOnceMakeTheAccountsOnce)
         start.get();
     VKDBsystem::mutiple_Connections = false;
     EXPECT_EQ(users->GetTotalRecordCount(false), 3);
-}
-
-TEST(VKXmppGWUserView, SpeaksTheFilesSqlToTheLetter)
-{
-    NotedUsers users;
-    users.SetFilter("a");
-    users.SetFilter(10, 2);
-    users.SetSort(VKDBiXmppGWUser::SortUserID, true);
-    std::vector<VKXmppGWUserView> view;
-    EXPECT_TRUE(users.Get(&view, false));
-    const std::string filter = "WHERE UPPER(xmpp_user.name) LIKE UPPER('a%') ESCAPE '\\'";
-    EXPECT_THAT(users.notes,
-                ElementsAre("shared",
-                            "SELECT DISTINCT xmpp_user.id, xmpp_user.type, xmpp_user.user_id, xmpp_user.name, "
-                            "xmpp_user.enabled, xmpp_user.vk_user_id, xmpp_user.enable_readonly, "
-                            "xmpp_user.enable_hidden, dbUsers.user.name AS VKUserName FROM xmpp_user LEFT OUTER JOIN "
-                            "dbUsers.user ON xmpp_user.vk_user_id=dbUsers.user.id " +
-                                filter + " ORDER BY UPPER(xmpp_user.user_id) ASC LIMIT 10 OFFSET 10;",
-                            "SELECT COUNT(DISTINCT xmpp_user.id) FROM xmpp_user LEFT OUTER JOIN dbUsers.user ON "
-                            "xmpp_user.vk_user_id=dbUsers.user.id " +
-                                filter + ";",
-                            "commit"));
-    users.notes.clear();
-    users.SetSort(VKDBiXmppGWUser::SortVKUserName, false);
-    EXPECT_TRUE(users.Get(&view, false));
-    EXPECT_THAT(users.notes[1], testing::HasSubstr(" ORDER BY UPPER(dbUsers.user.name) DESC LIMIT"));
 }
