@@ -17,7 +17,6 @@
 #include "VKstringXmlText.h"
 #include "VKthread.h"
 
-#include <gloox/disco.h>
 #include <gloox/error.h>
 #include <gloox/message.h>
 #include <gloox/messagesession.h>
@@ -149,9 +148,11 @@ bool VKMXPConnGlooxImpl::StartConnection()
     else if (!StartFileTransfer())
         m_bConnected = false;
     if (!m_bConnected) {
+        StopFileTransfer(); // what there is of it holds on to the client
         DropClient();
         return false;
     }
+    AskAllAnew();
     const std::lock_guard<std::recursive_mutex> inside(m_mtxClient);
     socket->Watch();
     return true;
@@ -429,93 +430,6 @@ bool VKMXPConnGlooxImpl::SendAMessage(VKMXPSession* session, const std::string& 
     return true;
 }
 
-/// Notes the files for the file sender, which acts when the peer's disco information (XEP-0030) has come.
-void VKMXPConnGlooxImpl::QueueAttachments(VKMXPSession& session, const AttachmentMap& attachments)
-{
-    const std::string resource = session.GetTargetResource();
-    std::string target = session.GetJID();
-    if (target.find("/" + resource) == std::string::npos && !resource.empty())
-        target += "/" + resource;
-    {
-        const vk::ScopedSection section(*m_pobjAttachmentsLock);
-        for (const auto& entry : attachments)
-            m_vecPendingAttachments.push_back(
-                {target, entry.first, entry.second, FileTransferMechanism::Unknown, ++m_uNextRecord, 0, {}, false});
-    }
-    VK_LOG_DEBUG(m_pobjLogger, "Connection ID: [%s] >> Sending 'getDiscoInfo' call for JID: [%s]",
-                 m_strConnectionID.c_str(), target.c_str());
-    const std::lock_guard<std::recursive_mutex> inside(m_mtxClient);
-    if (m_pobjClient)
-        m_pobjClient->disco()->getDiscoInfo(gloox::JID(target), std::string(), this, 0);
-    if (m_pobjFileSender)
-        m_pobjFileSender->Poke(); // files are secured while the peer thinks about its answer
-}
-
-void VKMXPConnGlooxImpl::TellRefused()
-{
-    AttachmentMap refused;
-    {
-        const vk::ScopedSection section(*m_pobjAttachmentsLock);
-        refused.swap(m_mapRefused);
-    }
-    RefuseAttachments(refused, "File Transfer Error.", "this connection sends no files");
-}
-
-/// Files that cannot follow are told of, so that their jobs do not stay pending for ever.
-void VKMXPConnGlooxImpl::RefuseAttachments(const AttachmentMap& attachments, const char* error, const char* reason)
-{
-    constexpr int kFailed = 2;
-    for (const auto& entry : attachments) {
-        VK_LOG_ERROR(m_pobjLogger, "Connection ID: [%s] >> File Transfer Error: %s; packet [%s]",
-                     m_strConnectionID.c_str(), reason, entry.first.c_str());
-        TellAttachmentStatus(entry.first, kFailed, error);
-    }
-}
-
-void VKMXPConnGlooxImpl::handleDiscoInfo(const gloox::JID& from, const gloox::Disco::Info& info, int)
-{
-    const bool inBand = info.hasFeature(gloox::XMLNS_IBB) || info.hasFeature(gloox::XMLNS_SI_FT);
-    FileTransferMechanism::eType mechanism = FileTransferMechanism::Unknown;
-    if (info.hasFeature(gloox::XMLNS_BYTESTREAMS))
-        mechanism = inBand ? FileTransferMechanism::Either : FileTransferMechanism::Socks5;
-    else if (inBand)
-        mechanism = FileTransferMechanism::InBand;
-
-    const vk::ScopedSection section(*m_pobjAttachmentsLock);
-    auto pending = m_vecPendingAttachments.begin();
-    while (pending != m_vecPendingAttachments.end()) {
-        if (pending->strTargetJID != from.full()) {
-            ++pending;
-            continue;
-        }
-        pending->eMechanism = mechanism;
-        if (mechanism != FileTransferMechanism::Unknown) {
-            ++pending;
-            continue;
-        }
-        // No status is reported for it, on purpose: the message stays as it was.
-        SetLastError("File Transfer Error.");
-        VK_LOG_ERROR(m_pobjLogger, "Connection ID: [%s] >> File Transfer Error: File transfer not supported.",
-                     m_strConnectionID.c_str());
-        pending = m_vecPendingAttachments.erase(pending);
-    }
-    if (m_pobjFileSender) // this runs inside the client
-        m_pobjFileSender->Poke();
-}
-
-void VKMXPConnGlooxImpl::handleDiscoItems(const gloox::JID& from, const gloox::Disco::Items&, int)
-{
-    VK_LOG_DEBUG(m_pobjLogger, "Connection ID: [%s] >> Disco items from [%s]", m_strConnectionID.c_str(),
-                 from.full().c_str());
-}
-
-void VKMXPConnGlooxImpl::handleDiscoError(const gloox::JID& from, const gloox::Error* error, int)
-{
-    VK_LOG_WARN(m_pobjLogger, "Connection ID: [%s] >> Disco error from [%s]: %s", m_strConnectionID.c_str(),
-                from.full().c_str(),
-                error ? VKXMPPGlooxdTypes::GetGlooxStanzaErrString(static_cast<int>(error->error())) : "");
-}
-
 /// Runs inside the client when a message arrives: notes it, no more. A reply with a thread id of its own comes without
 /// its message session, so whether there is one says nothing about whether the sender has a session with us.
 void VKMXPConnGlooxImpl::handleMessage(const gloox::Message& message, gloox::MessageSession*)
@@ -548,6 +462,7 @@ void VKMXPConnGlooxImpl::SortInArrived()
             const vk::ScopedSection section(*m_pobjIncomingLock);
             m_objIncoming.Put(message.strFullJID, message.strBareJID, hasSession, std::move(message.strBody));
         }
+        AskWhoHasSpoken(message.strFullJID);
         if (m_pobjHub)
             m_pobjHub->MessageArrived(m_strConnectionID, message.strBareJID, message.strFullJID);
     }
@@ -571,27 +486,4 @@ std::string VKMXPConnGlooxImpl::RecvAMessage(std::string& jid, int timeout)
         jid = std::move(stray->first);
         return std::move(stray->second);
     });
-}
-
-bool VKMXPConnGlooxImpl::GetAttachedFiles(const std::string& packetId, FileList& files)
-{
-    const vk::ScopedSection section(*m_pobjIncomingLock);
-    const auto found = m_mapReceivedFiles.find(packetId);
-    if (found == m_mapReceivedFiles.end() || found->second.size() != 1)
-        return false;
-    files = found->second.begin()->second;
-    return true;
-}
-
-bool VKMXPConnGlooxImpl::GetAttachedFilesOf(const std::string& jid, const std::string& packetId, FileList& files)
-{
-    const vk::ScopedSection section(*m_pobjIncomingLock);
-    const auto found = m_mapReceivedFiles.find(packetId);
-    if (found == m_mapReceivedFiles.end())
-        return false;
-    const auto own = found->second.find(gloox::JID(jid).bare());
-    if (own == found->second.end())
-        return false;
-    files = own->second;
-    return true;
 }

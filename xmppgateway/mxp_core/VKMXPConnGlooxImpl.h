@@ -12,6 +12,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
 #include <thread>
@@ -38,6 +39,10 @@ public:
 
     /// Seconds after which a login without an answer is given up.
     static inline std::atomic<int> s_iLoginLimitSeconds{30};
+
+    /// Seconds after which files are given up that could not begin to travel: their device has stayed away, or they could
+    /// never be read.
+    static inline std::atomic<int> s_iWaitLimitSeconds{24 * 60 * 60};
 
     VKMXPConnGlooxImpl(const std::string& connectionId, const std::string& server, int port, const std::string& userId,
                        const std::string& password, const std::string& resource, VKTLSPolicy tlsPolicy,
@@ -77,9 +82,13 @@ public:
         int iTries = 0;                                     ///< how often its files could not be secured
         std::chrono::steady_clock::time_point tNotBefore{}; ///< the next try
         bool bTriedAhead = false; ///< its files were to be secured before its peer had answered
+        std::optional<std::chrono::steady_clock::time_point> tAsked; ///< the question that its peer has not answered
+        std::chrono::steady_clock::time_point tQueued{};
     };
 
 private:
+    using Clock = std::chrono::steady_clock;
+
     struct Arrived
     {
         std::string strFullJID;
@@ -97,6 +106,9 @@ private:
     bool Pump(gloox::ConnectionError& result);
     void EnsureMessageSession(VKMXPSessionGlooxImpl& session);
     void QueueAttachments(VKMXPSession& session, const AttachmentMap& attachments);
+    void AskWhatItTakes(const std::string& jid);
+    void AskWhoHasSpoken(const std::string& fullJid);
+    void AskAllAnew();
     void TellRefused();
     void RefuseAttachments(const AttachmentMap& attachments, const char* error, const char* reason);
     void NoteDisconnection(int error);
@@ -108,7 +120,7 @@ private:
     vk::IncomingQueues m_objIncoming;                 ///< the queues and the senders by bare JID; incoming lock
     std::map<std::string, std::map<std::string, FileList>> m_mapReceivedFiles; ///< by packet id, then by the bare JID
                                                                                ///< of who sent them; incoming lock
-    std::vector<FileAttachmentDetails> m_vecPendingAttachments; ///< attachments lock
+    std::vector<FileAttachmentDetails> m_vecPendingAttachments; ///< the oldest first; attachments lock
     std::unique_ptr<VKconLock> m_pobjIncomingLock;
     std::unique_ptr<VKconLock> m_pobjAttachmentsLock;
     std::unique_ptr<VKMXPConnGlooxFileAcceptor> m_pobjFileAcceptor; ///< while connected; client lock
