@@ -26,7 +26,7 @@ public:
     virtual void Begin(SqlStore& store, const TableName& table, TransactionLock lock) = 0;
     /// The transaction is about to be rolled back: all changes since Begin are undone.
     virtual void Undo() noexcept = 0;
-    /// The transaction is committed, and the turn is over.
+    /// The transaction is committed, and the turn not over yet.
     virtual void Committed() noexcept = 0;
 
     /// Whether a body is something beside its row, which has to be moved and removed with it.

@@ -100,6 +100,7 @@ private:
     int m_iPageNumber = 0;
     int m_iPageCount = 0;
     long m_lTotalRecords = 0;
+    std::vector<VK_MESSAGE_HEADER> m_read; ///< and not yet in the caller's list; its memory serves poll after poll
 };
 
 } // namespace vk

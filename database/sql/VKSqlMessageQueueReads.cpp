@@ -1,3 +1,4 @@
+#include "VKRecordList.h"
 #include "VKSqlMessageQueueTurn.h"
 #include "VKTableRow.h"
 
@@ -46,6 +47,9 @@ VK_MESSAGE_HEADER HeaderOf(const SqlRow& row, bool full)
     return header;
 }
 
+/// A list grows by so many: to grow it for each row would cost as much as the row's file test.
+constexpr std::size_t kHandedAtOnce = 128;
+
 bool TakesServiceName(ReadyOption option) { return option == ReadyOption::Normal; }
 
 ReadyOption ReadyOptionOf(int queueNumber)
@@ -75,16 +79,24 @@ bool SqlMessageQueue::GetImpl(VK_MESSAGE_HEADER_LIST* list, bool full, ReadyOpti
     const std::string filter = MessageFilterClause(m_store->Dialect(), m_filter, option, m_strService, now);
     const std::string order = MessageOrder(option, m_sortField, m_bAscending);
     const auto lock = TakesServiceName(option) ? TransactionLock::Exclusive : TransactionLock::Shared;
+    const auto hand = [&] {
+        CopyRecords(list->list, list->count, m_read.data(), static_cast<int>(m_read.size()));
+        m_read.clear();
+    };
     const auto read = [&] {
         Ids taken;
         Ids withoutBody;
         m_store->ForEachRow(PageStatement(full, filter, order), [&](const SqlRow& row) {
-            const VK_MESSAGE_HEADER header = HeaderOf(row, full);
+            if (m_read.size() == kHandedAtOnce)
+                hand();
+            m_read.push_back(HeaderOf(row, full));
+            const VK_MESSAGE_HEADER& header = m_read.back();
             const bool whole = m_bodies->Exists(header.msg_name);
             (whole ? taken : withoutBody).push_back(header.id);
-            if (whole)
-                AddMessageHeader(list, &header);
+            if (!whole)
+                m_read.pop_back();
         });
+        hand();
         ForIds(withoutBody,
                [&](const SqlRaw& some) { m_store->Update("DELETE FROM {} WHERE id IN ({})", m_table, some); });
         if (TakesServiceName(option))
@@ -99,6 +111,7 @@ bool SqlMessageQueue::GetImpl(VK_MESSAGE_HEADER_LIST* list, bool full, ReadyOpti
         return InQueue(lock, read);
     } catch (...) { // nobody may send what it does not hold
         EmptyMessageHeaderList(list);
+        m_read.clear();
         throw;
     }
 }

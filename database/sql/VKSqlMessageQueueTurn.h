@@ -26,19 +26,16 @@ private:
 /// A transaction on rows and bodies together. Reads run in one too: a body whose row is being changed is not looked at.
 template <class Body> auto SqlMessageQueue::InQueue(TransactionLock lock, Body&& body)
 {
-    const auto inTurn = [&] {
-        const MessageTurn turn(*m_bodies);
-        return InTransaction(m_store->Connection(), lock, [&] {
-            m_bodies->Begin(*m_store, m_table, lock);
-            try {
-                return body();
-            } catch (...) {
-                m_bodies->Undo();
-                throw;
-            }
-        });
-    };
-    auto result = inTurn();
+    const MessageTurn turn(*m_bodies);
+    auto result = InTransaction(m_store->Connection(), lock, [&] {
+        m_bodies->Begin(*m_store, m_table, lock);
+        try {
+            return body();
+        } catch (...) {
+            m_bodies->Undo();
+            throw;
+        }
+    });
     m_bodies->Committed();
     return result;
 }

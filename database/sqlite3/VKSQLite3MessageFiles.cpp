@@ -25,10 +25,14 @@ namespace {
 
 constexpr const char* kIntentFile = "queue_metabase.sdb-intent";
 constexpr const char* kBackups = "queue_metabase.sdb-undo";
+/// Enough for the intent's number and the letter behind it.
+constexpr std::size_t kIntentHead = 32;
 
-/// Two minutes in all.
-constexpr unsigned kTurnPauseMicroseconds = 200;
-constexpr int kTurnAttempts = 120'000'000 / kTurnPauseMicroseconds;
+/// Those that wait for a turn look again after so many microseconds, twice as long each time: a short turn is soon
+/// followed by the next, and many that wait for long must not keep the one that works from its processor.
+constexpr unsigned kFirstPause = 200;
+constexpr unsigned kLongestPause = 1600;
+constexpr unsigned kLongestWait = 120'000'000;
 
 /// user_version is a signed number of 32 bits.
 long NumberAfter(long number) { return number >= std::numeric_limits<int>::max() ? 1 : number + 1; }
@@ -57,20 +61,24 @@ void SQLite3MessageFiles::RequireDone(bool done, const char* what, const std::st
 void SQLite3MessageFiles::Enter()
 {
     OpenIntent();
-    for (int left = kTurnAttempts; flock(m_iIntent, LOCK_EX | LOCK_NB) != 0; --left) {
+    unsigned pause = 0;
+    for (unsigned waited = 0; flock(m_iIntent, LOCK_EX | LOCK_NB) != 0; waited += pause) {
         if (errno != EWOULDBLOCK && errno != EINTR)
             return;
-        if (left <= 0)
+        if (waited >= kLongestWait)
             throw VKDBexception(DbError::General, __FILE__, __LINE__,
                                 "Unable to start a transaction on [" + Place() + "]: it is in use.",
                                 "another process has kept its turn for two minutes");
-        RetryPause(kTurnPauseMicroseconds);
+        pause = std::clamp(2 * pause, kFirstPause, kLongestPause);
+        RetryPause(pause);
     }
+    m_bAlone = true;
 }
 
 void SQLite3MessageFiles::Leave() noexcept
 {
     CloseDirectory();
+    m_bAlone = false;
     flock(m_iIntent, LOCK_UN);
 }
 
@@ -81,9 +89,14 @@ void SQLite3MessageFiles::Begin(SqlStore& store, const TableName& table, Transac
     m_table = table;
     m_bStarted = false;
     m_changes.clear();
-    m_lNumber = NumberAfter(store.SelectNumber("PRAGMA user_version"));
-    if (ReadNumber() == m_lNumber)
+    const long committed = store.SelectNumber("PRAGMA user_version");
+    m_lNumber = NumberAfter(committed);
+    const std::string begun = ReadIntent(kIntentHead);
+    const long number = std::atol(begun.c_str());
+    if (number == m_lNumber)
         UndoLeftovers();
+    else if (number == committed && begun.find("\nD") != std::string::npos)
+        FinishLeftovers();
     if (!m_bSwept)
         DeleteLeftoverBackups();
     m_bSwept = true;
@@ -99,20 +112,40 @@ void SQLite3MessageFiles::Undo() noexcept
     m_changes.clear();
 }
 
-/// What cannot be deleted goes when the queue is opened again.
+/// A backup that cannot be deleted goes when the queue is opened again. Where turns are not kept apart, another process
+/// may be writing a message of a doomed name by now: the next transaction looks for its row.
 void SQLite3MessageFiles::Committed() noexcept
 {
-    for (const Change& change : m_changes)
+    std::set<std::string> doomed;
+    for (const Change& change : m_changes) {
         if (change.kind == Change::BackedUp)
             unlink(m_files.PathOf(change.to).c_str());
+        else if (change.kind == Change::Doomed)
+            doomed.insert(change.from);
+        else
+            doomed.erase(change.kind == Change::Written ? change.from : change.to);
+    }
     m_changes.clear();
+    if (doomed.empty() || !m_bAlone)
+        return;
+    OpenDirectory();
+    bool deleted = true;
+    for (const std::string& name : doomed)
+        deleted &= unlinkat(m_iDirectory, name.c_str(), 0) == 0 || errno == ENOENT;
+    if (!deleted || ftruncate(m_iIntent, 0) != 0)
+        return; // the next transaction tries again
 }
 
 /// One look-up of the directory serves all files of a turn.
-bool SQLite3MessageFiles::Exists(const std::string& name)
+void SQLite3MessageFiles::OpenDirectory()
 {
     if (m_iDirectory < 0)
         m_iDirectory = open(m_files.GetQueuePath().c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+}
+
+bool SQLite3MessageFiles::Exists(const std::string& name)
+{
+    OpenDirectory();
     return (m_iDirectory >= 0 && faccessat(m_iDirectory, name.c_str(), F_OK, 0) == 0) || m_files.CheckExists(name);
 }
 
@@ -161,7 +194,23 @@ void SQLite3MessageFiles::Move(const std::string& oldName, const std::string& ne
     RequireDone(m_files.ChangeName(oldName, newName), "renamed", oldName);
 }
 
-void SQLite3MessageFiles::Remove(const std::vector<std::string>& names) { BackUp(names); }
+/// The intent's first line of a change tells whether there is something to finish, so what is to be deleted comes first.
+void SQLite3MessageFiles::Remove(const std::vector<std::string>& names)
+{
+    if (!m_changes.empty() && m_changes.front().kind != Change::Doomed)
+        return BackUp(names);
+    RequireDeletable();
+    std::vector<Change> changes;
+    for (const std::string& name : std::set<std::string>(names.begin(), names.end())) // two rows may have one file
+        changes.push_back({Change::Doomed, name, ""});
+    Intend(std::move(changes));
+}
+
+/// Behind the commit nothing could be taken back.
+void SQLite3MessageFiles::RequireDeletable() const
+{
+    RequireDone(faccessat(AT_FDCWD, m_files.GetQueuePath().c_str(), W_OK | X_OK, AT_EACCESS) == 0, "deleted", "*");
+}
 
 /// An emptied queue needs no backups: a row that comes back without its file goes with the next read.
 void SQLite3MessageFiles::RemoveAll() { RequireDone(m_files.EmptyQueue(), "deleted", "*"); }
@@ -237,15 +286,8 @@ std::string SQLite3MessageFiles::ReadIntent(std::size_t most) const
     return text;
 }
 
-/// The number of the transaction that the intent tells of; 0 without one.
-long SQLite3MessageFiles::ReadNumber() const
-{
-    constexpr std::size_t kNumberLine = 64; // and what follows it
-    return std::atol(ReadIntent(kNumberLine).c_str());
-}
-
-/// Puts right what a process left half done that died before it could commit.
-void SQLite3MessageFiles::UndoLeftovers()
+/// Takes over the changes that the intent tells of.
+void SQLite3MessageFiles::ReadLeftovers()
 {
     struct stat facts{};
     RequireDone(fstat(m_iIntent, &facts) == 0, "read", kIntentFile);
@@ -261,7 +303,25 @@ void SQLite3MessageFiles::UndoLeftovers()
         if (IsOwn(change)) // a damaged line must not turn against a message
             m_changes.push_back(change);
     }
+}
+
+/// Puts right what a process left half done that died before it could commit.
+void SQLite3MessageFiles::UndoLeftovers()
+{
+    ReadLeftovers();
     UndoChanges();
+    EmptyIntent();
+    m_changes.clear();
+}
+
+/// Deletes what a process had no time to delete that died behind its commit.
+void SQLite3MessageFiles::FinishLeftovers()
+{
+    ReadLeftovers();
+    for (const Change& change : m_changes)
+        if (change.kind == Change::Doomed &&
+            m_store->Select("SELECT id FROM {} WHERE msg_name={}", m_table, change.from)->GetReturnedRowsCount() == 0)
+            unlink(m_files.PathOf(change.from).c_str()); // one that stays is nobody's and harms nobody
     EmptyIntent();
     m_changes.clear();
 }
@@ -272,7 +332,8 @@ bool SQLite3MessageFiles::IsOwn(const Change& change)
     if (!IsMessageName(change.from))
         return false;
     switch (change.kind) {
-    case Change::Written: return change.to.empty();
+    case Change::Written:
+    case Change::Doomed: return change.to.empty();
     case Change::Renamed: return IsMessageName(change.to);
     case Change::BackedUp: return change.to.rfind(backups, 0) == 0 && IsFileName(change.to.substr(backups.size()));
     }
@@ -289,6 +350,8 @@ void SQLite3MessageFiles::UndoChanges()
         const bool replaced = std::any_of(change, m_changes.rend(), [&](const Change& earlier) {
             return earlier.kind == Change::BackedUp && earlier.from == change->from;
         });
+        if (change->kind == Change::Doomed)
+            continue;
         if (change->kind == Change::Written)
             RequireDone(replaced || unlink(from.c_str()) == 0 || errno == ENOENT, "deleted", change->from);
         else if (change->kind == Change::BackedUp || !m_files.CheckExists(change->from))

@@ -13,13 +13,15 @@ namespace vk {
 /// Which order makes every crash point safe. A transaction's number is the database's user_version plus one; it is
 /// stored by the transaction itself. Under the write lock, in this order:
 ///   1. the intent ("queue_metabase.sdb-intent") gets the number and, before each file change, a line that tells it;
-///   2. the file is changed; what would be lost by that is moved to a backup in "queue_metabase.sdb-undo" instead;
-///   3. the rows and the number are committed.
-/// The lock is free then, and the backups are deleted while others go on.
+///   2. the file is changed; what is replaced is moved to a backup in "queue_metabase.sdb-undo", and what is to be
+///      deleted is only told in the intent;
+///   3. the rows and the number are committed;
+///   4. before another process has its turn, the backups and what was to be deleted are deleted.
 /// A process that dies before 3 leaves rows as they were and the intent's number one above user_version: whoever has
 /// the lock next undoes the lines from last to first, before it looks at anything. A process that dies behind 3 leaves
-/// only backups, which whoever opens the queue next deletes. Every line can be undone twice and when its change never
-/// came, so dying while undoing is safe too. Readers take the write lock, so nobody sees the files in between.
+/// the intent's number at user_version: whoever has the lock next deletes what was to be deleted and has no row; backups
+/// that were left go when a queue is opened. Every line can be undone or finished twice and when its change never came,
+/// so dying while doing that is safe too. Readers take the write lock, so nobody sees the files in between.
 ///
 /// The system may lose what it has not yet written to the disk when the machine itself fails (synchronous mode 0):
 /// a row that has no file then goes with the next read.
@@ -51,7 +53,7 @@ private:
     /// One change of a file: what it was called, and what it is called now.
     struct Change
     {
-        enum Kind : char { Written = 'W', Renamed = 'N', BackedUp = 'B' } kind;
+        enum Kind : char { Written = 'W', Renamed = 'N', BackedUp = 'B', Doomed = 'D' } kind;
         std::string from;
         std::string to;
     };
@@ -60,15 +62,18 @@ private:
     void Intend(std::vector<Change> changes);
     void BackUp(const std::vector<std::string>& names);
     bool PutAside(const std::string& name, const std::string& backup) const;
-    long ReadNumber() const;
     std::string ReadIntent(std::size_t most) const;
     static bool IsOwn(const Change& change);
+    void ReadLeftovers();
     void UndoLeftovers();
+    void FinishLeftovers();
     void UndoChanges();
+    void RequireDeletable() const;
     void EmptyIntent();
     void DeleteLeftoverBackups() const;
     void Append(const std::string& text);
     void OpenIntent();
+    void OpenDirectory();
     void CloseDirectory() noexcept;
     void RequireDone(bool done, const char* what, const std::string& name) const;
 
@@ -80,6 +85,7 @@ private:
     long m_lNumber = 0;    ///< of the running transaction
     bool m_bStarted = false; ///< the intent holds the running transaction's number
     bool m_bSwept = false;   ///< the backups of those that died were deleted
+    bool m_bAlone = false;   ///< nobody else has a turn until Leave
     std::vector<Change> m_changes;
 };
 
