@@ -6,7 +6,6 @@
 
 #include <openssl/err.h>
 
-#include <climits>
 #include <memory>
 
 namespace {
@@ -15,12 +14,17 @@ using Byte = VKEncryption::Byte;
 
 constexpr vk_encrypt_option kEcb = VK_ENCRYPT_AES256_ECB;
 constexpr vk_encrypt_option kCbc = VK_ENCRYPT_AES256_CBC;
+const std::string kKey(32, 'k');
 
 const Byte* Bytes(const std::string& text) { return vk::BytesOf(text); }
 
 int Length(const std::string& text) { return static_cast<int>(text.size()); }
 
-/// What a call with a byte output gave; owns the buffer, as each caller has to.
+/// The two operations, each with all its forms.
+constexpr auto kEncrypt = [](auto&&... arguments) { return VKEncryption::SharedKeyEncrypt(arguments...); };
+constexpr auto kDecrypt = [](auto&&... arguments) { return VKEncryption::SharedKeyDecrypt(arguments...); };
+
+/// What a form with a byte output gave; owns the buffer, as each caller has to.
 struct Result
 {
     bool done = false;
@@ -31,18 +35,30 @@ struct Result
     std::string text() const { return std::string(vk::TextOf(buffer.get(), length)); }
 };
 
-using Full = bool (*)(const Byte*, int, const Byte*, int, Byte*&, int&, std::string&, vk_encrypt_option);
-constexpr Full kEncrypt = VKEncryption::SharedKeyEncrypt;
-constexpr Full kDecrypt = VKEncryption::SharedKeyDecrypt;
-
-Result Apply(Full operation, const std::string& key, const std::string& data, vk_encrypt_option option)
+template <class Operation, class... Input>
+Result ToBytes(Operation operation, vk_encrypt_option option, const Input&... input)
 {
     Result result;
     Byte* out = nullptr;
-    result.done =
-        operation(Bytes(key), Length(key), Bytes(data), Length(data), out, result.length, result.error, option);
+    result.done = operation(input..., out, result.length, result.error, option);
     result.buffer.reset(out);
     return result;
+}
+
+template <class Operation>
+Result Apply(Operation operation, const std::string& key, const std::string& data, vk_encrypt_option option)
+{
+    return ToBytes(operation, option, Bytes(key), Length(key), Bytes(data), Length(data));
+}
+
+/// The output of a form with a string output, or its error.
+template <class Operation, class... Input>
+std::string ToText(Operation operation, vk_encrypt_option option, const Input&... input)
+{
+    std::string out("of an earlier call"), error;
+    const bool done = operation(input..., out, error, option);
+    EXPECT_TRUE(done || out.empty()) << out;
+    return done ? out : error;
 }
 
 std::string Unhex(const std::string& hex)
@@ -52,8 +68,6 @@ std::string Unhex(const std::string& hex)
         bytes += static_cast<char>(std::stoi(hex.substr(at, 2), nullptr, 16));
     return bytes;
 }
-
-const std::string kKey(32, 'k');
 
 TEST(Key, IsTheSha256OfThePhrase)
 {
@@ -82,7 +96,7 @@ TEST(SharedKey, GivesTheAesVectorOfFips197AndPads)
     EXPECT_EQ(result.error, "");
     ASSERT_EQ(result.length, 32); // a whole block of padding behind a whole block of text
     EXPECT_EQ(result.text().substr(0, 16), Unhex("8ea2b7ca516745bfeafc49904b496089"));
-    EXPECT_EQ(std::string(vk::TextOf(result.buffer.get() + 32, 16)), std::string(16, '\0'));
+    EXPECT_EQ(vk::TextOf(result.buffer.get() + 32, 16), std::string(16, '\0'));
 }
 
 TEST(SharedKey, ChainsBlocksInCbcOnly)
@@ -106,137 +120,96 @@ TEST(SharedKey, EveryLengthComesBackWithTheRestZeroed)
             const Result secret = Apply(kEncrypt, kKey, data, option);
             const Result plain = Apply(kDecrypt, kKey, secret.text(), option);
             ASSERT_TRUE(plain.done) << plain.error;
+            const auto room = static_cast<std::size_t>(secret.length) + 32;
+            ASSERT_EQ(vk::TextOf(plain.buffer.get(), static_cast<int>(room)),
+                      data + std::string(room - data.size(), '\0'));
             ASSERT_EQ(plain.text(), data);
-            const int rest = secret.length + 32 - plain.length;
-            ASSERT_EQ(vk::TextOf(plain.buffer.get() + plain.length, rest),
-                      std::string(static_cast<std::size_t>(rest), 0));
         }
     }
 }
 
+template <class Operation> void ExpectToNameWhatIsMissing(Operation operation, const std::string& lead, char fill)
+{
+    const auto expect = [&](const Result& result, const std::string& text, int room) {
+        EXPECT_EQ(std::tuple(result.done, result.error, result.length), std::tuple(false, lead + text, 0));
+        EXPECT_EQ(vk::TextOf(result.buffer.get(), room), std::string(static_cast<std::size_t>(room), fill));
+    };
+    const Byte* const none = nullptr;
+    expect(Apply(operation, "", "data", kEcb), "No key provided", 36);
+    expect(Apply(operation, kKey, "", kEcb), "No input data provided", 32);
+    expect(Apply(operation, std::string(31, 'k'), "data", kEcb), "Invalid key length", 36);
+    expect(Apply(operation, std::string(33, 'k'), "data", kCbc), "Invalid key length", 36);
+    expect(ToBytes(operation, kEcb, none, 32, Bytes(kKey), 32), "No key provided", 64);
+    expect(ToBytes(operation, kEcb, Bytes(kKey), 32, Bytes(kKey), -5), "No input data provided", 32);
+}
+
 TEST(SharedKey, NamesWhatIsMissing)
 {
-    struct Way
-    {
-        Full operation;
-        std::string lead;
-        char fill;
-    };
-    for (const Way& way : {Way{kEncrypt, "Encryption error: ", '\0'}, Way{kDecrypt, "Decryption error: ", 'a'}}) {
-        const auto expect = [&](const Result& result, const std::string& text, int room) {
-            EXPECT_FALSE(result.done);
-            EXPECT_EQ(result.error, way.lead + text);
-            EXPECT_EQ(result.length, 0);
-            const std::string fill(static_cast<std::size_t>(room), way.fill);
-            EXPECT_EQ(vk::TextOf(result.buffer.get(), room), fill);
-        };
-        expect(Apply(way.operation, "", "data", kEcb), "No key provided", 36);
-        expect(Apply(way.operation, kKey, "", kEcb), "No input data provided", 32);
-        expect(Apply(way.operation, std::string(31, 'k'), "data", kEcb), "Invalid key length", 36);
-        expect(Apply(way.operation, std::string(33, 'k'), "data", kCbc), "Invalid key length", 36);
-
-        Result result;
-        Byte* out = nullptr;
-        result.done = way.operation(nullptr, 32, Bytes(kKey), 32, out, result.length, result.error, kEcb);
-        result.buffer.reset(out);
-        expect(result, "No key provided", 64);
-        result.done = way.operation(Bytes(kKey), 32, Bytes(kKey), -5, out, result.length, result.error, kEcb);
-        result.buffer.reset(out);
-        expect(result, "No input data provided", 32);
-    }
+    ExpectToNameWhatIsMissing(kEncrypt, "Encryption error: ", '\0');
+    ExpectToNameWhatIsMissing(kDecrypt, "Decryption error: ", 'a');
 }
 
 TEST(SharedKey, BrokenCipherTextFailsWithTheReasonAndTheFill)
 {
     std::string secret = Apply(kEncrypt, kKey, std::string(100, 'p'), kEcb).text();
-    const std::string cut = secret.substr(0, 40);
+    const std::string cut = secret.substr(0, 40), lead = "Decryption error: ";
     secret.back() = static_cast<char>(secret.back() ^ 1);
     for (const std::string& broken : {secret, cut}) {
         const Result result = Apply(kDecrypt, kKey, broken, kEcb);
         EXPECT_FALSE(result.done);
-        EXPECT_EQ(result.error.rfind("Decryption error: ", 0), 0u);
-        EXPECT_GT(result.error.size(), std::string("Decryption error: ").size());
+        EXPECT_EQ(result.error.substr(0, lead.size()), lead);
+        EXPECT_GT(result.error.size(), lead.size());
         EXPECT_EQ(result.length, 0);
         EXPECT_EQ(vk::TextOf(result.buffer.get(), Length(broken) + 32), std::string(broken.size() + 32, 'a'));
     }
     EXPECT_EQ(ERR_peek_error(), 0u) << "the thread's queue belongs to its TLS connections";
 }
 
+template <class Operation>
+void ExpectOfEveryForm(Operation operation, const std::string& bytesIn, const std::string& textIn,
+                       const std::string& bytesOut, const std::string& textOut)
+{
+    const Byte *const key = Bytes(kKey), *const in = Bytes(bytesIn);
+    const std::string key64 = vk::EncodeBase64(kKey);
+    const int length = Length(bytesIn);
+    EXPECT_EQ(ToBytes(operation, kCbc, key, 32, in, length).text(), bytesOut);
+    EXPECT_EQ(ToBytes(operation, kCbc, key, 32, textIn).text(), bytesOut);
+    EXPECT_EQ(ToBytes(operation, kCbc, key64, in, length).text(), bytesOut);
+    EXPECT_EQ(ToBytes(operation, kCbc, key64, textIn).text(), bytesOut);
+    EXPECT_EQ(ToText(operation, kCbc, key, 32, in, length), textOut);
+    EXPECT_EQ(ToText(operation, kCbc, key, 32, textIn), textOut);
+    EXPECT_EQ(ToText(operation, kCbc, key64, in, length), textOut);
+    EXPECT_EQ(ToText(operation, kCbc, key64, textIn), textOut);
+}
+
 TEST(SharedKey, TakesAnyMixOfBytesAndStrings)
 {
-    std::string key64;
-    VKEncryption::TransformKeyForCipher(std::string("pass phrase"), key64, kEcb);
-    const std::string key = *vk::DecodeBase64(key64);
     const std::string data("text\0behind", 11);
-    const std::string expected = Apply(kEncrypt, key, data, kCbc).text();
-    std::string error;
-    std::string out;
-    Result bytes;
-    const auto take = [&bytes](auto&&... call) {
-        Byte* raw = nullptr;
-        bytes.done = VKEncryption::SharedKeyEncrypt(call..., raw, bytes.length, bytes.error, kCbc);
-        bytes.buffer.reset(raw);
-        return bytes.text();
-    };
-    const auto takePlain = [&bytes](auto&&... call) {
-        Byte* raw = nullptr;
-        bytes.done = VKEncryption::SharedKeyDecrypt(call..., raw, bytes.length, bytes.error, kCbc);
-        bytes.buffer.reset(raw);
-        return bytes.text();
-    };
-    const Byte* const k = Bytes(key);
-    EXPECT_EQ(take(k, 32, data), expected);
-    EXPECT_EQ(take(key64, Bytes(data), Length(data)), expected);
-    EXPECT_EQ(take(key64, data), expected);
-
-    const std::string secret64 = vk::EncodeBase64(expected);
-    EXPECT_TRUE(VKEncryption::SharedKeyEncrypt(k, 32, Bytes(data), Length(data), out, error, kCbc) && out == secret64);
-    EXPECT_TRUE(VKEncryption::SharedKeyEncrypt(k, 32, data, out, error, kCbc) && out == secret64);
-    EXPECT_TRUE(VKEncryption::SharedKeyEncrypt(key64, Bytes(data), Length(data), out, error, kCbc) && out == secret64);
-    EXPECT_TRUE(VKEncryption::SharedKeyEncrypt(key64, data, out, error, kCbc) && out == secret64);
-
-    EXPECT_EQ(takePlain(k, 32, secret64), data);
-    EXPECT_EQ(takePlain(key64, Bytes(expected), Length(expected)), data);
-    EXPECT_EQ(takePlain(key64, secret64), data);
-
-    // A string ends at the plain text's first zero byte.
-    const Byte* const e = Bytes(expected);
-    EXPECT_TRUE(VKEncryption::SharedKeyDecrypt(k, 32, e, Length(expected), out, error, kCbc) && out == "text");
-    EXPECT_TRUE(VKEncryption::SharedKeyDecrypt(k, 32, secret64, out, error, kCbc) && out == "text");
-    EXPECT_TRUE(VKEncryption::SharedKeyDecrypt(key64, e, Length(expected), out, error, kCbc) && out == "text");
-    EXPECT_TRUE(VKEncryption::SharedKeyDecrypt(key64, secret64, out, error, kCbc) && out == "text");
+    const std::string secret = Apply(kEncrypt, kKey, data, kCbc).text(), secret64 = vk::EncodeBase64(secret);
+    ExpectOfEveryForm(kEncrypt, data, data, secret, secret64);
+    ExpectOfEveryForm(kDecrypt, secret, secret64, data, "text"); // a string ends at the first zero byte
 }
 
 TEST(SharedKey, StringsThatAreNoBase64AreRefused)
 {
-    std::string error;
-    std::string out("old");
-    EXPECT_FALSE(VKEncryption::SharedKeyEncrypt(std::string("not a key!"), std::string("x"), out, error, kEcb));
-    EXPECT_EQ(error, "Encryption error: Invalid key length");
-    EXPECT_EQ(out, "");
-    EXPECT_FALSE(VKEncryption::SharedKeyDecrypt(Bytes(kKey), 32, std::string("?"), out, error, kEcb));
-    EXPECT_EQ(error, "Decryption error: Input data is not Base64");
-    Byte* bytes = nullptr;
-    int length = -1;
-    EXPECT_FALSE(VKEncryption::SharedKeyDecrypt(Bytes(kKey), 32, std::string("?"), bytes, length, error, kEcb));
-    const std::unique_ptr<Byte[]> owner(bytes);
-    EXPECT_TRUE(bytes);
-    EXPECT_EQ(length, 0);
+    const std::string none("?");
+    EXPECT_EQ(ToText(kEncrypt, kEcb, std::string("not a key!"), none), "Encryption error: Invalid key length");
+    EXPECT_EQ(ToText(kDecrypt, kEcb, Bytes(kKey), 32, none), "Decryption error: Input data is not Base64");
+    const Result result = ToBytes(kDecrypt, kEcb, Bytes(kKey), 32, none);
+    EXPECT_FALSE(result.done);
+    EXPECT_TRUE(result.buffer);
+    EXPECT_EQ(result.length, 0);
 }
 
 TEST(StoredMessage, IsEcbUnderTheTransformedKeyInBase64)
 {
-    std::string secret;
-    std::string plain;
-    std::string error;
-    ASSERT_TRUE(VKEncryption::VKEncryptMessage("phrase", "Code blue, room 12", secret, error)) << error;
-    Byte key[32];
-    VKEncryption::TransformKeyForCipher(std::string("phrase"), key, kEcb);
-    std::string expected;
-    VKEncryption::SharedKeyEncrypt(key, 32, std::string("Code blue, room 12"), expected, error, kEcb);
-    EXPECT_EQ(secret, expected);
+    std::string key64, secret, plain, error;
+    const std::string text("Code blue, room 12");
+    ASSERT_TRUE(VKEncryption::VKEncryptMessage("phrase", text, secret, error)) << error;
+    VKEncryption::TransformKeyForCipher(std::string("phrase"), key64, kEcb);
+    EXPECT_EQ(secret, ToText(kEncrypt, kEcb, key64, text));
     EXPECT_TRUE(VKEncryption::VKDecryptMessage("phrase", secret, plain, error));
-    EXPECT_EQ(plain, "Code blue, room 12");
+    EXPECT_EQ(plain, text);
 
     EXPECT_FALSE(VKEncryption::VKEncryptMessage("phrase", "", secret, error));
     EXPECT_EQ(error, "Failed to encrypt message [Encryption error: No input data provided].<br>");
@@ -250,8 +223,7 @@ TEST(PublicKey, DoesNothingAndSaysSo)
     Byte mark = 1;
     Byte* out = &mark;
     int length = 5;
-    std::string text("untouched");
-    std::string error("untouched");
+    std::string text("untouched"), error("untouched");
     EXPECT_FALSE(VKEncryption::PublicKeyEncrypt(Bytes(kKey), 32, Bytes(kKey), 32, out, length, error, kEcb));
     EXPECT_FALSE(VKEncryption::PrivateKeyDecrypt(Bytes(kKey), 32, Bytes(kKey), 32, out, length, error, kEcb));
     EXPECT_FALSE(VKEncryption::PublicKeyEncrypt(kKey, kKey, text, error, kEcb));

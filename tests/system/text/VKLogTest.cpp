@@ -34,53 +34,49 @@ TEST(Log, EachMacroWritesAtItsLevel)
     VK_LOG_ERROR(&logger, "5");
     VK_LOG_CRITICAL(&logger, "6");
     VK_LOG_FATAL(&logger, "7");
-    int level = 0;
+    ASSERT_EQ(logger.Records().size(), 7U);
     for (const auto& record : logger.Records())
-        EXPECT_EQ(record.level, ++level) << record.message;
-    EXPECT_EQ(level, 7);
+        EXPECT_EQ(record.level, std::stoi(record.message));
 }
 
-TEST(LogScope, WritesEnterAndLeaveLinesWithTheResult)
+/// Plays one scope of each kind.
+void PlayScopes(VKLogInterface* logger)
 {
-    RecordingLogger logger;
     {
-        VK_LOG_SCOPE(plain, &logger, "A::Plain()");
+        VK_LOG_SCOPE(plain, logger, "A::Plain()");
     }
     {
-        VK_LOG_SCOPE_PREFIX(prefixed, &logger, "A::Flag()", "Job ID: [%s] >> ", "7_1");
+        VK_LOG_SCOPE_PREFIX(prefixed, logger, "A::Flag()", "Job ID: [%s] >> ", "7_1");
         EXPECT_FALSE(prefixed.Result(false));
     }
     {
-        vk::LogScope special(&logger, VK_LOG_PLACE, "A::Number()", "", "Starting A::Number()");
+        vk::LogScope special(logger, VK_LOG_PLACE, "A::Number()", "", "Starting A::Number()");
         special.Result(3);
     }
     {
-        VK_LOG_SCOPE(object, &logger, "A::Object()");
-        object.Result(&logger);
+        VK_LOG_SCOPE(object, logger, "A::Object()");
+        object.Result(logger);
     }
     try {
-        VK_LOG_SCOPE(thrown, &logger, "A::Throws()");
+        VK_LOG_SCOPE(thrown, logger, "A::Throws()");
         thrown.Result(true);
         throw std::runtime_error("x");
     } catch (const std::runtime_error&) {
     }
+}
+
+TEST(LogScope, WritesEnterAndLeaveLinesWithTheResultAtTraceOnly)
+{
+    RecordingLogger logger, quiet(VKLogInterface::DEBUG);
+    PlayScopes(&logger);
     EXPECT_THAT(logger.Messages(VKLogInterface::TRACE),
                 ElementsAre("Entering A::Plain()", "Leaving A::Plain()", "Job ID: [7_1] >> Entering A::Flag()",
                             "Job ID: [7_1] >> Leaving A::Flag() with FALSE.", "Starting A::Number()",
                             "Leaving A::Number() with 3.", "Entering A::Object()", "Leaving A::Object() with OBJECT.",
                             "Entering A::Throws()", "Leaving A::Throws() with an exception."));
-}
-
-TEST(LogScope, IsSilentWhenTraceIsOff)
-{
-    RecordingLogger logger(VKLogInterface::DEBUG);
-    {
-        VK_LOG_SCOPE(scope, &logger, "A::Quiet()");
-        scope.Result(true);
-        VK_LOG_SCOPE(none, nullptr, "A::NoLogger()");
-        none.Result(true);
-    }
-    EXPECT_TRUE(logger.Records().empty());
+    PlayScopes(&quiet);
+    EXPECT_TRUE(quiet.Records().empty());
+    PlayScopes(nullptr);
 }
 
 TEST(PrintfToString, KeepsTextsOfAnyLength)

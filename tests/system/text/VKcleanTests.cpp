@@ -53,48 +53,30 @@ TEST(Pattern, TreatsNullCaseAndAllOtherCharactersPlainly)
 
 TEST(Clean, KeepsOnlyWhatEachFormIsFor)
 {
-    struct Row
-    {
-        char* (*clean)(char*);
-        const char* text;
-        const char* kept;
-    };
-    const Row rows[] = {
+    const std::tuple<char* (*)(char*), const char*, const char*> rows[] = {
         {VKstringCleanText, "a\x01\tb\x7F\r\nc\xC3\xA9", "a\tb\r\nc\xC3\xA9"},
         {VKutilCleanText2, "\x01 a \t\r\n b\n", " a b "},
         {VKstringCleanNumeric, "+1 (555) 01-\xC3\xA9", "155501"},
-        {VKutilCleanUnprintableChar, "a\tb \xC3\xA9\x7F~", "ab ~"},
-    };
-    for (const Row& row : rows) {
-        std::string text(row.text);
-        EXPECT_STREQ(row.clean(text.data()), row.kept);
-        EXPECT_EQ(row.clean(nullptr), nullptr);
+        {VKutilCleanUnprintableChar, "a\tb \xC3\xA9\x7F~", "ab ~"}};
+    for (const auto& [clean, text, kept] : rows) {
+        EXPECT_STREQ(clean(std::string(text).data()), kept);
+        EXPECT_EQ(clean(nullptr), nullptr);
     }
-    std::string text("1\0"
-                     "2a",
-                     4);
-    EXPECT_EQ(VKstringCleanNumeric(text), "12");
+    std::string withZero = {'1', '\0', '2', 'a'};
+    EXPECT_EQ(VKstringCleanNumeric(withZero), "12");
 }
 
 TEST(Clean, TakesOutOfAMessageWhatTheSystemAdded)
 {
     const char* const message = "Sent by Ann Msg ID: 7\r\nFire, Sent by hand\nSubject: drill\nMsg ID: 7";
-    struct Row
-    {
-        bool flags[5]; // message id, sender, recipient, time, subject
-        const char* kept;
-    };
-    const Row rows[] = {
-        {{false, false, false, false, false}, message},
-        {{true, false, false, false, false}, "Sent by Ann \r\nFire, Sent by hand\nSubject: drill\n"},
-        {{false, true, false, false, false}, "Msg ID: 7\r\nFire, Sent by hand\nSubject: drill\nMsg ID: 7"},
-        {{true, true, true, true, true}, "Fire, Sent by hand\n"},
-    };
-    for (const Row& row : rows) {
+    const auto cleaned = [&](bool id, bool sender, bool recipient, bool time, bool subject) {
         std::string text(message);
-        const auto& f = row.flags;
-        EXPECT_STREQ(VKutilCleanMessageIncludeParams(text.data(), f[0], f[1], f[2], f[3], f[4]), row.kept);
-    }
+        return std::string(VKutilCleanMessageIncludeParams(text.data(), id, sender, recipient, time, subject));
+    };
+    EXPECT_EQ(cleaned(false, false, false, false, false), message);
+    EXPECT_EQ(cleaned(true, false, false, false, false), "Sent by Ann \r\nFire, Sent by hand\nSubject: drill\n");
+    EXPECT_EQ(cleaned(false, true, false, false, false), "Msg ID: 7\r\nFire, Sent by hand\nSubject: drill\nMsg ID: 7");
+    EXPECT_EQ(cleaned(true, true, true, true, true), "Fire, Sent by hand\n");
     EXPECT_EQ(VKutilCleanMessageIncludeParams(nullptr, true, true, true, true, true), nullptr);
 }
 

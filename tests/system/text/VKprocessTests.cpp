@@ -1,5 +1,6 @@
 #include "VKprocess.h"
 
+#include "ChildProcess.h"
 #include "SwitchStdOut.h"
 #include "TempDir.h"
 #include "VKnetwork.h"
@@ -9,21 +10,19 @@
 #include <csignal>
 #include <cstdio>
 #include <fcntl.h>
+#include <filesystem>
 #include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
 
-TEST(Process, ShellCommandsGiveTheirExitCode)
+TEST(Process, CommandsRunInAShellAndProgramsWithoutOne)
 {
     EXPECT_EQ(VKsystem("exit 7"), 7);
     EXPECT_EQ(VKsystem("kill -TERM $$"), 128 + SIGTERM);
     EXPECT_EQ(VKsystem(nullptr), -1);
-}
 
-TEST(Process, ProgramsRunWithoutAShell)
-{
     std::string output("before");
     EXPECT_EQ(systemEx("printf '%s|' 'a b' $HOME ; rm", output), 0);
     EXPECT_EQ(output, "a b|$HOME|;|rm|");
@@ -52,22 +51,16 @@ TEST(Process, ADaemonHasItsOwnSessionTheRootAndNoStreams)
 {
     int ends[2];
     ASSERT_EQ(pipe(ends), 0);
-    const pid_t child = fork();
-    if (child == 0) {
+    ChildProcess parent([&] {
         VKstartDaemon(true, true);
-        char where[2] = {};
-        char stream[32] = {};
         const bool leads = getsid(0) == getpid();
-        const bool atRoot = getcwd(where, sizeof where) != nullptr && where[0] == '/';
-        const bool silent =
-            readlink("/proc/self/fd/1", stream, sizeof stream - 1) > 0 && std::string(stream) == "/dev/null";
+        const bool atRoot = std::filesystem::current_path() == "/";
+        const bool silent = std::filesystem::read_symlink("/proc/self/fd/1") == "/dev/null";
         const char answer = leads && atRoot && silent ? 'y' : 'n';
-        _exit(write(ends[1], &answer, 1) == 1 ? 0 : 1);
-    }
+        return write(ends[1], &answer, 1) == 1 ? 0 : 1;
+    });
     close(ends[1]);
-    int status = -1;
-    waitpid(child, &status, 0);
-    EXPECT_EQ(status, 0) << "the parent of the daemon ends with 0";
+    EXPECT_EQ(parent.Wait(), 0) << "the parent of the daemon ends with 0";
     pollfd answered{ends[0], POLLIN, 0};
     EXPECT_EQ(poll(&answered, 1, 10000), 1);
     char answer = '?';
@@ -122,7 +115,7 @@ TEST(Process, TheMarkerFileTellsAStandbyServer)
     }
 }
 
-TEST(Network, AddressesAreVerified)
+TEST(Network, AddressesAreVerifiedThoseOfThisMachineToo)
 {
     for (const char* good : {"127.0.0.1", "255.255.255.255", "::1", "fe80::1"})
         EXPECT_TRUE(VKutilVerifyIP(good) && VKsysUtility::VerifyIP(good)) << good;
@@ -130,10 +123,7 @@ TEST(Network, AddressesAreVerified)
         EXPECT_FALSE(VKutilVerifyIP(bad) || VKsysUtility::VerifyIP(bad)) << bad;
     EXPECT_FALSE(VKutilVerifyIP(nullptr));
     EXPECT_FALSE(VKsysUtility::VerifyIP(std::string("1.2.3.4\0x", 9)));
-}
 
-TEST(Network, ThisMachineHasAnAddress)
-{
     const std::string host = VKutilGetLocalHostIp();
     EXPECT_TRUE(VKutilVerifyIP(host.c_str())) << host;
     const std::vector<std::string> all = VKutilGetLocalIps();

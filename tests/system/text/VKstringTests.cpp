@@ -9,13 +9,7 @@
 
 namespace {
 
-/// A char* that the text functions may work on in place.
-struct Chars
-{
-    explicit Chars(const char* initial) : text(initial) {}
-    char* get() { return text.data(); }
-    std::string text;
-};
+using Parts = std::vector<std::string>;
 
 std::string Owned(char* text)
 {
@@ -23,15 +17,9 @@ std::string Owned(char* text)
     return text ? std::string(text) : std::string("(null)");
 }
 
-TEST(Trim, InPlaceFormsTakeTheirSideAndSet)
+TEST(Trim, TakesItsSideAndSetAndKeepsZeroBytesInside)
 {
-    struct Row
-    {
-        char* (*trim)(char*);
-        const char* text;
-        const char* trimmed;
-    };
-    const Row rows[] = {
+    const std::tuple<char* (*)(char*), const char*, const char*> rows[] = {
         {VKstringTrim, " \t\r\n a b \v\f\n", "a b"},
         {VKstringTrim, "", ""},
         {VKstringTrim, " \n ", ""},
@@ -43,25 +31,19 @@ TEST(Trim, InPlaceFormsTakeTheirSideAndSet)
         {VKstringChop, "line \r\n", "line "},
         {VKutilStrStrip, "\xC2\xA0x ", "\xC2\xA0x"}, // no-break space is no white space, and stays whole
     };
-    for (const Row& row : rows) {
-        Chars chars(row.text);
-        EXPECT_STREQ(row.trim(chars.get()), row.trimmed) << "of [" << row.text << "]";
-    }
+    for (const auto& [trim, text, trimmed] : rows)
+        EXPECT_STREQ(trim(std::string(text).data()), trimmed) << "of [" << text << "]";
     EXPECT_EQ(VKstringTrim(static_cast<char*>(nullptr)), nullptr);
-}
 
-TEST(Trim, StringFormsTakeASetAndKeepZeroBytesInside)
-{
     std::string text("--a-b--");
     EXPECT_EQ(VKstringTrimLeft(text, "-"), "a-b--");
     EXPECT_EQ(VKstringTrimRight(text, "-"), "a-b");
     EXPECT_EQ(VKstringTrim(text, "ab"), "-");
     EXPECT_EQ(VKstringTrim(std::string(" a\0b \0 ", 7)), std::string("a\0b \0", 5));
-    Chars path("a//b///");
-    EXPECT_STREQ(VKstringTrimRight(path.get(), '/'), "a//b");
+    EXPECT_STREQ(VKstringTrimRight(std::string("a//b///").data(), '/'), "a//b");
 }
 
-TEST(NoCase, ComparesLettersOnlyAndPutsNullFirst)
+TEST(NoCase, ComparesLettersOnlyPutsNullFirstAndFindsTheFirst)
 {
     EXPECT_EQ(VKstringNoCaseCmp("Fire Brigade", "fIRE bRIGADE"), 0);
     EXPECT_LT(VKstringNoCaseCmp("alpha", "Beta"), 0);
@@ -74,10 +56,7 @@ TEST(NoCase, ComparesLettersOnlyAndPutsNullFirst)
     EXPECT_EQ(VKstringReverseNoCaseNCmp("report.SDB", "x.sdb", 4), 0);
     EXPECT_NE(VKstringReverseNoCaseNCmp("report.SDB", "x.sdb", 5), 0);
     EXPECT_NE(VKstringReverseNoCaseNCmp("b", "sdb", 3), 0);
-}
 
-TEST(NoCase, FindsTheFirstOccurrence)
-{
     const char* const text = "Job done, JOB closed";
     EXPECT_EQ(VKstringFindNoCaseSubstring(text, "job"), text);
     EXPECT_EQ(VKstringFindNoCaseSubstringQuick(text, "CLOSED"), text + 14);
@@ -90,8 +69,7 @@ TEST(NoCase, FindsTheFirstOccurrence)
 TEST(Replace, CoversCharactersTextsAndColons)
 {
     EXPECT_EQ(VKstringReplaceColon("12:30: yes"), "12-30- yes");
-    Chars colons("a::b");
-    EXPECT_STREQ(VKutilStrReplaceColon(colons.get()), "a--b");
+    EXPECT_STREQ(VKutilStrReplaceColon(std::string("a::b").data()), "a--b");
     EXPECT_EQ(VKstringReplaceChar(std::string("a.b."), '.', std::string("\\.")), "a\\.b\\.");
     EXPECT_EQ(VKstringReplaceStr("aaa", "aa", "b"), "ba");
     EXPECT_EQ(VKstringReplaceStr("x", "x", "xx"), "xx");
@@ -133,32 +111,24 @@ TEST(Hexadecimal, ReadsBothCasesAndRefusesTheRest)
     EXPECT_TRUE(all.empty());
 }
 
-TEST(Sql, TextsAreMadeSafeForTheirPlace)
+TEST(Sql, TextsAreMadeSafeForTheirPlaceAndNumbersAreTheirOwn)
 {
     struct Row
     {
-        const char* text;
-        const char* plain;
-        const char* like;
-        const char* filter;
+        const char *text, *plain, *like, *filter;
     };
-    const Row rows[] = {
-        {"", "", "", ""},
-        {"O'Hara", "O''Hara", "O''Hara", "O''Hara"},
-        {"''", "''''", "''''", "''''"},
-        {"50%_[a]\\*", "50%_[a]\\*", "50\\%\\_\\[a]\\\\*", "50\\%\\_\\[a]\\\\%"},
-        {"x'; DROP TABLE receiver;--", "x''; DROP TABLE receiver;--", "x''; DROP TABLE receiver;--",
-         "x''; DROP TABLE receiver;--"},
-    };
+    const char* const attack = "x'; DROP TABLE receiver;--";
+    const char* const harmless = "x''; DROP TABLE receiver;--";
+    const Row rows[] = {{"", "", "", ""},
+                        {"O'Hara", "O''Hara", "O''Hara", "O''Hara"},
+                        {"''", "''''", "''''", "''''"},
+                        {"50%_[a]\\*", "50%_[a]\\*", "50\\%\\_\\[a]\\\\*", "50\\%\\_\\[a]\\\\%"},
+                        {attack, harmless, harmless, harmless}};
     for (const Row& row : rows) {
         EXPECT_EQ(VKstringSQLEncode(row.text), row.plain);
         EXPECT_EQ(VKstringSQLLikeEncode(row.text), row.like);
         EXPECT_EQ(VKstringSQLFilterEncode(row.text), row.filter);
     }
-}
-
-TEST(Sql, NumbersAreTheirOwnText)
-{
     EXPECT_EQ(VKstringSQLEncode(-7), "-7");
     EXPECT_EQ(VKstringSQLEncode(LONG_MIN), "-9223372036854775808");
     EXPECT_EQ(VKstringSQLEncode(ULONG_MAX), "18446744073709551615");
@@ -170,7 +140,6 @@ TEST(Sql, NumbersAreTheirOwnText)
 
 TEST(Tokens, AreCutByAnyDelimiterOrByTheWholeSeparator)
 {
-    using Parts = std::vector<std::string>;
     EXPECT_EQ(VKstringTokenize(",a;;b,", ",;"), (Parts{"a", "b"}));
     EXPECT_EQ(VKstringTokenize("", ","), Parts{});
     EXPECT_EQ(VKstringSplitString(",a,,b,", ","), (Parts{"", "a", "", "b", ""}));
@@ -187,10 +156,9 @@ TEST(Tokens, AreCutByAnyDelimiterOrByTheWholeSeparator)
 
 TEST(Tokens, SafeStrTokKeepsItsStateWithTheCaller)
 {
-    Chars outer("a=1;b=2");
-    std::string seen;
+    std::string outer("a=1;b=2"), seen;
     char* outerRest = nullptr;
-    for (char* pair = VKstringSafeStrTok(outer.get(), ";", &outerRest); pair;
+    for (char* pair = VKstringSafeStrTok(outer.data(), ";", &outerRest); pair;
          pair = VKutilSafeStrTok(nullptr, ";", &outerRest)) {
         char* innerRest = nullptr;
         for (char* part = VKstringSafeStrTok(pair, "=", &innerRest); part;
@@ -203,7 +171,6 @@ TEST(Tokens, SafeStrTokKeepsItsStateWithTheCaller)
 
 TEST(Tokens, CommandLinesKeepWhatIsQuoted)
 {
-    using Parts = std::vector<std::string>;
     EXPECT_EQ(BuildCommandLineArguments("  run 'a b' \"c \\\"d\" e\\ f g'h'i ''"),
               (Parts{"run", "a b", "c \"d", "e f", "ghi", ""}));
     EXPECT_EQ(BuildCommandLineArguments("open 'to the end"), (Parts{"open", "to the end"}));
@@ -233,8 +200,7 @@ TEST(Paths, AreJoinedAndTakenApart)
     EXPECT_EQ(GetLastSubDirFromPath("/a/b/"), "b");
     EXPECT_EQ(Owned(VKutilGetLastSubDirFromPath("/a/b")), "b");
     EXPECT_EQ(GetLastSubDirFromPath("/"), "");
-    Chars windows("c:\\a\\b");
-    EXPECT_STREQ(VKutilPathFilter(windows.get()), "c:/a/b");
+    EXPECT_STREQ(VKutilPathFilter(std::string("c:\\a\\b").data()), "c:/a/b");
 }
 
 TEST(Copy, IsCutToItsPlaceAndAlwaysEnded)
