@@ -1,12 +1,11 @@
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 #include "ChildProcess.h"
 #include "IniReaderWriter.h"
+#include "LockingProcess.h"
 #include "TempDir.h"
 #include "VKIniReaderWriterEx.h"
 #include "VKioException.h"
@@ -39,17 +38,10 @@ protected:
     std::unique_ptr<IniReaderWriter> m_ini;
 };
 
-struct Rewrite
-{
-    const char* what;
-    std::string text;
-    std::string written;
-};
-
 TEST_F(IniTest, WhatARewriteKeepsOfEachKindOfLine)
 {
     const std::string longKey(511, 'k');
-    const Rewrite table[] = {
+    const std::tuple<const char*, std::string, std::string> table[] = {
         {"comments and order", "# top\nb=2\na=1\n[h]\n#in\nc=3\n", "# top\nb=2\na=1\n\n[h]\n#in\nc=3\n"},
         {"no blank lines", "\n \n\t\na=1\n\n\n[h]\n\n", "a=1\n\n[h]\n"},
         {"carriage returns", "a=1\r\n[h]\r\nb=2\r\n", "a=1\n\n[h]\nb=2\n"},
@@ -62,9 +54,9 @@ TEST_F(IniTest, WhatARewriteKeepsOfEachKindOfLine)
         {"511 bytes", longKey + "\nb=1\n", longKey + "\nb=1\n"},
         {"512 bytes", longKey + "x\nb=1\n", longKey + "\nx=\nb=1\n"},
     };
-    for (const Rewrite& row : table) {
-        Load(row.text);
-        EXPECT_EQ(Written(), row.written) << row.what;
+    for (const auto& [what, text, written] : table) {
+        Load(text);
+        EXPECT_EQ(Written(), written) << what;
     }
 }
 
@@ -87,14 +79,10 @@ TEST_F(IniTest, KeysAreFoundInTheirOwnSectionOnlyAndInAnyCase)
     EXPECT_EQ(ini.getKeyValue(&kMain, &elseKey), "");
     EXPECT_EQ(ini.getKeyValue(nullptr, &start), "0");
     EXPECT_EQ(ini.getKeyValue(nullptr, &key), "");
-    EXPECT_TRUE(ini.isHeadPresent("[MAIN]"));
-    EXPECT_FALSE(ini.isHeadPresent("main"));
-    EXPECT_TRUE(ini.isKeyPresent(&kMain, &key));
-    EXPECT_FALSE(ini.isKeyPresent(&empty, &key));
-    EXPECT_TRUE(ini.isValuePresent(&kMain, &key, &value));
-    EXPECT_FALSE(ini.isValuePresent(&kOther, &elseKey, &value));
-    EXPECT_TRUE(ini.isValuePresentInSection("[main]", "value"));
-    EXPECT_FALSE(ini.isValuePresentInSection("[main]", "2"));
+    EXPECT_TRUE(ini.isHeadPresent("[MAIN]") && !ini.isHeadPresent("main"));
+    EXPECT_TRUE(ini.isKeyPresent(&kMain, &key) && !ini.isKeyPresent(&empty, &key));
+    EXPECT_TRUE(ini.isValuePresent(&kMain, &key, &value) && !ini.isValuePresent(&kOther, &elseKey, &value));
+    EXPECT_TRUE(ini.isValuePresentInSection("[main]", "value") && !ini.isValuePresentInSection("[main]", "2"));
 }
 
 TEST_F(IniTest, PositionsCountFromTheFirstLineBehindTheHead)
@@ -174,21 +162,10 @@ TEST_F(IniTest, BadFilesAnswerFalseAndKeepWhatIsHeld)
     EXPECT_FALSE(missing.write(&noPlace));
 
     IniReaderWriter& ini = Load("a=1\n");
-    Signal locked, done;
-    ChildProcess holder([&] {
-        const int fd = open((m_dir / "f.ini").c_str(), O_RDWR);
-        struct flock whole = {};
-        whole.l_type = F_WRLCK;
-        if (fcntl(fd, F_SETLK, &whole) != 0)
-            return 1;
-        locked.Send();
-        return done.Await() ? 0 : 2;
-    });
-    ASSERT_TRUE(locked.Await());
+    vktest::LockingProcess holder(m_dir / "f.ini");
     EXPECT_FALSE(ini.read());
     EXPECT_EQ(ini.getKey(nullptr, 0), "a");
-    done.Send();
-    EXPECT_EQ(holder.Wait(), 0);
+    holder.Release();
     EXPECT_TRUE(ini.read());
 
     std::string full = "/dev/full";

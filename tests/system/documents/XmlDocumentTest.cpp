@@ -35,31 +35,23 @@ TEST(XmlWriting, ShapesEachKindOfElement)
     EXPECT_FALSE(XmlReaderWriter().toString(text));
 }
 
-struct Encoding
-{
-    const char* text;
-    const char* encoded;
-};
-
 TEST(XmlWriting, EntitiesStayAndLoneAmpersandsAreEncoded)
 {
-    const Encoding table[] = {
-        {"", ""},
-        {"<>'\"", "&lt;&gt;&apos;&quot;"},
-        {"&amp;", "&amp;"},
-        {"a&b", "a&amp;b"},
-        {"&any1;", "&any1;"},
-        {"&#10;", "&#10;"},
-        {"&#;", "&#;"},
-        {"&#xA;", "&amp;#xA;"},
-        {"&;", "&amp;;"},
-        {"&", "&amp;"},
-        {"&amp", "&amp;amp"},
-        {"&#1a;", "&amp;#1a;"},
-        {"&&lt;", "&amp;&lt;"},
-    };
-    for (const Encoding& row : table)
-        EXPECT_EQ(XmlReaderWriter::encodeSpecialChar(row.text), row.encoded) << row.text;
+    const std::pair<const char*, const char*> table[] = {{"", ""},
+                                                         {"<>'\"", "&lt;&gt;&apos;&quot;"},
+                                                         {"&amp;", "&amp;"},
+                                                         {"a&b", "a&amp;b"},
+                                                         {"&any1;", "&any1;"},
+                                                         {"&#10;", "&#10;"},
+                                                         {"&#;", "&#;"},
+                                                         {"&#xA;", "&amp;#xA;"},
+                                                         {"&;", "&amp;;"},
+                                                         {"&", "&amp;"},
+                                                         {"&amp", "&amp;amp"},
+                                                         {"&#1a;", "&amp;#1a;"},
+                                                         {"&&lt;", "&amp;&lt;"}};
+    for (const auto& [text, encoded] : table)
+        EXPECT_EQ(XmlReaderWriter::encodeSpecialChar(text), encoded) << text;
     EXPECT_EQ(XmlReaderWriter::encodeSpecialChar(nullptr), "");
     EXPECT_TRUE(XmlReaderWriter::isEncodedSequence("&lt;<"));
     EXPECT_FALSE(XmlReaderWriter::isEncodedSequence("a&lt;"));

@@ -1,9 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <sys/wait.h>
-#include <unistd.h>
 
+#include "ChildProcess.h"
 #include "TempDir.h"
 #include "XmlReaderWriter.h"
 
@@ -21,17 +20,10 @@ protected:
     std::string path = folder / "document.xml";
 };
 
-/// What another process finds: 1 locked, 0 free.
-int LockSeenElsewhere(const std::string& path, bool shared)
+/// Whether another process finds the file locked.
+bool LockSeenElsewhere(const std::string& path, bool shared)
 {
-    const pid_t child = fork();
-    if (child == 0) {
-        XmlReaderWriter document(path, 0);
-        _exit(document.isFileLocked(shared) ? 1 : 0);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WEXITSTATUS(status);
+    return ChildProcess([&] { return XmlReaderWriter(path, 0).isFileLocked(shared) ? 1 : 0; }).Wait() != 0;
 }
 
 TEST_F(XmlFile, IsReadChangedAndWrittenUnderOneLock)
@@ -39,11 +31,11 @@ TEST_F(XmlFile, IsReadChangedAndWrittenUnderOneLock)
     Put("<config><port>5222</port><long>" + std::string(500, 'x') + "</long></config>");
     XmlReaderWriter document(path, kOpenRead | XmlReaderWriter::LockShared | XmlReaderWriter::UnlockAfterReading);
     ASSERT_TRUE(document.isFileOpened() && document.isDocumentPresent());
-    EXPECT_EQ(LockSeenElsewhere(path, false), 0) << "the shared lock was given up after reading";
+    EXPECT_FALSE(LockSeenElsewhere(path, false)) << "the shared lock was given up after reading";
     ASSERT_TRUE(document.lock(false, true));
     EXPECT_TRUE(document.lock(false, true)) << "held already";
     EXPECT_TRUE(document.isFileLocked(true));
-    EXPECT_EQ(LockSeenElsewhere(path, true), 1);
+    EXPECT_TRUE(LockSeenElsewhere(path, true));
     ASSERT_TRUE(document.read());
     XmlReaderWriter::Node root = document.getRootNode();
     root["port"].value() = 5223;
@@ -52,7 +44,7 @@ TEST_F(XmlFile, IsReadChangedAndWrittenUnderOneLock)
     EXPECT_EQ(Get(), "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\"?>\n\n"
                      "<config>\n  <port>5223</port>\n</config>\n");
     EXPECT_FALSE(document.isFileOpened());
-    EXPECT_EQ(LockSeenElsewhere(path, false), 0);
+    EXPECT_FALSE(LockSeenElsewhere(path, false));
     EXPECT_FALSE(document.write("")) << "no file is open any more";
 }
 
@@ -63,10 +55,10 @@ TEST_F(XmlFile, SharedLocksGoTogether)
     EXPECT_FALSE(document.lock(true, false) || document.unlock() || document.close()) << "no file is open";
     ASSERT_TRUE(document.open(XmlReaderWriter::OpenNow | XmlReaderWriter::LockShared));
     EXPECT_FALSE(document.open(false, false)) << "it is open already";
-    EXPECT_EQ(LockSeenElsewhere(path, true), 0);
-    EXPECT_EQ(LockSeenElsewhere(path, false), 1);
+    EXPECT_FALSE(LockSeenElsewhere(path, true));
+    EXPECT_TRUE(LockSeenElsewhere(path, false));
     EXPECT_TRUE(document.unlock());
-    EXPECT_EQ(LockSeenElsewhere(path, false), 0);
+    EXPECT_FALSE(LockSeenElsewhere(path, false));
     EXPECT_TRUE(document.close());
 }
 

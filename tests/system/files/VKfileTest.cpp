@@ -9,31 +9,35 @@
 #include <vector>
 
 using testing::ElementsAre;
+using vktest::OthersCanLock;
+
+using namespace std::string_literals;
 
 namespace {
 
 TEST(VKfileFOpen, ModesSelectFlags)
 {
     TempDir dir;
-    const struct
+    struct Mode
     {
-        const char* mode;
+        const char* name;
         bool opensMissing, reads, writes, keeps;
-    } cases[] = {{"r", false, true, false, true},  {"rb", false, true, false, true}, {"r+", false, true, true, true},
-                 {"rb+", false, true, true, true}, {"w", true, false, true, false},  {"w+", true, true, true, false},
-                 {"a", true, false, true, true},   {"a+", true, true, true, true}};
-    for (const auto& one : cases) {
-        EXPECT_EQ(
-            static_cast<bool>(vk::FileHandle(VKfileFOpen((dir / (std::string("new") + one.mode)).c_str(), one.mode))),
-            one.opensMissing)
-            << one.mode;
-        const std::string path = dir.Write("old", "content");
-        const vk::FileHandle file(VKfileFOpen(path.c_str(), one.mode));
-        ASSERT_TRUE(file) << one.mode;
-        EXPECT_EQ(VKfileSize(file.Get()), one.keeps ? 7 : 0) << one.mode;
+    };
+    const Mode modes[] = {{"r", false, true, false, true}, {"rb", false, true, false, true},
+                          {"r+", false, true, true, true}, {"rb+", false, true, true, true},
+                          {"w", true, false, true, false}, {"w+", true, true, true, false},
+                          {"a", true, false, true, true},  {"a+", true, true, true, true}};
+    for (const Mode& mode : modes) {
+        SCOPED_TRACE(mode.name);
+        const std::string path = dir.Write("old", "content"), missing = dir / ("new"s + mode.name);
+        const vk::FileHandle fresh(VKfileFOpen(missing.c_str(), mode.name));
+        EXPECT_EQ(static_cast<bool>(fresh), mode.opensMissing);
+        const vk::FileHandle file(VKfileFOpen(path.c_str(), mode.name));
+        ASSERT_TRUE(file);
+        EXPECT_EQ(VKfileSize(file.Get()), mode.keeps ? 7 : 0);
         char byte = 0;
-        EXPECT_EQ(VKfileRead(file.Get(), &byte, 1) >= 0, one.reads) << one.mode;
-        EXPECT_EQ(VKfileWrite(file.Get(), "x", 1) == 1, one.writes) << one.mode;
+        EXPECT_EQ(VKfileRead(file.Get(), &byte, 1) >= 0, mode.reads);
+        EXPECT_EQ(VKfileWrite(file.Get(), "x", 1) == 1, mode.writes);
     }
     const std::string path = dir.Write("f", "");
     for (const char* mode : {"x", "b", "+r", "", static_cast<const char*>(nullptr)})
@@ -98,16 +102,14 @@ TEST(VKfile, FindsByPattern)
     for (const char* name : {"a.txt", "b.txt", "c.log", "sub/d.txt"})
         dir.Write(name, "12345");
     finddata_t found;
-    std::vector<std::string> names;
+    std::vector<std::string> seen;
     file_find_t* search = VKfileFindFirst(dir.Path().c_str(), "*", &found);
     ASSERT_NE(search, nullptr);
-    do {
-        names.emplace_back(found.name);
-        EXPECT_EQ(found.directory, names.back() == "sub");
-        EXPECT_TRUE(found.directory || found.size == 5);
-    } while (VKfileFindNext(search, &found) == 0);
+    do
+        seen.push_back(found.name + (found.directory ? "/"s : " " + std::to_string(found.size)));
+    while (VKfileFindNext(search, &found) == 0);
     VKfileFindClose(search);
-    EXPECT_THAT(names, testing::UnorderedElementsAre("a.txt", "b.txt", "c.log", "sub"));
+    EXPECT_THAT(seen, testing::UnorderedElementsAre("a.txt 5", "b.txt 5", "c.log 5", "sub/"));
     EXPECT_TRUE(VKfileFindFile(dir.Path().c_str(), "*.log", &found));
     EXPECT_STREQ(found.name, "c.log");
     EXPECT_FALSE(VKfileFindFile(dir.Path().c_str(), "*.bin", nullptr));
@@ -120,17 +122,17 @@ TEST(VKfileLock, KeepsOtherProcessesOutUntilTheDescriptorIsClosed)
     const std::string path = dir.Write("f", "x");
     vk::FileHandle file(VKfileFOpen(path.c_str(), "r+"));
     ASSERT_EQ(VKfileLock(file.Get(), 0, 0), 0);
-    EXPECT_TRUE(vktest::OthersCanLock(path, F_RDLCK));
-    EXPECT_FALSE(vktest::OthersCanLock(path, F_WRLCK));
+    EXPECT_TRUE(OthersCanLock(path, F_RDLCK));
+    EXPECT_FALSE(OthersCanLock(path, F_WRLCK));
     ASSERT_EQ(VKfileLock(file.Get(), 2, 1), 0);
-    EXPECT_FALSE(vktest::OthersCanLock(path, F_RDLCK));
+    EXPECT_FALSE(OthersCanLock(path, F_RDLCK));
     EXPECT_EQ(VKfileUnlock(file.Get()), 0);
-    EXPECT_FALSE(vktest::OthersCanLock(path)) << "the unlock does not touch a lock of this kind";
+    EXPECT_FALSE(OthersCanLock(path)) << "the unlock does not touch a lock of this kind";
     EXPECT_EQ(VKfileLock(file.Get(), 3, 0), 0);
-    EXPECT_TRUE(vktest::OthersCanLock(path)) << "any other mode unlocks";
+    EXPECT_TRUE(OthersCanLock(path)) << "any other mode unlocks";
     ASSERT_EQ(VKfileLock(file.Get(), 1, 0), 0);
     EXPECT_EQ(VKfileUnlockAndClose(file.Release()), 0);
-    EXPECT_TRUE(vktest::OthersCanLock(path));
+    EXPECT_TRUE(OthersCanLock(path));
 }
 
 TEST(VKfileLock, OpenWithLockGivesTheDescriptorEvenWithoutTheLock)
@@ -153,9 +155,9 @@ TEST(VKfileLock, ADirectoryIsLockedThroughAFileInIt)
     for (const std::string& name : {dir.Path().string(), dir.Path().string() + "/"}) {
         const int fd = VKfileLockDir(name.c_str());
         ASSERT_GE(fd, 0);
-        EXPECT_FALSE(vktest::OthersCanLock(dir / "lock"));
+        EXPECT_FALSE(OthersCanLock(dir / "lock"));
         VKfileUnlockDir(fd);
-        EXPECT_TRUE(vktest::OthersCanLock(dir / "lock"));
+        EXPECT_TRUE(OthersCanLock(dir / "lock"));
     }
     EXPECT_EQ(dir.Read("lock"), "locker");
     struct stat facts = {};

@@ -1,31 +1,20 @@
+#include "IoFailure.h"
 #include "LoopbackServer.h"
 #include "RecordingLogger.h"
 #include "VKioClientSocket.h"
-#include "VKioException.h"
 #include "VKioSSLClientSocket.h"
-#include "VKlibrary.h"
 
 #include <chrono>
-#include <functional>
 #include <gtest/gtest.h>
 
 using vktest::Identity;
 using vktest::LoopbackServer;
+using vktest::MessageOf;
 using vktest::RecordingLogger;
 using vktest::TestAuthority;
 using Peer = LoopbackServer::Peer;
 
 namespace {
-
-std::string MessageOf(const std::function<void()>& work)
-{
-    try {
-        work();
-    } catch (const VKioException& failure) {
-        return failure.GetMsg();
-    }
-    return "nothing thrown";
-}
 
 long MsOf(const std::function<void()>& work)
 {
@@ -81,17 +70,18 @@ TEST(VKioSocket, FailsWithItsOwnWords)
         closedPort = gone.Port();
     }
     VKioClientSocket socket;
-    EXPECT_EQ(MessageOf([&] { socket.Connect("127.0.0.1", closedPort); }), "Socket Connecting Failed");
     EXPECT_EQ(MessageOf([&] { socket.Connect("no-such-host.invalid", 80); }), "Socket Unknown Remote Host");
     EXPECT_EQ(MessageOf([&] { socket.Connect("127.0.0.1", 70000); }), "Socket Unknown Remote Host");
     EXPECT_EQ(MessageOf([&] { socket.Connect("127.0.0.1", 80, static_cast<VKioSocket::SocketType>(3)); }),
               "Socket Unknown Type");
-    EXPECT_EQ(socket.GetSocket(), -1);
     try {
         socket.Connect("127.0.0.1", closedPort);
+        ADD_FAILURE() << "nobody listens there";
     } catch (const VKioException& failure) {
+        EXPECT_EQ(failure.GetMsg(), "Socket Connecting Failed");
         EXPECT_EQ(failure.GetPath(), "127.0.0.1:" + std::to_string(closedPort));
     }
+    EXPECT_EQ(socket.GetSocket(), -1);
 }
 
 TEST(VKioSocket, APeerThatIsGoneIsAnErrorAndNeverASignal)
@@ -141,18 +131,9 @@ TEST(VKioSocket, KnowsPortsByNumberAndByName)
     EXPECT_EQ(VKioSocket::VKAsciiToPort(nullptr, tcp), -1);
 }
 
-TEST(VKioSocket, IsSetUpWithTheLibrary)
-{
-    EXPECT_TRUE(InitialLib());
-    EXPECT_TRUE(VKioSSLClientSocket::InitializeOpenSSLLibrary());
-    EXPECT_TRUE(CloseLib());
-}
-
 class VKioSSLClientSocketTest : public testing::Test
 {
 protected:
-    LoopbackServer::Tls ServerTls() { return {m_authority.Issue("gateway"), m_authority.Bundle()}; }
-
     TestAuthority m_authority;
     RecordingLogger m_logger;
 };
@@ -160,12 +141,12 @@ protected:
 TEST_F(VKioSSLClientSocketTest, OffersItsCertificateAndKeepsThePassPhraseToItself)
 {
     std::string clientName;
-    LoopbackServer server(
-        [&](Peer& peer) {
-            clientName = peer.ClientName();
-            Echo(peer);
-        },
-        ServerTls());
+    const auto greet = [&](Peer& peer) {
+        clientName = peer.ClientName();
+        Echo(peer);
+    };
+    LoopbackServer server(greet, LoopbackServer::Tls{m_authority.Issue("gateway"), m_authority.Bundle()});
+    EXPECT_TRUE(VKioSSLClientSocket::InitializeOpenSSLLibrary());
     const Identity me = m_authority.Issue("the server", "open sesame");
     VKioSSLClientSocket socket(m_authority.Bundle(), me.certificate, me.key, "open sesame",
                                static_cast<VKioSSLClientSocket::MethodType>(5), &m_logger);
@@ -204,23 +185,22 @@ TEST_F(VKioSSLClientSocketTest, ACertificateThatCannotBeUsedFailsBeforeAnyByteIs
     std::atomic<int> bytes{0};
     LoopbackServer server([&](Peer& peer) { bytes += static_cast<int>(peer.Read().size()); });
     const Identity one = m_authority.Issue("one", "secret"), two = m_authority.Issue("two");
-    const struct
+    struct Case
     {
         std::string ca, certificate, key, passPhrase;
-        int method;
         const char* message;
-    } cases[] = {
-        {"", one.certificate, two.key, "", 2, "SSL: Private key does not match the certificate public key"},
-        {"", one.certificate, one.key, "wrong", 2, "SSL: Setting Key file Failed"},
-        {"", one.certificate, one.key, "", 2, "SSL: Setting Key file Failed"},
-        {"", one.certificate, "", "", 2, "SSL: Setting Key file Failed"},
-        {"", "/no/such.crt", one.key, "secret", 2, "SSL: Setting Certificate file Failed"},
-        {"/no/such/bundle", "", "", "", 2, "SSL: Verify Location Failed"},
-        {"", "", "", "", VKioSSLClientSocket::SSLv3, "SSL creation failed."},
+        VKioSSLClientSocket::MethodType method = VKioSSLClientSocket::SSLv23;
     };
-    for (const auto& c : cases) {
-        VKioSSLClientSocket socket(c.ca, c.certificate, c.key, c.passPhrase,
-                                   static_cast<VKioSSLClientSocket::MethodType>(c.method), &m_logger);
+    const Case cases[] = {
+        {"", one.certificate, two.key, "", "SSL: Private key does not match the certificate public key"},
+        {"", one.certificate, one.key, "wrong", "SSL: Setting Key file Failed"},
+        {"", one.certificate, one.key, "", "SSL: Setting Key file Failed"},
+        {"", one.certificate, "", "", "SSL: Setting Key file Failed"},
+        {"", "/no/such.crt", one.key, "secret", "SSL: Setting Certificate file Failed"},
+        {"/no/such/bundle", "", "", "", "SSL: Verify Location Failed"},
+        {"", "", "", "", "SSL creation failed.", VKioSSLClientSocket::SSLv3}};
+    for (const Case& c : cases) {
+        VKioSSLClientSocket socket(c.ca, c.certificate, c.key, c.passPhrase, c.method, &m_logger);
         socket.Connect("127.0.0.1", server.Port());
         EXPECT_EQ(MessageOf([&] { socket.StartSSL(); }), c.message);
     }
@@ -253,13 +233,12 @@ TEST_F(VKioSSLClientSocketTest, ASilentHandshakeEndsAfterTenSeconds)
 TEST_F(VKioSSLClientSocketTest, NoticesThatThePeerHasClosedAndSurvivesAReset)
 {
     for (const bool reset : {false, true}) {
-        LoopbackServer server(
-            [reset](Peer& peer) {
-                peer.Read();
-                if (reset)
-                    peer.Reset();
-            },
-            LoopbackServer::Tls{m_authority.Issue("gateway")});
+        const auto end = [reset](Peer& peer) {
+            peer.Read();
+            if (reset)
+                peer.Reset();
+        };
+        LoopbackServer server(end, LoopbackServer::Tls{m_authority.Issue("gateway")});
         VKioSSLClientSocket socket;
         socket.Connect("127.0.0.1", server.Port());
         socket.StartSSL();
