@@ -28,25 +28,20 @@ TEST(VKconEvent, CountsMillisecondsBelowASecondAsMicroseconds)
     EXPECT_LT(one, 1.5);
 }
 
-TEST(VKconEvent, ManualResetStaysSignalledUntilReset)
+TEST(VKconEvent, ManualResetStaysSignalledAndAutoResetIsTakenByOneWait)
 {
-    VKconEvent event(true);
-    event.Broadcast();
-    EXPECT_EQ(event.Wait(-1), 16);
-    EXPECT_EQ(event.Wait(0), 16);
-    EXPECT_TRUE(event.IsSignalled());
-    event.Reset();
-    EXPECT_EQ(event.Wait(1), 17);
-}
-
-TEST(VKconEvent, AutoResetIsTakenByOneWaitAndIgnoresReset)
-{
-    VKconEvent event;
-    event.Broadcast();
-    event.Reset();
-    EXPECT_TRUE(event.IsSignalled());
-    EXPECT_EQ(event.Wait(-1), 16);
-    EXPECT_EQ(event.Wait(1), 17);
+    VKconEvent manual(true), automatic;
+    manual.Broadcast();
+    EXPECT_EQ(manual.Wait(-1), 16);
+    EXPECT_EQ(manual.Wait(0), 16);
+    EXPECT_TRUE(manual.IsSignalled());
+    manual.Reset();
+    EXPECT_EQ(manual.Wait(1), 17);
+    automatic.Broadcast();
+    automatic.Reset();
+    EXPECT_TRUE(automatic.IsSignalled()) << "it ignores a reset";
+    EXPECT_EQ(automatic.Wait(-1), 16);
+    EXPECT_EQ(automatic.Wait(1), 17);
 }
 
 TEST(VKconEvent, WakesEveryWaiterOfAManualResetEvent)
@@ -73,23 +68,6 @@ TEST(VKconEvent, MayBeDeletedByTheThreadItWoke)
     }
 }
 
-TEST(VKconLock, IsRecursiveAndKeepsOtherThreadsOut)
-{
-    VKconLock lock;
-    EXPECT_EQ(lock.Lock(), 0);
-    EXPECT_EQ(lock.TryLock(), 0);
-    int seen = -1;
-    std::thread([&] { seen = lock.TryLock(); }).join();
-    EXPECT_EQ(seen, 1);
-    EXPECT_EQ(lock.Unlock(), 0);
-    EXPECT_EQ(lock.Unlock(), 0);
-    std::thread([&] {
-        seen = lock.TryLock();
-        lock.Unlock();
-    }).join();
-    EXPECT_EQ(seen, 0);
-}
-
 int TryFromOtherThread(VKconLock& lock)
 {
     int result = -1;
@@ -99,6 +77,18 @@ int TryFromOtherThread(VKconLock& lock)
             lock.Unlock();
     }).join();
     return result;
+}
+
+TEST(VKconLock, IsRecursiveAndKeepsOtherThreadsOut)
+{
+    VKconLock lock;
+    EXPECT_EQ(lock.Lock(), 0);
+    EXPECT_EQ(lock.TryLock(), 0);
+    EXPECT_EQ(TryFromOtherThread(lock), 1);
+    EXPECT_EQ(lock.Unlock(), 0);
+    EXPECT_EQ(TryFromOtherThread(lock), 1);
+    EXPECT_EQ(lock.Unlock(), 0);
+    EXPECT_EQ(TryFromOtherThread(lock), 0);
 }
 
 TEST(VKconCriticalSection, LocksAndUnlocksAsItsFlagsSay)

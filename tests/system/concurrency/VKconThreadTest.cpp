@@ -23,24 +23,22 @@ namespace {
 
 constexpr unsigned long kNoThread = static_cast<unsigned long>(-1);
 
-/// Runs a function on the thread; says when it goes away.
+/// Runs a function on the thread.
 class Work : public VKconDelegate
 {
 public:
-    explicit Work(std::function<void(void*)> work, std::promise<void>* gone = nullptr)
-        : m_work(std::move(work)), m_gone(gone)
-    {
-    }
-    ~Work() override
-    {
-        if (m_gone)
-            m_gone->set_value();
-    }
+    explicit Work(std::function<void(void*)> work) : m_work(std::move(work)) {}
     void DoWork(void* userData) override { m_work(userData); }
 
 private:
     std::function<void(void*)> m_work;
-    std::promise<void>* m_gone;
+};
+
+/// Says when an object goes away.
+struct Farewell
+{
+    std::promise<void> gone;
+    ~Farewell() { gone.set_value(); }
 };
 
 class VKconThreadTest : public testing::Test
@@ -54,17 +52,20 @@ TEST_F(VKconThreadTest, RunsTheDelegateWithItsUserDataAndForgetsTheThread)
     std::atomic<unsigned long> seen{0};
     VKconThread thread;
     Work work([&](void* data) {
-        *static_cast<int*>(data) = 7;
+        ++*static_cast<int*>(data);
         seen = thread.GetThreadID();
     });
-    int value = 0;
-    work.SetUserData(&value);
-    EXPECT_EQ(thread.GetThreadID(), kNoThread);
-    EXPECT_FALSE(thread.IsRunning());
-    thread.Run(&work);
-    EXPECT_EQ(thread.WaitForThreadObject(1), 0);
-    EXPECT_EQ(value, 7);
-    EXPECT_NE(seen, kNoThread);
+    int runs = 0;
+    work.SetUserData(&runs);
+    while (runs < 3) {
+        EXPECT_EQ(thread.GetThreadID(), kNoThread);
+        EXPECT_FALSE(thread.IsRunning());
+        const int before = runs;
+        thread.Run(&work);
+        EXPECT_EQ(thread.WaitForThreadObject(1), 0);
+        ASSERT_EQ(runs, before + 1);
+        EXPECT_NE(seen.exchange(kNoThread), kNoThread);
+    }
     EXPECT_EQ(thread.GetThreadID(), kNoThread);
     EXPECT_FALSE(thread.IsRunning());
     EXPECT_NO_THROW(thread.Kill());
@@ -136,11 +137,12 @@ TEST_F(VKconThreadTest, StopHoldsTheThreadUntilItsResumeSignal)
 
 TEST_F(VKconThreadTest, AutoCleanDeletesThreadAndDelegate)
 {
-    std::promise<void> gone;
+    auto farewell = std::make_shared<Farewell>();
+    std::future<void> gone = farewell->gone.get_future();
     auto* thread = new VKconThread;
     thread->SetAutoClean(true);
-    thread->Run(new Work([](void*) {}, &gone));
-    EXPECT_EQ(gone.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
+    thread->Run(new Work([kept = std::move(farewell)](void*) {}));
+    EXPECT_EQ(gone.wait_for(std::chrono::seconds(20)), std::future_status::ready);
 }
 
 TEST_F(VKconThreadTest, ObjectMayGoBeforeOrWhileItsThreadEnds)
@@ -158,18 +160,6 @@ TEST_F(VKconThreadTest, ObjectMayGoBeforeOrWhileItsThreadEnds)
             thread->IsRunning();
         thread.reset();
     }
-}
-
-TEST_F(VKconThreadTest, AThreadObjectCanRunAgain)
-{
-    std::atomic<int> runs{0};
-    Work work([&](void*) { ++runs; });
-    VKconThread thread;
-    for (int round = 0; round < 3; ++round) {
-        thread.Run(&work);
-        thread.WaitForThreadObject(1);
-    }
-    EXPECT_EQ(runs, 3);
 }
 
 // Watchers ask about threads all the time while they end.

@@ -5,12 +5,20 @@
 
 #include <cstring>
 #include <gmock/gmock.h>
+#include <sstream>
 #include <thread>
 
 using testing::ElementsAre;
-using testing::Pair;
 
 namespace {
+
+/// The values of a record, in the order of its table.
+template <class Table, class Record> std::string Shown(const Table& table, const Record& record)
+{
+    std::ostringstream text;
+    vk::ForEachField(table, [&](const auto& field) { text << field.of(record) << '|'; });
+    return text.str();
+}
 
 /// Each test gets an installation of its own.
 class ConfigurationTest : public testing::Test
@@ -26,12 +34,12 @@ protected:
     void Write(const std::string& name, const std::string& content) { root.Write("config/" + name, content); }
     std::string Read(const std::string& name) { return root.Read("config/" + name); }
 
-    std::vector<std::pair<int, std::string>> Queues(bool force)
+    std::vector<std::string> Queues(bool force)
     {
-        std::vector<std::pair<int, std::string>> queues;
+        std::vector<std::string> queues;
         const VK_QUEUE_DIRECTORY_PATH* list = configuration.getQueueDirectory(force);
         for (int i = 0; i < configuration.getQueueDirectoryCount(false); ++i)
-            queues.emplace_back(list[i].id, std::string(list[i].name) + "=" + list[i].path);
+            queues.push_back(std::to_string(list[i].id) + " " + list[i].name + "=" + list[i].path);
         return queues;
     }
 
@@ -87,36 +95,23 @@ TEST_F(ConfigurationTest, KeepsTheFirstLineOfTheVersion)
 
 TEST_F(ConfigurationTest, ReadsDirectoriesAndQueues)
 {
-    Write("dir", "spool_dir:\t\t/var/spool\n"
-                 "snmp_spool_dir:\t/var/snmp \r\n"
-                 "log_directory of old\t/var/log\n"
-                 "fax_dir:/no/tab\n"
-                 "waiting_dir:\t\t" +
-                     std::string(300, 'w') +
-                     "\n"
-                     "  7\tbeta\t/queue/b  \n"
-                     "8\tAlpha\t/queue/a\n"
-                     "0\tnone\t/queue/0\n"
-                     "9\tno path\n"
-                     "-3\t" +
-                     std::string(60, 'z') +
-                     "\t/queue/z\n"
-                     "\n");
-    const VK_DIRECTORY_PATH& directory = *configuration.getDirectory(true);
-    EXPECT_STREQ(directory.spool_dir, "/var/snmp") << "the second key overrides the first";
-    EXPECT_STREQ(directory.snmp_spool_dir, "");
-    EXPECT_STREQ(directory.log_dir, "/var/log") << "a key is a prefix";
-    EXPECT_STREQ(directory.fax_dir, "");
-    EXPECT_EQ(std::strlen(directory.waiting_dir), 255U);
-    EXPECT_THAT(Queues(false), ElementsAre(Pair(8, "Alpha=/queue/a"), Pair(7, "beta=/queue/b"),
-                                           Pair(-3, std::string(50, 'z') + "=/queue/z")));
+    const std::string longPath(300, 'w'), longName(60, 'z');
+    Write("dir", "spool_dir:\t\t/var/spool\nsnmp_spool_dir:\t/var/snmp \r\nlog_directory of old\t/var/log\n"
+                 "fax_dir:/no/tab\nwaiting_dir:\t\t" +
+                     longPath + "\n  7\tbeta\t/queue/b  \n8\tAlpha\t/queue/a\n0\tnone\t/queue/0\n9\tno path\n-3\t" +
+                     longName + "\t/queue/z\n\n");
+    EXPECT_EQ(Shown(vk::kDirectoryFields, *configuration.getDirectory(true)),
+              "/var/snmp|||||/var/log|||||||||" + longPath.substr(0, 255) + "|")
+        << "the second key overrides the first; a key is a prefix";
+    EXPECT_THAT(Queues(false),
+                ElementsAre("8 Alpha=/queue/a", "7 beta=/queue/b", "-3 " + longName.substr(0, 50) + "=/queue/z"));
 }
 
 TEST_F(ConfigurationTest, MakesADefaultQueueAndWritesIt)
 {
     EXPECT_TRUE(Queues(true).empty()) << "there is no file yet";
     Write("dir", "spool_dir:\t\t/var/spool\n");
-    EXPECT_THAT(Queues(true), ElementsAre(Pair(101, "Default=/var/spool")));
+    EXPECT_THAT(Queues(true), ElementsAre("101 Default=/var/spool"));
     std::strcpy(configuration.getDirectory(false)->wap_dir, "/var/wap");
     ASSERT_TRUE(configuration.setDirectory());
     EXPECT_EQ(Read("dir"), "spool_dir:\t\t/var/spool\nsnmp_spool_dir:\t\t/var/spool\ncascade_dir:\t\t\n"
@@ -128,47 +123,37 @@ TEST_F(ConfigurationTest, MakesADefaultQueueAndWritesIt)
     configuration.getDirectory(true);
     ASSERT_TRUE(configuration.setDirectory());
     EXPECT_EQ(Read("dir").find("snmp_spool_dir:\t\t/var/spool\n"), 0U) << "with two queues the first line is left out";
-    EXPECT_THAT(Queues(true), ElementsAre(Pair(1, "a=/a"), Pair(2, "b=/b")));
+    EXPECT_THAT(Queues(true), ElementsAre("1 a=/a", "2 b=/b"));
     EXPECT_STREQ(configuration.getDirectory(false)->spool_dir, "/var/spool");
 }
 
 TEST_F(ConfigurationTest, ReadsTheDataSource)
 {
-    EXPECT_EQ(configuration.getDataSource(true), nullptr);
-    const struct
-    {
-        const char* content;
-        int type;
-        bool oracle, dsn;
-        const char *connect, *user, *password;
-    } cases[] = {
-        {"database_type: Sdb\ndb_user: u\ndb_password: p\n", 1, false, true, "", "", ""},
-        {" db_user:\tu \nDB_PASSWORD:p w\r\ndb_connect_string:DSN=x;y\nDatabase_Type:\toDBC\n", 2, false, true,
-         "DSN=x;y", "u", "p w"},
-        {"database_type:Oracle\ndb_user:u\ndb_connect_type: driver\n", 2, true, false, "", "u", ""},
-        {"database_type:Odbc\ndb_connect_type: dsn-less\n", 2, false, true, "", "", ""},
-        {"database_type:Odbcs\ndb_user:u\n", 0, false, true, "", "", ""},
-        {"\x01\x02\xff no keyword\n\n", 0, false, true, "", "", ""},
+    const auto read = [&](const std::string& content) {
+        Write("datasource", content);
+        const VK_DATA_SOURCE& source = *configuration.getDataSource(true);
+        return std::to_string(source.database_type) + (source.oracle ? " oracle" : "") +
+               (source.uses_dsn ? " dsn" : "") + "|" + source.connect_string + "|" + source.user + "|" +
+               source.password;
     };
-    for (const auto& one : cases) {
-        Write("datasource", one.content);
-        const VK_DATA_SOURCE* source = configuration.getDataSource(true);
-        ASSERT_NE(source, nullptr);
-        EXPECT_EQ(source->database_type, one.type) << one.content;
-        EXPECT_EQ(source->oracle, one.oracle) << one.content;
-        EXPECT_EQ(source->uses_dsn, one.dsn) << one.content;
-        EXPECT_STREQ(source->connect_string, one.connect);
-        EXPECT_STREQ(source->user, one.user);
-        EXPECT_STREQ(source->password, one.password);
-    }
-    Write("datasource", "database_type:Odbc\ndb_user:" + std::string(90, 'u') + "\n");
-    EXPECT_EQ(std::strlen(configuration.getDataSource(true)->user), 54U);
+    EXPECT_EQ(configuration.getDataSource(true), nullptr);
+    EXPECT_EQ(read("database_type: Sdb\ndb_user: u\ndb_password: p\n"), "1 dsn|||");
+    EXPECT_EQ(read(" db_user:\tu \nDB_PASSWORD:p w\r\ndb_connect_string:DSN=x;y\nDatabase_Type:\toDBC\n"),
+              "2 dsn|DSN=x;y|u|p w");
+    EXPECT_EQ(read("database_type:Oracle\ndb_user:u\ndb_connect_type: driver\n"), "2 oracle||u|");
+    EXPECT_EQ(read("database_type:Odbc\ndb_connect_type: dsn-less\n"), "2 dsn|||");
+    EXPECT_EQ(read("database_type:Odbcs\ndb_user:u\n"), "0 dsn|||");
+    EXPECT_EQ(read("\x01\x02\xff no keyword\n\n"), "0 dsn|||");
+    EXPECT_EQ(read("database_type:Odbc\ndb_user:" + std::string(90, 'u') + "\n"),
+              "2 dsn||" + std::string(54, 'u') + "|");
     EXPECT_EQ(configuration.getDataSource(false), configuration.getDataSource(true)) << "rewritten in place";
     std::filesystem::remove(root / "config/datasource");
     EXPECT_EQ(configuration.getDataSource(true), nullptr);
 }
 
-std::string GlobalFile(std::initializer_list<std::pair<std::size_t, std::uint32_t>> values)
+using Words = std::initializer_list<std::pair<std::size_t, std::uint32_t>>;
+
+std::string GlobalFile(Words values)
 {
     std::string content(32 + 6360, '\0');
     content.replace(0, 6, "header");
@@ -177,21 +162,21 @@ std::string GlobalFile(std::initializer_list<std::pair<std::size_t, std::uint32_
     return content;
 }
 
+std::uint32_t WordAt(const void* settings, std::size_t offset)
+{
+    std::uint32_t word = 0;
+    std::memcpy(&word, static_cast<const char*>(settings) + offset, sizeof word);
+    return word;
+}
+
 TEST_F(ConfigurationTest, ChecksTheRangesOfTheGlobalSettings)
 {
-    const struct
-    {
-        std::size_t offset;
-        std::uint32_t stored, read;
-    } cases[] = {{548, 5000, 200}, {548, 1000, 1000}, {552, 1001, 200}, {556, 0, 1},
-                 {556, 7, 7},      {2312, 2, 3},      {2312, 4, 4},     {2312, 0xffffffff, 3},
-                 {4104, 0, 10},    {4104, 101, 10},   {4104, 100, 100}, {4, 0, 0}};
-    for (const auto& one : cases) {
-        Write("global", GlobalFile({{one.offset, one.stored}}));
-        const auto* bytes = reinterpret_cast<const char*>(configuration.getGlobalSettings(true));
-        std::uint32_t value = 0;
-        std::memcpy(&value, bytes + one.offset, sizeof value);
-        EXPECT_EQ(value, one.read) << one.offset;
+    const std::tuple<std::size_t, std::uint32_t, std::uint32_t> cases[] = {
+        {548, 5000, 200}, {548, 1000, 1000}, {552, 1001, 200},      {556, 0, 1}, {556, 7, 7},     {2312, 2, 3},
+        {2312, 4, 4},     {4104, 0, 10},     {2312, 0xffffffff, 3}, {4, 0, 0},   {4104, 101, 10}, {4104, 100, 100}};
+    for (const auto& [offset, stored, read] : cases) {
+        Write("global", GlobalFile({{offset, stored}}));
+        EXPECT_EQ(WordAt(configuration.getGlobalSettings(true), offset), read) << offset;
     }
 }
 
@@ -200,38 +185,30 @@ TEST_F(ConfigurationTest, WritesTheDefaultsOfANewInstallation)
     EXPECT_EQ(configuration.getGlobalSettings(true)->value_4, 200U);
     const std::string content = Read("global");
     ASSERT_EQ(content.size(), 32U + 6360U);
-    const std::pair<std::size_t, std::uint32_t> defaults[] = {
-        {4, 200},  {8, 20},  {12, 10},   {24, 50},    {28, 1000}, {548, 100}, {552, 100}, {556, 1},  {560, 1},
-        {564, 30}, {568, 0}, {1880, 30}, {1884, 500}, {2312, 3},  {3996, 10}, {4000, 2},  {4104, 10}};
-    for (const auto& [offset, expected] : defaults) {
-        std::uint32_t value = 0;
-        std::memcpy(&value, content.data() + 32 + offset, sizeof value);
-        EXPECT_EQ(value, expected) << offset;
-    }
+    const Words defaults = {{4, 200},    {8, 20},   {12, 10},   {24, 50},  {28, 1000}, {548, 100},
+                            {552, 100},  {556, 1},  {560, 1},   {564, 30}, {568, 0},   {1880, 30},
+                            {1884, 500}, {2312, 3}, {3996, 10}, {4000, 2}, {4104, 10}};
+    for (const auto& [offset, expected] : defaults)
+        EXPECT_EQ(WordAt(content.data() + 32, offset), expected) << offset;
     EXPECT_STREQ(content.data() + 32 + 4004, "FFFFFF");
 }
 
 TEST_F(ConfigurationTest, KeepsTheHeaderAndTellsObservers)
 {
-    std::vector<std::uint32_t> seen;
-    auto* const record = &seen; // the observer outlives this test
-    static std::vector<std::uint32_t>* target;
-    target = record;
+    static std::vector<std::uint32_t> seen; // the observer outlives this test
+    seen.clear();
     configuration.getGlobalSettings(true);
     configuration.observeGlobalSettings([](const VK_GLOBAL_SETTINGS& settings) {
-        if (target)
-            target->insert(target->end(), {settings.cover_by_allowed, static_cast<std::uint32_t>(settings.max_members),
-                                           settings.receiver_limit, settings.count_groups});
+        seen.insert(seen.end(), {settings.cover_by_allowed, static_cast<std::uint32_t>(settings.max_members),
+                                 settings.receiver_limit, settings.count_groups});
     });
     EXPECT_THAT(seen, ElementsAre(0, 0, 0, 0)) << "they were read before";
     Write("global", GlobalFile({{1912, 1}, {3264, 250}, {3268, 1}, {3788, 1}, {568, 1}}));
     configuration.getGlobalSettings(true);
     EXPECT_THAT(seen, ElementsAre(0, 0, 0, 0, 1, 250, 1, 1));
-    configuration.getGlobalSettings(false);
-    EXPECT_EQ(seen.size(), 8U) << "a kept copy changes nothing";
-    target = nullptr;
-
     configuration.getGlobalSettings(false)->value_4 = 77;
+    EXPECT_EQ(seen.size(), 8U) << "a kept copy changes nothing";
+
     ASSERT_TRUE(configuration.setGlobalSettings());
     EXPECT_EQ(Read("global").substr(0, 6), "header");
     EXPECT_EQ(configuration.getGlobalSettings(true)->value_4, 77U);
@@ -277,29 +254,18 @@ TEST_F(ConfigurationTest, WaitsForFilesThatAnotherProcessHasLocked)
 
 TEST_F(ConfigurationTest, ReadsDeviceStatuses)
 {
-    VK_DEVICE_STATUS_LIST list;
+    VK_DEVICE_STATUS_LIST list, copy;
     EXPECT_FALSE(configuration.getDeviceStatusList(&list));
+    const std::string longName(80, 'n');
     Write("device_status_config", "status_name: lost\nstatus_code:\t1\nstatus_name:\tOn duty\nstatus_desp: reachable\n"
-                                  "status_disabled: OFF\nallow_cover_by: 1\n\n"
-                                  "status_code: 2\nstatus_name: " +
-                                      std::string(80, 'n') +
-                                      "\nstatus_disabled: ON\n"
-                                      "allow_cover_by: 0\nforce_cover_by:1\n");
+                                  "status_disabled: OFF\nallow_cover_by: 1\n\nstatus_code: 2\nstatus_name: " +
+                                      longName + "\nstatus_disabled: ON\nallow_cover_by: 0\nforce_cover_by:1\n");
     ASSERT_TRUE(configuration.getDeviceStatusList(&list));
-    VK_DEVICE_STATUS_LIST copy;
     DuplicateDeviceStatusList(&copy, &list);
     EmptyDeviceStatusList(&list);
     ASSERT_EQ(copy.count, 2);
-    EXPECT_EQ(copy.list[0].status_code, 1);
-    EXPECT_STREQ(copy.list[0].status_name, "On duty");
-    EXPECT_STREQ(copy.list[0].status_desp, "reachable");
-    EXPECT_FALSE(copy.list[0].status_disabled);
-    EXPECT_TRUE(copy.list[0].allow_cover_by);
-    EXPECT_FALSE(copy.list[0].force_cover_by);
-    EXPECT_EQ(std::strlen(copy.list[1].status_name), 50U);
-    EXPECT_TRUE(copy.list[1].status_disabled);
-    EXPECT_FALSE(copy.list[1].allow_cover_by);
-    EXPECT_TRUE(copy.list[1].force_cover_by);
+    EXPECT_EQ(Shown(vk::kDeviceStatusFields, copy.list[0]), "1|On duty|reachable|0|1|0|");
+    EXPECT_EQ(Shown(vk::kDeviceStatusFields, copy.list[1]), "2|" + longName.substr(0, 50) + "||1|0|1|");
     EmptyDeviceStatusList(&copy);
 }
 
@@ -314,13 +280,8 @@ TEST_F(ConfigurationTest, ReadsSerialPorts)
     for (const std::string& path : {root / "config", root / "config/ports"}) {
         ASSERT_TRUE(VKConfiguration::GetPorts(path, &ports));
         ASSERT_EQ(ports.count, 2);
-        EXPECT_STREQ(ports.list[0].serial_port, "/dev/ttyS0");
-        EXPECT_STREQ(ports.list[0].auto_answer_string, "");
-        EXPECT_EQ(ports.list[0].baud_rate, 9600);
-        EXPECT_EQ(ports.list[0].max_idle_time, 60);
-        EXPECT_TRUE(ports.list[0].is_leased);
-        EXPECT_STREQ(ports.list[0].flow_control, "hardware");
-        EXPECT_EQ(ports.list[1].baud_rate, 0);
+        EXPECT_EQ(Shown(vk::kPortFields, ports.list[0]), "/dev/ttyS0|ATZ||9600|8|1|none|5|60|1|hardware|");
+        EXPECT_EQ(Shown(vk::kPortFields, ports.list[1]), "|||0|0|0||0|0|0||");
     }
     Write("ports", "<ports><port></ports>");
     EXPECT_FALSE(VKConfiguration::GetPorts(root / "config", &ports));

@@ -51,19 +51,16 @@ TEST_F(GatewaySettingsTest, ReadsWhatTheFileHasAndKeepsDefaultsForWhatMayBeMissi
 {
     const VKMXPManagerSettings* settings = Read(kRequired);
     ASSERT_NE(settings, nullptr) << configuration.getGatewaySettingsError();
-    EXPECT_TRUE(settings->m_bEnabled);
+    EXPECT_TRUE(settings->m_bEnabled && settings->m_bEmergencyModeEnabled && settings->m_bAutoAuthEnabled);
+    EXPECT_FALSE(settings->m_bApnsEnabled || settings->m_objPolicySettings.m_optAutoDelete.has_value());
     EXPECT_EQ(settings->m_iServerPort, 5223);
     EXPECT_EQ(settings->m_lMxpCarrier, 7);
-    EXPECT_TRUE(settings->m_bEmergencyModeEnabled);
     EXPECT_THAT(settings->m_vecAllowedMxpUsersFrom, ElementsAre("10.0.0.1")) << "the count decides";
     EXPECT_EQ(settings->m_iFileTransTimeout, 2);
     EXPECT_EQ(settings->m_iSocketTimeout, 30);
-    EXPECT_TRUE(settings->m_bAutoAuthEnabled);
-    EXPECT_FALSE(settings->m_bApnsEnabled);
     EXPECT_EQ(settings->m_iS2SPort, 5222);
     EXPECT_EQ(VKMXPManagerSettings().m_iS2SPort, 10000);
     EXPECT_EQ(settings->m_strApns2ProductionUrl, vk::settings::kApns2ProductionUrl);
-    EXPECT_FALSE(settings->m_objPolicySettings.m_optAutoDelete.has_value());
     EXPECT_EQ(configuration.getMXPSettingsObject(), settings);
     EXPECT_EQ(configuration.getMXPManagerSettings(false), settings);
 }
@@ -76,25 +73,21 @@ TEST_F(GatewaySettingsTest, AFileThatCannotBeUnderstoodGivesNothingAndSaysWhy)
         const std::size_t begin = text.find("<" + element + ">"), end = text.find("</" + element + ">");
         return text.erase(begin, end + element.size() + 3 - begin);
     };
-    const struct
-    {
-        std::string elements, why;
-    } cases[] = {
+    const std::pair<std::string, std::string> cases[] = {
         {without("mxp_carrier"), "The element 'mxp_carrier' is missing."},
         {without("adv_settings"), "The element 'adv_settings' is missing."},
         {required + "<push_notification/>", "The element 'apns_enabled' is missing."},
         {required + "<socket_timeout>soon</socket_timeout>", "The value 'soon' of 'socket_timeout' is no number."},
-        {required + "<unclosed>", "mismatched tag"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(Read(c.elements), nullptr);
-        EXPECT_THAT(configuration.getGatewaySettingsError(), HasSubstr(c.why));
-        EXPECT_THAT(configuration.getGatewaySettingsError(), HasSubstr("mxp_config.xml: "));
+        {required + "<unclosed>", "mismatched tag"}};
+    for (const auto& [elements, why] : cases) {
+        EXPECT_EQ(Read(elements), nullptr);
+        EXPECT_THAT(configuration.getGatewaySettingsError(), AllOf(HasSubstr("mxp_config.xml: "), HasSubstr(why)));
         EXPECT_EQ(configuration.getMXPSettingsObject(), nullptr);
         const std::string before = File();
         VKMXPManagerSettings other;
-        EXPECT_EQ(configuration.setMXPManagerSettings(&other), c.why != "mismatched tag");
-        EXPECT_EQ(File() == before, c.why == "mismatched tag") << "a file that cannot be parsed is left alone";
+        const bool parsed = why != "mismatched tag";
+        EXPECT_EQ(configuration.setMXPManagerSettings(&other), parsed);
+        EXPECT_EQ(File() != before, parsed) << "a file that cannot be parsed is left alone";
     }
 }
 
@@ -107,16 +100,17 @@ TEST_F(GatewaySettingsTest, WritesWhatItReadsAndKeepsWhatItDoesNotKnow)
     settings->m_strDomain = "a<b>&\"c\"";
     settings->m_vecAllowedMxpUsersFrom = {"1.1.1.1", "2.2.2.2", "3.3.3.3"};
     settings->m_vecS2SProfiles.resize(2);
+    VKS2SProfile& second = settings->m_vecS2SProfiles[1];
     settings->m_vecS2SProfiles[0].m_iAuthMechanism = 1;
-    settings->m_vecS2SProfiles[1].m_strName = "second";
-    settings->m_vecS2SProfiles[1].m_iAuthMechanism = 2;
-    settings->m_vecS2SProfiles[1].m_bEnabled = true;
+    second.m_strName = "second";
+    second.m_iAuthMechanism = 2;
+    second.m_bEnabled = true;
     settings->m_strApns2Topic = "com.example.pager";
     ASSERT_TRUE(configuration.setMXPManagerSettings(settings)) << configuration.getGatewaySettingsError();
-    EXPECT_THAT(File(), HasSubstr("<new_thing level=\"3\">"));
-    EXPECT_THAT(File(), HasSubstr("<auth_mechanism value=\"2\">Dial Back</auth_mechanism>"));
-    EXPECT_THAT(File(), HasSubstr("<auth_mechanism value=\"1\">SASL-External</auth_mechanism>"));
-    EXPECT_THAT(File(), HasSubstr("<topic>com.example.pager</topic>"));
+    for (const char* written :
+         {"<new_thing level=\"3\">", "<auth_mechanism value=\"2\">Dial Back</auth_mechanism>",
+          "<auth_mechanism value=\"1\">SASL-External</auth_mechanism>", "<topic>com.example.pager</topic>"})
+        EXPECT_THAT(File(), HasSubstr(written));
     EXPECT_THAT(File(), Not(HasSubstr("fcm_notification"))) << "an extension at its default is not written";
 
     VKMXPManagerSettings* again = configuration.getMXPManagerSettings(true);
@@ -140,9 +134,10 @@ TEST_F(GatewaySettingsTest, WritesWhatItReadsAndKeepsWhatItDoesNotKnow)
     EXPECT_EQ(File(), before);
 }
 
-/// Every row of a table is set to something of its own; what comes back must be the same.
-template <class Table, class Record> void FillAll(const Table& table, Record& record)
+/// Sets every row of a table to something of its own, writes and reads the record; what comes back must be the same.
+template <class Record, class Table, class Set, class Get> void ExpectAllBack(const Table& table, Set set, Get get)
 {
+    Record record;
     int number = 100;
     vk::ForEachField(table, [&](const auto& row) {
         auto& value = row.of(record);
@@ -154,33 +149,25 @@ template <class Table, class Record> void FillAll(const Table& table, Record& re
         else if constexpr (std::is_arithmetic_v<Value>)
             value = static_cast<Value>(++number);
     });
-}
-
-template <class Table, class Record> void ExpectSame(const Table& table, Record& one, Record& other)
-{
+    VKConfiguration& configuration = *VKConfiguration::getVKConfiguration();
+    ASSERT_TRUE((configuration.*set)(&record)) << configuration.getGatewaySettingsError();
+    Record* const back = (configuration.*get)(true);
+    ASSERT_NE(back, nullptr) << configuration.getGatewaySettingsError();
     vk::ForEachField(table, [&](const auto& row) {
         using Value = typename std::decay_t<decltype(row)>::Value;
         if constexpr (std::is_arithmetic_v<Value> || std::is_same_v<Value, std::string>) {
-            EXPECT_EQ(row.of(one), row.of(other)) << row.name;
+            EXPECT_EQ(row.of(record), row.of(*back)) << row.name;
         }
     });
 }
 
 TEST_F(GatewaySettingsTest, EveryValueComesBackFromANewFile)
 {
-    VKMXPManagerSettings manager;
-    FillAll(vk::settings::kMXPManagerFields, manager);
-    ASSERT_TRUE(configuration.setMXPManagerSettings(&manager)) << configuration.getGatewaySettingsError();
-    VKMXPManagerSettings* readManager = configuration.getMXPManagerSettings(true);
-    ASSERT_NE(readManager, nullptr) << configuration.getGatewaySettingsError();
-    ExpectSame(vk::settings::kMXPManagerFields, manager, *readManager);
-
-    VKXMPPGatewaySettings gateway;
-    FillAll(vk::settings::kXMPPGatewayFields, gateway);
-    ASSERT_TRUE(configuration.setXMPPGatewaySettings(&gateway)) << configuration.getGatewaySettingsError();
-    VKXMPPGatewaySettings* readGateway = configuration.getXMPPGatewaySettings(true);
-    ASSERT_NE(readGateway, nullptr) << configuration.getGatewaySettingsError();
-    ExpectSame(vk::settings::kXMPPGatewayFields, gateway, *readGateway);
+    using Class = VKConfiguration;
+    ExpectAllBack<VKMXPManagerSettings>(vk::settings::kMXPManagerFields, &Class::setMXPManagerSettings,
+                                        &Class::getMXPManagerSettings);
+    ExpectAllBack<VKXMPPGatewaySettings>(vk::settings::kXMPPGatewayFields, &Class::setXMPPGatewaySettings,
+                                         &Class::getXMPPGatewaySettings);
     EXPECT_THAT(root.Read("config/xmppgateway_config.xml"), HasSubstr("<greetings-msg enable=\"true\">text"));
 }
 

@@ -1,4 +1,4 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <filesystem>
 #include <memory>
@@ -14,6 +14,9 @@
 
 namespace {
 
+using testing::ElementsAre;
+using testing::Pair;
+using testing::UnorderedElementsAre;
 using Log = VKsysEventLogInterface;
 
 /// An installation: "config" and "logs".
@@ -90,11 +93,9 @@ TEST_F(LogConfig, LoggersFallBackToTheCommonSection)
     std::vector<std::pair<std::string, std::string>> values;
     EXPECT_TRUE(Log::getModuleAttributeValues("nobody", section, Log::getConfigFileName(Dir()), values));
     EXPECT_EQ(section, "[common]");
-    EXPECT_EQ(values, (std::vector<std::pair<std::string, std::string>>{{"writer", "qtdebug"},
-                                                                        {"level", "debug"},
-                                                                        {"filePath", Logs() + "c.txt"},
-                                                                        {"bytesPerFiles", "9"},
-                                                                        {"numFiles", "2"}}));
+    EXPECT_THAT(values,
+                ElementsAre(Pair("writer", "qtdebug"), Pair("level", "debug"), Pair("filePath", Logs() + "c.txt"),
+                            Pair("bytesPerFiles", "9"), Pair("numFiles", "2")));
     EXPECT_FALSE(Log::getModuleAttributeValues("x", section, m_root / "none.ini", values));
     EXPECT_TRUE(
         m_syslog.Has("VKsysEventLogInterface::getModuleLoggerWriter: Unable to load/read config/logs.ini file."));
@@ -102,28 +103,23 @@ TEST_F(LogConfig, LoggersFallBackToTheCommonSection)
 
 TEST_F(LogConfig, SectionsThatCannotWorkAreToldToSyslog)
 {
-    struct Row
-    {
-        std::string lines, text;
-    };
-    const std::string path = "filePath=" + Logs() + "f.txt\n";
-    const Row table[] = {
-        {"writer=pigeon\n", "Error occurred while creating log writer."},
-        {"writer=sqlite\n", "Error occurred while creating log writer."},
-        {"writer=file\n" + path + "numFiles=2\n", "Log writer initialization failed. Check vklogs.ini"},
-        {"writer=file\n" + path + "numFiles=0\nbytesPerFiles=9\n",
-         "Log writer initialization failed. Check vklogs.ini"},
-        {"writer=file\nnumFiles=1\nbytesPerFiles=9\n", "Log writer initialization failed. Check vklogs.ini"},
-    };
-    for (const Row& row : table) {
-        SetIni("[main]\nx=own\n[own]\n" + row.lines);
+    const std::string path = "filePath=" + Logs() + "f.txt\n", unknown = "Error occurred while creating log writer.",
+                      unusable = "Log writer initialization failed. Check vklogs.ini";
+    const std::pair<std::string, std::string> table[] = {
+        {"writer=pigeon\n", unknown},
+        {"writer=sqlite\n", unknown},
+        {"writer=file\n" + path + "numFiles=2\n", unusable},
+        {"writer=file\n" + path + "numFiles=0\nbytesPerFiles=9\n", unusable},
+        {"writer=file\nnumFiles=1\nbytesPerFiles=9\n", unusable}};
+    for (const auto& [lines, text] : table) {
+        SetIni("[main]\nx=own\n[own]\n" + lines);
         VKsysEventLogSingleThreaded log;
-        EXPECT_FALSE(log.initialize(Dir(), "x")) << row.lines;
+        EXPECT_FALSE(log.initialize(Dir(), "x")) << lines;
         EXPECT_EQ(log.GetWriter(), nullptr);
         EXPECT_FALSE(log.Start());
         EXPECT_TRUE(m_syslog.Has("3 " + Log::getProcessName() +
-                                 "-ERROR VKsysEventLogInterface::loadWriterConfig: " + row.text + "\n"))
-            << row.lines;
+                                 "-ERROR VKsysEventLogInterface::loadWriterConfig: " + text + "\n"))
+            << lines;
     }
     std::filesystem::remove(m_root / "config/vklogs.ini");
     VKsysEventLogSingleThreaded log;
@@ -169,17 +165,13 @@ TEST_F(LogConfig, RepairMovesAPathThatCannotBeWrittenAndKeepsOneThatCan)
 {
     const std::string head = "\n[main]\na=own\n\n[own]\nwriter=file\nfilePath=", tail = "\n\n[common]\nwriter=file\n";
     std::filesystem::create_directory(m_root / "mine");
-    struct Row
-    {
-        std::string path, repaired;
-    };
-    const Row table[] = {{"/moved/away/logs/old name.txt", Logs() + "old name.txt"},
-                         {m_root / "mine/x.txt", m_root / "mine/x.txt"},
-                         {Logs() + "x.txt", Logs() + "x.txt"}};
-    for (const Row& row : table) {
-        SetIni(head + row.path + tail);
+    const std::pair<std::string, std::string> table[] = {{"/moved/away/logs/old name.txt", Logs() + "old name.txt"},
+                                                         {m_root / "mine/x.txt", m_root / "mine/x.txt"},
+                                                         {Logs() + "x.txt", Logs() + "x.txt"}};
+    for (const auto& [path, repaired] : table) {
+        SetIni(head + path + tail);
         EXPECT_TRUE(Log::checkAndRepairConfigFile("a", Dir(), ""));
-        EXPECT_EQ(Ini(), head + row.repaired + tail);
+        EXPECT_EQ(Ini(), head + repaired + tail);
     }
 }
 
@@ -248,8 +240,7 @@ TEST_F(LogConfig, LoggersAreAddedRenamedAndRemoved)
     std::vector<std::string> left;
     for (const auto& entry : std::filesystem::directory_iterator(Logs()))
         left.push_back(entry.path().filename().string());
-    std::sort(left.begin(), left.end());
-    EXPECT_EQ(left, (std::vector<std::string>{"a.txt", "b.1.txt", "common_logs.txt", "keep.txt"}));
+    EXPECT_THAT(left, UnorderedElementsAre("a.txt", "b.1.txt", "common_logs.txt", "keep.txt"));
 }
 
 } // namespace

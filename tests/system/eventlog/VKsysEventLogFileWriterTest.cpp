@@ -2,12 +2,11 @@
 
 #include <algorithm>
 #include <chrono>
-#include <filesystem>
 #include <fcntl.h>
+#include <filesystem>
 #include <sstream>
 #include <string>
 #include <thread>
-#include <unistd.h>
 #include <vector>
 
 #include "ChildProcess.h"
@@ -23,13 +22,17 @@ using Level = VKLogInterface::LogLevel;
 
 constexpr long kMoment = 1000000000;
 
-void Prepare(VKsysEventLogFileWriter& writer, const std::string& path, unsigned int bytes, unsigned int files)
+/// A writer on one file that all loggers share.
+struct Writer : VKsysEventLogFileWriter
 {
-    ASSERT_TRUE(writer.setFilePath(path));
-    writer.setPerProcessFile(false);
-    writer.setNumBytesPerFile(bytes);
-    writer.setNumOfFiles(files);
-}
+    explicit Writer(const std::string& path, unsigned int bytes = 100000, unsigned int files = 3)
+    {
+        EXPECT_TRUE(setFilePath(path));
+        setPerProcessFile(false);
+        setNumBytesPerFile(bytes);
+        setNumOfFiles(files);
+    }
+};
 
 bool Write(VKsysEventLogFileWriter& writer, const std::string& message, const std::string& name = "core")
 {
@@ -48,8 +51,7 @@ TEST(LogFileWriter, PutsTheLoggersNameIntoSharedFilesAndIntoTheNamesOfOwnFiles)
     setenv("TZ", "UTC0", 1);
     tzset();
     TempDir dir;
-    VKsysEventLogFileWriter writer;
-    Prepare(writer, dir / "all.txt", 100000, 3);
+    Writer writer(dir / "all.txt");
     EXPECT_TRUE(writer("a core", Level::ERROR, "100% %s", 12, "x.cpp", kMoment));
     EXPECT_TRUE(writer("a core", Level::NONE, "odd", 0, nullptr, kMoment));
     EXPECT_EQ(dir.Read("all.txt"), "09/09/2001 01:46:40 a core [ERROR] 100% %s\n09/09/2001 01:46:40 a core  odd\n");
@@ -61,19 +63,13 @@ TEST(LogFileWriter, PutsTheLoggersNameIntoSharedFilesAndIntoTheNamesOfOwnFiles)
 
 TEST(LogFileWriter, EndsALineThatHasNoLineBreak)
 {
-    struct Row
-    {
-        std::string message, written;
-    };
-    const Row table[] = {
-        {"a", "a\n"}, {"a\n", "a\n"}, {"a\n \t", "a\n \t"}, {"a \t", "a \t\n"}, {"a\nb", "a\nb\n"}, {"", ""},
-    };
-    for (const Row& row : table) {
+    const std::pair<const char*, const char*> table[] = {{"a", "a\n"},       {"a\n", "a\n"},     {"a\n \t", "a\n \t"},
+                                                         {"a \t", "a \t\n"}, {"a\nb", "a\nb\n"}, {"", ""}};
+    for (const auto& [message, written] : table) {
         TempDir dir;
-        VKsysEventLogFileWriter writer;
-        Prepare(writer, dir / "f.txt", 100000, 3);
-        EXPECT_TRUE(Write(writer, row.message));
-        EXPECT_EQ(dir.Read("f.txt"), Stamp() + " core [INFO] " + row.written);
+        Writer writer(dir / "f.txt");
+        EXPECT_TRUE(Write(writer, message));
+        EXPECT_EQ(dir.Read("f.txt"), Stamp() + " core [INFO] " + written);
         writer.setAutoAppend(false);
         std::string key = "AUTOAPPEND", value = "0";
         EXPECT_TRUE(Write(writer, "a"));
@@ -86,25 +82,18 @@ TEST(LogFileWriter, EndsALineThatHasNoLineBreak)
 TEST(LogFileWriter, TakesItsParametersInAnyCaseAndRefusesUselessOnes)
 {
     TempDir dir;
-    struct Row
-    {
-        std::string key, value;
-        bool taken, ready;
-    };
-    const Row table[] = {
+    const std::tuple<std::string, std::string, bool, bool> table[] = {
         {"bytesPerFiles", "0", false, false},  {"bytesPerFiles", "-1", false, false},
         {"bytesperfiles", "100", true, false}, {"numFiles", "none", false, false},
         {"NUMFILES", "2", true, false},        {"anything", "", true, false},
         {"filePath", "", false, false},        {"filePath", dir.Path().string(), false, false},
         {"filePath", dir / "f", true, true},   {"bytesPerFiles", "99999999999", true, true},
-        {"numFiles", "0", false, false},
-    };
+        {"numFiles", "0", false, false}};
     SystemLogProbe syslog;
     VKsysEventLogFileWriter writer;
-    for (const Row& row : table) {
-        std::string key = row.key, value = row.value;
-        EXPECT_EQ(writer.setParameter(key, value), row.taken) << key << "=" << value;
-        EXPECT_EQ(writer.isInitialized(), row.ready) << key << "=" << value;
+    for (auto [key, value, taken, ready] : table) {
+        EXPECT_EQ(writer.setParameter(key, value), taken) << key << "=" << value;
+        EXPECT_EQ(writer.isInitialized(), ready) << key << "=" << value;
     }
     EXPECT_FALSE(Write(writer, "not ready"));
     EXPECT_TRUE(syslog.Has("VKsysEventLogInterface::setFilePath: Exception raised! IO path[" + dir.Path().string()));
@@ -114,8 +103,7 @@ TEST(LogFileWriter, RotatesAFileThatHasReachedItsSizeBeforeTheNextRecord)
 {
     const std::string first = Stamp() + " core [INFO] first\n";
     TempDir dir;
-    VKsysEventLogFileWriter writer;
-    Prepare(writer, dir / "f.txt", static_cast<unsigned int>(first.size()), 3);
+    Writer writer(dir / "f.txt", static_cast<unsigned int>(first.size()), 3);
     dir.Write("f.txt.07", "foreign");
     dir.Write("f.txt.4", "older than are kept");
     for (const char* message : {"first", "second", "third", "fourth", "fifth"})
@@ -154,8 +142,7 @@ TEST(LogFileWriter, ProcessesAndThreadsOnOneRotatedFileLoseNothing)
     TempDir dir;
     constexpr int kRecords = 150;
     const auto writeAll = [&](const std::string& who) {
-        VKsysEventLogFileWriter writer;
-        Prepare(writer, dir / "f.txt", 1000, 500);
+        Writer writer(dir / "f.txt", 1000, 500);
         for (int i = 0; i < kRecords; ++i)
             if (!Write(writer, who + std::to_string(1000 + i)))
                 return 1;
@@ -181,17 +168,15 @@ TEST(LogFileWriter, AnswersFalseAndTellsSyslogWhatTheDiskRefuses)
 {
     TempDir dir;
     SystemLogProbe syslog;
-    VKsysEventLogFileWriter full;
     std::filesystem::create_symlink("/dev/full", dir / "full.txt");
-    Prepare(full, dir / "full.txt", 100000, 3);
+    Writer full(dir / "full.txt");
     EXPECT_FALSE(Write(full, "x"));
     const std::string lines = syslog.Take();
     EXPECT_NE(lines.find("-ERROR VKsysEventLogFileWriter::DoWork: Exception raised! IO path["), std::string::npos);
     EXPECT_EQ(lines.rfind("3 ", 0), 0u);
 
-    VKsysEventLogFileWriter gone;
     std::filesystem::create_directory(dir / "sub");
-    Prepare(gone, dir / "sub/f.txt", 100000, 3);
+    Writer gone(dir / "sub/f.txt");
     std::filesystem::remove_all(dir / "sub");
     const auto begin = std::chrono::steady_clock::now();
     EXPECT_FALSE(Write(gone, "x"));

@@ -24,26 +24,21 @@ std::unique_ptr<Log> MakeLogger(const std::string& name, MemoryWriter::Store& st
 
 TEST(LogLevels, WordsAndNumbers)
 {
-    struct Row
-    {
-        const char* word;
-        int level;
-    };
-    const Row table[] = {{"trace", 1}, {"Debug", 2},   {"info", 3},  {"INFOR", 3},    {"information", 3}, {"warn", 4},
-                         {"warni", 4}, {"Warning", 4}, {"error", 5}, {"critical", 6}, {"criti", 6},       {"fatal", 7}};
-    for (const Row& row : table) {
-        EXPECT_EQ(VKsysEventLogWriterInterface::getLogLevel(row.word, false), row.level) << row.word;
-        EXPECT_EQ(VKsysEventLogWriterInterface::getLogLevel(row.word, true), row.level) << row.word;
+    using Writer = VKsysEventLogWriterInterface;
+    const std::pair<const char*, int> words[] = {{"trace", 1},       {"Debug", 2},    {"info", 3},  {"INFOR", 3},
+                                                 {"information", 3}, {"warn", 4},     {"warni", 4}, {"Warning", 4},
+                                                 {"error", 5},       {"critical", 6}, {"criti", 6}, {"fatal", 7}};
+    for (const auto& [word, level] : words) {
+        EXPECT_EQ(Writer::getLogLevel(word, false), level) << word;
+        EXPECT_EQ(Writer::getLogLevel(word, true), level) << word;
     }
     for (const char* word : {"", "none", "infos", "err"}) {
-        EXPECT_EQ(VKsysEventLogWriterInterface::getLogLevel(word, false), Log::WARN) << word;
-        EXPECT_EQ(VKsysEventLogWriterInterface::getLogLevel(word, true), Log::NONE) << word;
+        EXPECT_EQ(Writer::getLogLevel(word, false), Log::WARN) << word;
+        EXPECT_EQ(Writer::getLogLevel(word, true), Log::NONE) << word;
     }
-    EXPECT_EQ(VKsysEventLogWriterInterface::getLogLevel(0), Log::NONE);
-    EXPECT_EQ(VKsysEventLogWriterInterface::getLogLevel(7), Log::FATAL);
-    EXPECT_EQ(VKsysEventLogWriterInterface::getLogLevel(8), Log::INFO);
-    EXPECT_EQ(VKsysEventLogWriterInterface::getLogLevel(-1), Log::INFO);
-    EXPECT_EQ(VKsysEventLogWriterInterface::getLogLevelString(6), "CRITICAL");
+    for (const auto& [number, level] : {std::pair(0, Log::NONE), {7, Log::FATAL}, {8, Log::INFO}, {-1, Log::INFO}})
+        EXPECT_EQ(Writer::getLogLevel(number), level) << number;
+    EXPECT_EQ(Writer::getLogLevelString(6), "CRITICAL");
 }
 
 TEST(LogLevels, ALoggerPassesWhatIsAtOrAboveItsLevel)
@@ -58,14 +53,10 @@ TEST(LogLevels, ALoggerPassesWhatIsAtOrAboveItsLevel)
         log->SetLogLevel(static_cast<Level>(level));
         EXPECT_EQ(log->GetLogLevel(), level);
         const std::string text = "%d"; // a finished text: nothing in it is a directive
-        int passed = 0;
-        passed += log->WriteTrace(text, 0, nullptr);
-        passed += log->WriteDebug(text, 0, nullptr);
-        passed += log->WriteInfo(text, 0, static_cast<char*>(nullptr));
-        passed += log->WriteWarn(text, 0, nullptr);
-        passed += log->WriteError(text, 0, nullptr);
-        passed += log->WriteCritical(text, 0, nullptr);
-        passed += log->WriteFatal(text, 0, nullptr);
+        const int passed = log->WriteTrace(text, 0, nullptr) + log->WriteDebug(text, 0, nullptr) +
+                           log->WriteInfo(text, 0, static_cast<char*>(nullptr)) + log->WriteWarn(text, 0, nullptr) +
+                           log->WriteError(text, 0, nullptr) + log->WriteCritical(text, 0, nullptr) +
+                           log->WriteFatal(text, 0, nullptr);
         const int first = level == Log::NONE ? 0 : level - 1;
         EXPECT_EQ(passed, 7 - first) << level;
         EXPECT_EQ(store.Take(), std::vector<std::string>(all.begin() + first, all.end())) << level;
@@ -141,10 +132,8 @@ TEST(LogRegistry, HoldsFifteenNamesAndRefusesTheSixteenth)
     SystemLogProbe syslog;
     MemoryWriter::Store store;
     std::vector<std::unique_ptr<Log>> logs;
-    for (int i = 0; i < 15; ++i) {
-        logs.push_back(MakeLogger("log" + std::to_string(i), store));
-        ASSERT_TRUE(logs.back());
-    }
+    for (int i = 0; i < 15; ++i)
+        ASSERT_TRUE(logs.emplace_back(MakeLogger("log" + std::to_string(i), store)));
     EXPECT_EQ(MakeLogger("log15", store), nullptr);
     EXPECT_TRUE(syslog.Has("No place for logger 'log15': there are 15"));
     EXPECT_FALSE(Log::IsInstanceAvailable("log15"));

@@ -48,14 +48,12 @@ TEST(VKPlainModule, MakesItsOwnLoggerOnlyWhenItNeedsOneAndCan)
     VKioDirectory::CreateFullPath(root / "config");
     VKioDirectory::CreateFullPath(root / "logs");
 
-    Module without("plain probe none", false);
-    without.Initialize(nullptr, root / "config");
-    EXPECT_EQ(without.GetLogger(), nullptr);
-    Module nowhere("plain probe nowhere", true);
-    EXPECT_TRUE(nowhere.Initialize(nullptr, ""));
-    EXPECT_EQ(nowhere.GetLogger(), nullptr);
-    EXPECT_TRUE(nowhere.Initialize(nullptr, root / "missing/config"));
-    EXPECT_EQ(nowhere.GetLogger(), nullptr);
+    for (const auto& [required, directory] :
+         {std::pair(false, root / "config"), {true, ""}, {true, root / "no/config"}}) {
+        Module module("plain probe without", required);
+        EXPECT_TRUE(module.Initialize(nullptr, directory));
+        EXPECT_EQ(module.GetLogger(), nullptr) << directory;
+    }
 
     Module own("plain probe", true);
     ASSERT_TRUE(own.Initialize(nullptr, root / "config"));
