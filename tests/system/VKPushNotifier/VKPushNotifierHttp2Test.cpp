@@ -14,7 +14,6 @@ using testing::HasSubstr;
 using testing::Not;
 using vktest::Http2Front;
 using vktest::HttpServer;
-using vktest::Identity;
 using vktest::JwtReader;
 using vktest::TestAuthority;
 using Request = HttpServer::Request;
@@ -26,6 +25,14 @@ namespace {
 class PushHttp2Test : public testing::Test
 {
 protected:
+    struct Refusal
+    {
+        int status;
+        const char* body;
+        bool dead;
+        std::string log;
+    };
+
     /// Neither keys nor what was earned with them may stand in a log, at any level.
     void TearDown() override
     {
@@ -34,27 +41,47 @@ protected:
         EXPECT_FALSE(m_logger.Has("PRIVATE KEY"));
     }
 
-    Response Answer(const Request& request) { return m_answer ? m_answer(request) : Response{}; }
+    virtual Response Answer(const Request& request) { return m_answer(request); }
+
+    /// None may be tried again, and no redirect be followed.
+    template <class Service, class Send>
+    void ExpectRefusals(std::initializer_list<Refusal> refusals, Service& service, Send send)
+    {
+        int asked = 0;
+        for (const Refusal& refusal : refusals) {
+            SCOPED_TRACE(refusal.log);
+            m_answer = [&](const Request&) {
+                ++asked;
+                return Response{refusal.status, refusal.body, {"Location: http://127.0.0.1:1/"}};
+            };
+            EXPECT_FALSE(send());
+            EXPECT_EQ(service.IsTokenDead(), refusal.dead);
+            EXPECT_THAT(service.GetLastAnswer(), HasSubstr(refusal.log));
+            EXPECT_TRUE(m_logger.Has(refusal.log));
+        }
+        EXPECT_EQ(asked, static_cast<int>(refusals.size()));
+    }
 
     vktest::PushInstallation m_installation;
     TestAuthority m_authority;
     vktest::RecordingLogger m_logger;
     std::vector<std::string> m_secrets;
-    std::function<Response(const Request&)> m_answer;
+    std::function<Response(const Request&)> m_answer = [](const Request&) { return Response{}; };
     HttpServer m_server{[this](const Request& request) { return Answer(request); }};
+    Http2Front m_front{m_server.Port(), m_authority.Issue("service")};
 };
 
 class PushApns2Test : public PushHttp2Test
 {
 protected:
-    void Use(const std::string& url, const std::string& authority)
+    void Use(const std::string& url)
     {
         UseSettings([&](VKMXPManagerSettings& settings) {
             settings.m_strApns2SigningKey = m_installation.Root().Write("key.p8", m_key);
             settings.m_strApns2KeyId = "KEY1";
             settings.m_strApns2TeamId = "TEAM1";
             settings.m_strApns2ProductionUrl = url;
-            settings.m_strApns2CaBundle = authority;
+            settings.m_strApns2CaBundle = m_authority.Bundle();
         });
         ASSERT_TRUE(m_apns.Initialize());
     }
@@ -67,12 +94,13 @@ protected:
         });
         m_apns.SetLogger(&m_logger);
     }
-    bool Send(int timeToLive = 0, const std::string& token = "AB 12")
+    bool Send(int timeToLive = 0, const std::string& token = "AB 12", const std::string& body = "wake up")
     {
         VKPushNotifierImplAPNS::Notification notification;
-        notification.aps.alert.body = "wake up";
+        notification.aps.alert.body = body;
         const bool taken = m_apns.SendTo(token, notification, timeToLive);
-        m_secrets.push_back(Bearer());
+        if (!m_server.Requests().empty() && !Bearer().empty())
+            m_secrets.push_back(Bearer());
         return taken;
     }
     std::string Bearer() const
@@ -87,8 +115,7 @@ protected:
 
 TEST_F(PushApns2Test, SendsAllNotificationsOverOneHttp2Connection)
 {
-    Http2Front front(m_server.Port(), m_authority.Issue("service"));
-    Use(front.Url(), m_authority.Bundle());
+    Use(m_front.Url());
     const long now = time(nullptr);
     ASSERT_TRUE(Send(330)) << m_apns.GetLastAnswer();
     const Request first = m_server.Last();
@@ -99,59 +126,44 @@ TEST_F(PushApns2Test, SendsAllNotificationsOverOneHttp2Connection)
     EXPECT_EQ(first.Header("apns-priority"), "10");
     EXPECT_EQ(first.Header("apns-collapse-id"), "waiting-messages");
     EXPECT_NEAR(std::stol(first.Header("apns-expiration")), now + 330, 5);
-    const JwtReader token(Bearer());
+    const std::string bearer = Bearer();
+    const JwtReader token(bearer);
     EXPECT_TRUE(token.IsSignedBy(m_key));
     EXPECT_EQ(token.Header()["kid"].asString() + token.Header()["alg"].asString(), "KEY1ES256");
     EXPECT_EQ(token.Claims()["iss"].asString(), "TEAM1");
     EXPECT_NEAR(token.Claims()["iat"].asInt64(), now, 5);
 
-    const std::string bearer = Bearer();
     ASSERT_TRUE(Send());
     EXPECT_EQ(m_server.Last().Header("apns-expiration"), "0");
     EXPECT_EQ(Bearer(), bearer) << "a provider token serves for many";
     ASSERT_TRUE(Send());
-    EXPECT_EQ(front.Connections(), 1U);
+    EXPECT_EQ(m_front.Connections(), 1U);
 
-    front.Restart();
+    m_front.Restart();
     ASSERT_TRUE(Send()) << m_apns.GetLastAnswer();
-    EXPECT_EQ(front.Connections(), 2U);
+    EXPECT_EQ(m_front.Connections(), 2U);
     EXPECT_TRUE(m_apns.Finalize());
 }
 
 TEST_F(PushApns2Test, TellsADeadTokenFromEveryOtherRefusal)
 {
-    Http2Front front(m_server.Port(), m_authority.Issue("service"));
-    Use(front.Url(), m_authority.Bundle());
-    const struct
-    {
-        int status;
-        const char* body;
-        bool dead;
-        const char* log;
-    } cases[] = {
-        {410, R"({"reason":"Unregistered","timestamp":1})", true,
-         "APNS2 says that the device token 'AB12' is dead: 'Unregistered'."},
-        {400, R"({"reason":"BadDeviceToken"})", false, "refused the notification. Code: 400, reason:'BadDeviceToken'."},
-        {401, "no json", false, "refused the notification. Code: 401, reason:''."},
-        {403, R"({"reason":"InvalidProviderToken"})", false, "Code: 403, reason:'InvalidProviderToken'."},
-        {429, R"({"reason":7})", false, "Code: 429, reason:''."},
-        {503, R"({"reason":"Shutdown"})", false, "APNS2 service unavailable. Code: 503, reason:'Shutdown'."},
-        {302, "", false, "refused the notification. Code: 302"},
-    };
-    for (const auto& c : cases) {
-        m_answer = [&](const Request&) { return Response{c.status, c.body, {"Location: http://127.0.0.1:1/"}}; };
-        EXPECT_FALSE(Send());
-        EXPECT_EQ(m_apns.IsTokenDead(), c.dead) << c.status;
-        EXPECT_TRUE(m_logger.Has(c.log)) << c.log << "\n" << m_apns.GetLastAnswer();
-        EXPECT_THAT(m_apns.GetLastAnswer(), HasSubstr(c.log));
-    }
-    EXPECT_EQ(m_server.Requests().size(), std::size(cases)) << "none was tried again";
+    Use(m_front.Url());
+    ExpectRefusals(
+        {{410, R"({"reason":"Unregistered","timestamp":1})", true,
+          "APNS2 says that the device token 'AB12' is dead: 'Unregistered'."},
+         {400, R"({"reason":"BadDeviceToken"})", false,
+          "refused the notification. Code: 400, reason:'BadDeviceToken'."},
+         {401, "no json", false, "refused the notification. Code: 401, reason:''."},
+         {403, R"({"reason":"InvalidProviderToken"})", false, "Code: 403, reason:'InvalidProviderToken'."},
+         {429, R"({"reason":7})", false, "Code: 429, reason:''."},
+         {503, R"({"reason":"Shutdown"})", false, "APNS2 service unavailable. Code: 503, reason:'Shutdown'."},
+         {302, "", false, "refused the notification. Code: 302"}},
+        m_apns, [&] { return Send(); });
 }
 
 TEST_F(PushApns2Test, RenewsAProviderTokenThatTheServiceFindsTooOld)
 {
-    Http2Front front(m_server.Port(), m_authority.Issue("service"));
-    Use(front.Url(), m_authority.Bundle());
+    Use(m_front.Url());
     bool refuse = true;
     m_answer = [&](const Request& request) {
         m_secrets.push_back(request.Header("authorization").substr(7));
@@ -164,7 +176,7 @@ TEST_F(PushApns2Test, RenewsAProviderTokenThatTheServiceFindsTooOld)
 TEST_F(PushApns2Test, ShowsAClientCertificateInPlaceOfAToken)
 {
     Http2Front front(m_server.Port(), m_authority.Issue("service"), m_authority.Bundle());
-    const Identity me = m_authority.Issue("pager push", "open sesame");
+    const vktest::Identity me = m_authority.Issue("pager push", "open sesame");
     m_secrets.push_back("sesame");
     auto use = [&](const std::string& passPhrase) {
         UseSettings([&](VKMXPManagerSettings& settings) {
@@ -187,52 +199,44 @@ TEST_F(PushApns2Test, ShowsAClientCertificateInPlaceOfAToken)
         EXPECT_FALSE(Send());
         EXPECT_THAT(m_apns.GetLastAnswer(), HasSubstr("cannot be reached: "));
     }
-    m_secrets.erase(std::remove(m_secrets.begin(), m_secrets.end(), std::string()), m_secrets.end());
 }
 
 TEST_F(PushApns2Test, RefusesAServiceThatItCannotTrustOrReach)
 {
     TestAuthority stranger("Stranger");
-    Http2Front front(m_server.Port(), stranger.Issue("service"));
+    Http2Front unknown(m_server.Port(), stranger.Issue("service"));
     Http2Front elsewhere(m_server.Port(), m_authority.Issue("service", "", "DNS:elsewhere"));
-    const struct
-    {
-        std::string url;
-        const char* why;
-    } cases[] = {{front.Url(), "certificate"}, {elsewhere.Url(), "127.0.0.1"}, {"https://127.0.0.1:1", "connect"}};
-    for (const auto& c : cases) {
+    const std::pair<std::string, const char*> cases[] = {
+        {unknown.Url(), "certificate"}, {elsewhere.Url(), "127.0.0.1"}, {"https://127.0.0.1:1", "connect"}};
+    for (const auto& [url, why] : cases) {
         m_apns.Finalize();
-        Use(c.url, m_authority.Bundle());
-        VKPushNotifierImplAPNS::Notification notification;
-        EXPECT_FALSE(m_apns.SendTo("ab", notification, 0));
-        EXPECT_THAT(m_apns.GetLastAnswer(), HasSubstr("APNS2 service '" + c.url + "' cannot be reached: "));
-        EXPECT_THAT(m_apns.GetLastAnswer(), HasSubstr(c.why));
+        Use(url);
+        EXPECT_FALSE(Send());
+        EXPECT_THAT(m_apns.GetLastAnswer(), HasSubstr("APNS2 service '" + url + "' cannot be reached: "));
+        EXPECT_THAT(m_apns.GetLastAnswer(), HasSubstr(why));
     }
     EXPECT_TRUE(m_server.Requests().empty());
 }
 
 TEST_F(PushApns2Test, RefusesWhatCannotBeSentAndSettingsThatCannotBeUsed)
 {
-    Http2Front front(m_server.Port(), m_authority.Issue("service"));
-    Use(front.Url(), m_authority.Bundle());
-    VKPushNotifierImplAPNS::Notification notification;
+    Use(m_front.Url());
     for (const char* token : {"", "12/../34", "12\r\nx: y", "xyz"})
-        EXPECT_FALSE(m_apns.SendTo(token, notification, 0)) << token;
-    notification.aps.alert.body.assign(4096, 'x');
-    EXPECT_FALSE(m_apns.SendTo("12", notification, 0));
+        EXPECT_FALSE(Send(0, token)) << token;
+    EXPECT_FALSE(Send(0, "12", std::string(4096, 'x')));
     EXPECT_THAT(m_apns.GetLastAnswer(), HasSubstr("Payload maximum sizelimit exceed."));
     EXPECT_TRUE(m_server.Requests().empty());
 
-    for (const std::string& content : {std::string("no key"), JwtReader::MakeKey(true).substr(0, 90)}) {
-        UseSettings([&](VKMXPManagerSettings& settings) {
-            settings.m_strApns2SigningKey = m_installation.Root().Write("broken.p8", content);
-        });
+    const std::string broken = m_installation.Root() / "broken.p8";
+    const std::string cases[][3] = {{broken, "no key", "it holds no private key"},
+                                    {broken, m_key.substr(0, 90), "it holds no private key"},
+                                    {"/no/such.p8", "", "it cannot be read."}};
+    for (const auto& [path, content, why] : cases) {
+        m_installation.Root().Write("broken.p8", content);
+        UseSettings([path = path](VKMXPManagerSettings& settings) { settings.m_strApns2SigningKey = path; });
         EXPECT_FALSE(m_apns.Initialize());
+        EXPECT_TRUE(m_logger.Has("'" + path + "' of the push service 'apns2' cannot be used: " + why)) << content;
     }
-    EXPECT_TRUE(m_logger.Has("broken.p8' of the push service 'apns2' cannot be used: it holds no private key"));
-    UseSettings([](VKMXPManagerSettings& settings) { settings.m_strApns2SigningKey = "/no/such.p8"; });
-    EXPECT_FALSE(m_apns.Initialize());
-    EXPECT_TRUE(m_logger.Has("'/no/such.p8' of the push service 'apns2' cannot be used: it cannot be read."));
     m_installation.Configure([](VKMXPManagerSettings&) {});
     EXPECT_FALSE(m_apns.Initialize());
     EXPECT_FALSE(m_apns.IsEnabled());
@@ -243,17 +247,19 @@ class PushFcmTest : public PushHttp2Test
 protected:
     PushFcmTest()
     {
-        m_answer = [this](const Request& request) {
-            if (request.target != "/token")
-                return m_judge(request);
-            ++m_tokenRequests;
-            m_assertion = request.body.substr(request.body.find("&assertion=") + 11);
-            const std::string token = "access-" + std::to_string(m_tokenRequests);
-            m_secrets.insert(m_secrets.end(), {token, m_assertion});
-            return Response{200, R"({"access_token":")" + token + R"(","expires_in":)" + m_lifetime + "}"};
-        };
+        m_answer = [](const Request&) { return Response{200, R"({"name":"projects/p/messages/1"})"}; };
     }
 
+    Response Answer(const Request& request) override
+    {
+        if (request.target != "/token" || m_refuseTokens)
+            return m_answer(request);
+        ++m_tokenRequests;
+        m_assertion = request.body.substr(request.body.find("&assertion=") + 11);
+        const std::string token = "access-" + std::to_string(m_tokenRequests);
+        m_secrets.insert(m_secrets.end(), {token, m_assertion});
+        return {200, R"({"access_token":")" + token + R"(","expires_in":)" + m_lifetime + "}"};
+    }
     std::string Account(const std::string& tokenUrl)
     {
         Json::Value account(Json::objectValue);
@@ -263,12 +269,7 @@ protected:
         account["token_uri"] = tokenUrl;
         return vk::CompactJson(account);
     }
-    void Use(const std::string& account)
-    {
-        UseSettings(account);
-        ASSERT_TRUE(m_fcm.Initialize());
-    }
-    void UseSettings(const std::string& account)
+    bool Use(const std::string& account)
     {
         m_installation.Configure([&](VKMXPManagerSettings& settings) {
             settings.m_bFcmEnabled = true;
@@ -277,6 +278,7 @@ protected:
             settings.m_strFcmCaBundle = m_authority.Bundle();
         });
         m_fcm.SetLogger(&m_logger);
+        return m_fcm.Initialize();
     }
     bool Send(int timeToLive = 0, const std::string& message = "wake up")
     {
@@ -287,19 +289,17 @@ protected:
     }
 
     const std::string m_key = JwtReader::MakeKey(false);
-    Http2Front m_front{m_server.Port(), m_authority.Issue("service")};
-    std::function<Response(const Request&)> m_judge = [](const Request&) {
-        return Response{200, R"({"name":"projects/p/messages/1"})"};
-    };
+    const std::string m_tokenUrl = m_front.Url() + "/token";
     std::string m_lifetime = "3600";
     std::string m_assertion;
+    bool m_refuseTokens = false;
     int m_tokenRequests = 0;
     VKPushNotifierImplFCM m_fcm;
 };
 
 TEST_F(PushFcmTest, SendsDataMessagesWithOneAccessTokenOverOneConnection)
 {
-    Use(Account(m_front.Url() + "/token"));
+    ASSERT_TRUE(Use(Account(m_tokenUrl)));
     ASSERT_TRUE(Send(330)) << m_fcm.GetLastAnswer();
     const Request first = m_server.Last();
     EXPECT_EQ(first.target, "/v1/projects/my%20project/messages:send");
@@ -310,7 +310,7 @@ TEST_F(PushFcmTest, SendsDataMessagesWithOneAccessTokenOverOneConnection)
     EXPECT_TRUE(assertion.IsSignedBy(m_key));
     EXPECT_EQ(assertion.Header()["alg"].asString(), "RS256");
     EXPECT_EQ(assertion.Claims()["iss"].asString(), "pager@example.com");
-    EXPECT_EQ(assertion.Claims()["aud"].asString(), m_front.Url() + "/token");
+    EXPECT_EQ(assertion.Claims()["aud"].asString(), m_tokenUrl);
     EXPECT_EQ(assertion.Claims()["exp"].asInt64() - assertion.Claims()["iat"].asInt64(), 3600);
     EXPECT_THAT(m_server.Requests().front().body,
                 HasSubstr("grant_type=urn%3aietf%3aparams%3aoauth%3agrant%2dtype%3ajwt%2dbearer&"));
@@ -325,42 +325,29 @@ TEST_F(PushFcmTest, SendsDataMessagesWithOneAccessTokenOverOneConnection)
 
 TEST_F(PushFcmTest, TellsADeadTokenFromEveryOtherRefusal)
 {
-    Use(Account(m_front.Url() + "/token"));
-    const struct
-    {
-        int status;
-        const char* body;
-        bool dead;
-        const char* log;
-    } cases[] = {
-        {404, R"({"error":{"status":"NOT_FOUND","details":[{"@type":"x"},{"errorCode":"UNREGISTERED"}]}})", true,
-         "FCM says that the device token 'device-1' is dead: 'UNREGISTERED'."},
-        {404, R"({"error":{"status":"NOT_FOUND","message":"no project"}})", false,
-         "Code: 404, error:'NOT_FOUND', text:'no project'."},
-        {400, R"({"error":{"status":"INVALID_ARGUMENT","message":"got access-1"}})", false,
-         "Code: 400, error:'INVALID_ARGUMENT', text:'got ***'."},
-        {503, "sorry", false, "FCM service unavailable. Code: 503, error:''."},
-        {200, "<html>", false, "FCM service refused the notification. Code: 200"},
-        {302, "", false, "Code: 302"},
-    };
-    for (const auto& c : cases) {
-        m_judge = [&](const Request&) { return Response{c.status, c.body, {"Location: http://127.0.0.1:1/"}}; };
-        EXPECT_FALSE(Send());
-        EXPECT_EQ(m_fcm.IsTokenDead(), c.dead) << c.body;
-        EXPECT_TRUE(m_logger.Has(c.log)) << c.log << "\n" << m_fcm.GetLastAnswer();
-    }
+    ASSERT_TRUE(Use(Account(m_tokenUrl)));
+    ExpectRefusals({{404, R"({"error":{"status":"NOT_FOUND","details":[{"@type":"x"},{"errorCode":"UNREGISTERED"}]}})",
+                     true, "FCM says that the device token 'device-1' is dead: 'UNREGISTERED'."},
+                    {404, R"({"error":{"status":"NOT_FOUND","message":"no project"}})", false,
+                     "Code: 404, error:'NOT_FOUND', text:'no project'."},
+                    {400, R"({"error":{"status":"INVALID_ARGUMENT","message":"got access-1"}})", false,
+                     "Code: 400, error:'INVALID_ARGUMENT', text:'got ***'."},
+                    {503, "sorry", false, "FCM service unavailable. Code: 503, error:''."},
+                    {200, "<html>", false, "FCM service refused the notification. Code: 200"},
+                    {302, "", false, "Code: 302"}},
+                   m_fcm, [&] { return Send(); });
     EXPECT_EQ(m_tokenRequests, 1);
 }
 
 TEST_F(PushFcmTest, RenewsAnAccessTokenThatEndsOrIsWithdrawn)
 {
     m_lifetime = "30"; // no more than what is spared
-    Use(Account(m_front.Url() + "/token"));
+    ASSERT_TRUE(Use(Account(m_tokenUrl)));
     EXPECT_TRUE(Send() && Send());
     EXPECT_EQ(m_tokenRequests, 2);
     m_lifetime = "3600";
     EXPECT_TRUE(Send());
-    m_judge = [](const Request& request) {
+    m_answer = [](const Request& request) {
         return request.Header("authorization") == "Bearer access-4" ? Response{200, "{}"} : Response{401, "{}"};
     };
     EXPECT_TRUE(Send()) << m_fcm.GetLastAnswer();
@@ -369,12 +356,13 @@ TEST_F(PushFcmTest, RenewsAnAccessTokenThatEndsOrIsWithdrawn)
 
 TEST_F(PushFcmTest, SaysWhyThereIsNoAccessToken)
 {
+    m_refuseTokens = true;
     m_answer = [](const Request&) { return Response{400, R"({"error":"invalid_grant"})"}; };
-    Use(Account(m_front.Url() + "/token"));
+    ASSERT_TRUE(Use(Account(m_tokenUrl)));
     EXPECT_FALSE(Send());
     EXPECT_EQ(m_fcm.GetLastAnswer(),
               "FCM service account 'pager@example.com' got no access token. Code: 400, error:'invalid_grant'.");
-    Use(Account("https://127.0.0.1:1/token"));
+    ASSERT_TRUE(Use(Account("https://127.0.0.1:1/token")));
     EXPECT_FALSE(Send());
     EXPECT_THAT(m_fcm.GetLastAnswer(), HasSubstr("connect"));
     EXPECT_EQ(m_server.Requests().size(), 1U);
@@ -382,23 +370,19 @@ TEST_F(PushFcmTest, SaysWhyThereIsNoAccessToken)
 
 TEST_F(PushFcmTest, RefusesWhatIsTooLongAndAccountsThatCannotBeUsed)
 {
-    Use(Account(m_front.Url() + "/token"));
+    ASSERT_TRUE(Use(Account(m_tokenUrl)));
     EXPECT_TRUE(Send());
     const std::size_t frame = m_server.Last().body.size() - std::string("wake up").size();
     EXPECT_TRUE(Send(0, std::string(4000 - frame, 'x'))) << m_fcm.GetLastAnswer();
     EXPECT_FALSE(Send(0, std::string(4001 - frame, 'x')));
     EXPECT_THAT(m_fcm.GetLastAnswer(), HasSubstr("size:'4001'."));
-    const struct
-    {
-        std::string account;
-        const char* why;
-    } cases[] = {{"", "it is no JSON object"},
-                 {"{\"private_key\":\"PRIVATE nonsense\"}", "it holds no private key"},
-                 {Account(""), "it lacks 'client_email', 'project_id' or 'token_uri'"}};
-    for (const auto& c : cases) {
-        UseSettings(c.account);
-        EXPECT_FALSE(m_fcm.Initialize());
-        EXPECT_TRUE(m_logger.Has("account.json' of the push service 'fcm' cannot be used: " + std::string(c.why)));
+    const std::pair<std::string, std::string> cases[] = {
+        {"", "it is no JSON object"},
+        {R"({"private_key":"PRIVATE nonsense"})", "it holds no private key"},
+        {Account(""), "it lacks 'client_email', 'project_id' or 'token_uri'"}};
+    for (const auto& [account, why] : cases) {
+        EXPECT_FALSE(Use(account));
+        EXPECT_TRUE(m_logger.Has("account.json' of the push service 'fcm' cannot be used: " + why));
         EXPECT_FALSE(m_fcm.IsEnabled());
     }
     EXPECT_FALSE(m_logger.Has("nonsense"));

@@ -12,6 +12,8 @@ using Response = HttpServer::Response;
 
 namespace {
 
+Response Taken(const Request&) { return {200, R"({"success":1})"}; }
+
 class PushGcmsTest : public testing::Test
 {
 protected:
@@ -48,11 +50,7 @@ protected:
 TEST_F(PushGcmsTest, PostsTheNotificationWithTheKeyInAHeader)
 {
     vktest::TestAuthority stranger;
-    HttpServer server(
-        [](const Request&) {
-            return Response{200, R"({"success":1})"};
-        },
-        vktest::LoopbackServer::Tls{stranger.Issue("unknown", "", "DNS:elsewhere")});
+    HttpServer server(Taken, vktest::LoopbackServer::Tls{stranger.Issue("unknown", "", "DNS:elsewhere")});
     Use(server.Url("/gcm/send"));
     EXPECT_TRUE(Send());
     Request last = server.Last();
@@ -108,7 +106,7 @@ TEST_F(PushGcmsTest, JudgesEveryAnswer)
 
 TEST_F(PushGcmsTest, SendsFourThousandBytesAndNotOneMore)
 {
-    HttpServer server([](const Request&) { return Response{200, R"({"success":1})"}; });
+    HttpServer server(Taken);
     Use(server.Url());
     const std::size_t frame = std::string(R"({"data":{"m":""},"registration_ids":["device-1"]})").size();
     EXPECT_TRUE(Send(std::string(4000 - frame, 'x')));

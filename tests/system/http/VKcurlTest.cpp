@@ -7,9 +7,10 @@
 #include <cstring>
 #include <curl/curl.h>
 #include <filesystem>
-#include <fstream>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
+using testing::IsSupersetOf;
+using testing::Pair;
 using vktest::HttpServer;
 using vktest::LoopbackServer;
 using vktest::TestAuthority;
@@ -20,12 +21,27 @@ namespace {
 
 Response Fine(const Request&) { return {200, "page", {"X-Answer: yes"}}; }
 
+std::string Shown(const Request& request) { return request.method + " " + request.target + " " + request.body; }
+
 /// A buffer that frees itself.
 struct Buffer : VDK_BUFFER
 {
     Buffer() : VDK_BUFFER{} {}
     ~Buffer() { EmptyVdkBuffer(this); }
     std::string Text() const { return data ? data : ""; }
+};
+
+/// A record to send, with these parameters; frees itself.
+struct Record : http_service
+{
+    Record(const std::string& address, std::initializer_list<const char*> parameters) : http_service{}
+    {
+        url = strdup(address.c_str());
+        params = static_cast<char**>(calloc(parameters.size(), sizeof(char*)));
+        for (const char* parameter : parameters)
+            params[param_count++] = strdup(parameter);
+    }
+    ~Record() { VKhttpClean(this); }
 };
 
 /// Runs a test in a directory beside which "../config" and "../temp" are.
@@ -41,6 +57,7 @@ protected:
     void TearDown() override { std::filesystem::current_path(m_before); }
 
     TempDir m_root;
+    HttpServer m_server{Fine};
     std::filesystem::path m_before = std::filesystem::current_path();
 };
 
@@ -49,86 +66,71 @@ using VKcurlServiceTest = InInstallation;
 
 TEST_F(StandAloneHttp, PostsWhatItIsGivenOverHttp10)
 {
-    HttpServer server(Fine);
     Buffer page, headers;
     char fields[] = "a=1&b=%20";
-    EXPECT_EQ(Curl_HttpPostUrlEncodedFields(server.Url("/p").c_str(), fields, &page, &headers, nullptr), CURLE_OK);
-    Request last = server.Last();
+    EXPECT_EQ(Curl_HttpPostUrlEncodedFields(m_server.Url("/p").c_str(), fields, &page, &headers, nullptr), CURLE_OK);
+    Request last = m_server.Last();
     EXPECT_EQ(last.method + last.target + last.version, "POST/pHTTP/1.0");
     EXPECT_EQ(last.body, "a=1&b=%20");
     EXPECT_EQ(last.Header("user-agent"), "VardockClient");
     EXPECT_EQ(page.Text(), "page");
     EXPECT_NE(headers.Text().find("X-Answer: yes"), std::string::npos);
 
-    EXPECT_EQ(Curl_HttpPostUrlEncodedFields(server.Url().c_str(), nullptr, nullptr, nullptr, nullptr), CURLE_OK);
-    EXPECT_EQ(server.Last().method, "POST");
-    EXPECT_EQ(server.Last().Header("content-length"), "0");
+    EXPECT_EQ(Curl_HttpPostUrlEncodedFields(m_server.Url().c_str(), nullptr, nullptr, nullptr, nullptr), CURLE_OK);
+    EXPECT_EQ(m_server.Last().method, "POST");
+    EXPECT_EQ(m_server.Last().Header("content-length"), "0");
 
     char one[] = "na me=v&v=2", two[] = "flag";
     char* pairs[] = {one, two};
-    EXPECT_EQ(Curl_HttpPostUrl(server.Url().c_str(), pairs, 2, nullptr, nullptr, nullptr, "X-Extra: 7"), CURLE_OK);
-    EXPECT_EQ(server.Last().body, "na%20me=v%26v%3d2&flag=");
-    EXPECT_EQ(server.Last().Header("x-extra"), "7");
+    EXPECT_EQ(Curl_HttpPostUrl(m_server.Url().c_str(), pairs, 2, nullptr, nullptr, nullptr, "X-Extra: 7"), CURLE_OK);
+    EXPECT_EQ(m_server.Last().body, "na%20me=v%26v%3d2&flag=");
+    EXPECT_EQ(m_server.Last().Header("x-extra"), "7");
 }
 
 TEST_F(StandAloneHttp, PostsAFormWithAFile)
 {
-    HttpServer server(Fine);
     char field[] = "subject=Fire, floor 3";
     char* fields[] = {field};
     std::string file = m_root.Write("plan.txt", "the plan");
     char header[] = "X-Form: 1";
-    EXPECT_EQ(Curl_HttpPostMultiPart(server.Url().c_str(), fields, 1, file.data(), header, nullptr, nullptr), CURLE_OK);
-    const Request last = server.Last();
+    EXPECT_EQ(Curl_HttpPostMultiPart(m_server.Url().c_str(), fields, 1, file.data(), header, nullptr, nullptr),
+              CURLE_OK);
+    const Request last = m_server.Last();
     EXPECT_EQ(last.Header("content-type").rfind("multipart/form-data", 0), 0U);
     EXPECT_EQ(last.Header("x-form"), "1");
     for (const char* part : {"name=\"subject\"", "Fire, floor 3", "filename=\"plan.txt\"", "the plan"})
         EXPECT_NE(last.body.find(part), std::string::npos) << part;
     std::string missing = m_root / "no-such-plan";
-    EXPECT_EQ(Curl_HttpPostMultiPart(server.Url().c_str(), fields, 1, missing.data(), header, nullptr, nullptr),
+    EXPECT_EQ(Curl_HttpPostMultiPart(m_server.Url().c_str(), fields, 1, missing.data(), header, nullptr, nullptr),
               CURLE_READ_ERROR);
 }
 
 TEST_F(StandAloneHttp, ChecksThePeerWhereTheSessionDoesNot)
 {
     TestAuthority mine("Mine"), other("Other");
-    const std::string unreadable = m_root / "no-such-bundle";
-    const struct
-    {
-        const char* what;
-        std::string bundle;
-        const char* names;
-        bool good;
-    } cases[] = {
+    const std::tuple<const char*, std::string, const char*, bool> cases[] = {
         {"private authority", mine.Bundle(), "IP:127.0.0.1", true},
         {"another authority", other.Bundle(), "IP:127.0.0.1", false},
         {"another name", mine.Bundle(), "DNS:elsewhere", false},
-        {"no bundle", unreadable, "IP:127.0.0.1", false},
-    };
-    for (const auto& c : cases) {
-        HttpServer server(Fine, LoopbackServer::Tls{mine.Issue("server", "", c.names)});
-        const int code =
-            Curl_HttpPostUrlEncodedFields(server.Url().c_str(), nullptr, nullptr, nullptr, c.bundle.c_str());
-        EXPECT_EQ(code == CURLE_OK, c.good) << c.what << ": " << Curl_GetErrStr(code);
+        {"no bundle", m_root / "no-such-bundle", "IP:127.0.0.1", false}};
+    for (const auto& [what, bundle, names, good] : cases) {
+        HttpServer server(Fine, LoopbackServer::Tls{mine.Issue("server", "", names)});
+        const int code = Curl_HttpPostUrlEncodedFields(server.Url().c_str(), nullptr, nullptr, nullptr, bundle.c_str());
+        EXPECT_EQ(code == CURLE_OK, good) << what << ": " << Curl_GetErrStr(code);
         VKcurlService session;
-        EXPECT_EQ(session.SendRequest(VKcurlService::GET, server.Url(), ""), CURLE_OK) << c.what;
+        EXPECT_EQ(session.SendRequest(VKcurlService::GET, server.Url(), ""), CURLE_OK) << what;
         EXPECT_EQ(session.GetPage(), "page");
     }
 }
 
 TEST_F(StandAloneHttp, SendsARecordAndKeepsTheAnswerInIt)
 {
-    HttpServer server(Fine);
-    http_service service{};
-    service.url = strdup(server.Url().c_str());
-    service.params = static_cast<char**>(calloc(1, sizeof(char*)));
-    service.params[0] = strdup("to=42");
-    service.param_count = 1;
+    Record service(m_server.Url(), {"to=42"});
     char error[64] = "old";
     EXPECT_EQ(VKMsgCurlHttpSendMessage(error, sizeof error, &service, nullptr, nullptr), CURLE_OK);
     EXPECT_STREQ(error, "");
     EXPECT_STREQ(service.result, "page");
-    EXPECT_EQ(server.Last().body, "to=42");
+    EXPECT_EQ(m_server.Last().body, "to=42");
     vk::SetHttpText(service.url, "http://127.0.0.1:1/");
     EXPECT_EQ(VKMsgCurlHttpSendMessage(error, 12, &service, nullptr, nullptr), CURLE_COULDNT_CONNECT);
     EXPECT_EQ(std::string(error), std::string(Curl_GetErrStr(CURLE_COULDNT_CONNECT)).substr(0, 11));
@@ -151,75 +153,59 @@ TEST(HttpStrEncode, KeepsFewCharacters)
 
 TEST_F(VKcurlServiceTest, SendsEachMethodWithItsOwnShape)
 {
-    HttpServer server(Fine);
     VKcurlService session(false);
     std::vector<std::string> parameters = {"q=a b", "n=1"};
-    const struct
-    {
-        VKcurlService::HttpMethType method;
-        const char *name, *target, *body;
-    } cases[] = {
-        {VKcurlService::GET, "GET", "/x?q=a%20b&n=1", ""}, {VKcurlService::POST, "POST", "/x", "q=a%20b&n=1"},
-        {VKcurlService::PUT, "PUT", "/x", "q=a%20b&n=1"},  {VKcurlService::DELETE, "DELETE", "/x?q=a%20b&n=1", ""},
-        {VKcurlService::GET, "GET", "/x?q=a%20b&n=1", ""},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(session.SendRequests(c.method, server.Url("/x"), parameters), CURLE_OK);
-        const Request last = server.Last();
-        EXPECT_EQ(last.method, c.name);
-        EXPECT_EQ(last.target, c.target);
-        EXPECT_EQ(last.body, c.body);
-        EXPECT_EQ(last.Header("user-agent"), "Mozilla/4.0 (compatible; MSIE 5.01; Windows NT 5.0)");
+    using Service = VKcurlService;
+    const std::tuple<Service::HttpMethType, const char*> cases[] = {{Service::GET, "GET /x?q=a%20b&n=1 "},
+                                                                    {Service::POST, "POST /x q=a%20b&n=1"},
+                                                                    {Service::PUT, "PUT /x q=a%20b&n=1"},
+                                                                    {Service::DELETE, "DELETE /x?q=a%20b&n=1 "},
+                                                                    {Service::GET, "GET /x?q=a%20b&n=1 "}};
+    for (const auto& [method, shape] : cases) {
+        EXPECT_EQ(session.SendRequests(method, m_server.Url("/x"), parameters), CURLE_OK);
+        EXPECT_EQ(Shown(m_server.Last()), shape);
+        EXPECT_EQ(m_server.Last().Header("user-agent"), "Mozilla/4.0 (compatible; MSIE 5.01; Windows NT 5.0)");
     }
-    EXPECT_EQ(session.SendRequest(VKcurlService::POST, server.Url(), ""), CURLE_OK);
-    EXPECT_EQ(server.Last().method + server.Last().Header("content-length"), "POST0");
-    EXPECT_EQ(session.SendRequest(VKcurlService::PUT, server.Url(), ""), CURLE_OK);
-    EXPECT_EQ(server.Last().method + server.Last().Header("content-length"), "PUT0");
+    for (const auto& [method, name] : {std::pair(Service::POST, "POST"), {Service::PUT, "PUT"}}) {
+        EXPECT_EQ(session.SendRequest(method, m_server.Url(), ""), CURLE_OK);
+        EXPECT_EQ(m_server.Last().method, name);
+        EXPECT_EQ(m_server.Last().Header("content-length"), "0");
+    }
 }
 
 TEST_F(VKcurlServiceTest, SendsARecordWithItsHeadersAndTurnsBackslashes)
 {
-    HttpServer server(Fine);
     VKcurlService session;
     std::vector<std::string> others; // uploads of other threads and processes in these seconds
     for (long second = time(nullptr), last = second + 60; second < last; ++second)
-        others.push_back(m_root.Write("temp/VKFileUpload." + std::to_string(second), "another's"));
+        m_root.Write(others.emplace_back("temp/VKFileUpload." + std::to_string(second)), "another's");
     session.SetHeaders("X-Always: 1\r\nX-Smuggled: 1");
-    http_service service{};
-    service.url = strdup((server.Url() + "a\\b").c_str());
+    Record service(m_server.Url() + "a\\b", {"p=1"});
     service.method = VKcurlService::PUT;
     service.headers = strdup("X-One: a\r\nX-Two: b");
     service.cookie = strdup("k=v");
     service.referer = strdup("http://from/");
-    service.params = static_cast<char**>(calloc(1, sizeof(char*)));
-    service.params[0] = strdup("p=1");
-    service.param_count = 1;
     EXPECT_TRUE(session.SendMessage(&service));
-    Request last = server.Last();
-    EXPECT_EQ(last.method + " " + last.target + " " + last.body, "PUT /a/b p=1");
-    EXPECT_EQ(last.Header("x-always") + last.Header("x-one") + last.Header("x-two") + last.Header("cookie") +
-                  last.Header("referer"),
-              "1abk=vhttp://from/");
-    EXPECT_EQ(last.Header("x-smuggled"), "");
+    EXPECT_EQ(Shown(m_server.Last()), "PUT /a/b p=1");
+    EXPECT_THAT(m_server.Last().headers, IsSupersetOf({Pair("x-always", "1"), Pair("x-one", "a"), Pair("x-two", "b"),
+                                                       Pair("cookie", "k=v"), Pair("referer", "http://from/")}));
+    EXPECT_EQ(m_server.Last().Header("x-smuggled"), "");
     EXPECT_STREQ(service.result, "page");
     for (const std::string& other : others) {
-        std::ifstream stream(other);
-        EXPECT_EQ(std::string(std::istreambuf_iterator<char>(stream), {}), "another's");
-        std::filesystem::remove(other);
+        EXPECT_EQ(m_root.Read(other), "another's");
+        std::filesystem::remove(m_root / other);
     }
     EXPECT_TRUE(std::filesystem::is_empty(m_root.Path() / "temp"));
-    free(service.params[0]);
-    service.params[0] = nullptr;
+    free(std::exchange(service.params[0], nullptr));
     service.method = 0;
     EXPECT_TRUE(session.SendMessage(&service));
-    EXPECT_EQ(server.Last().method + " " + server.Last().target, "GET /a/b?=");
-    VKhttpClean(&service);
+    EXPECT_EQ(Shown(m_server.Last()), "GET /a/b?= ");
 
-    session.SendRequest(VKcurlService::GET, server.Url(), "");
-    EXPECT_EQ(server.Last().Header("x-always") + server.Last().Header("x-one"), "1");
+    session.SendRequest(VKcurlService::GET, m_server.Url(), "");
+    EXPECT_EQ(m_server.Last().Header("x-always") + m_server.Last().Header("x-one"), "1");
     session.ResetHeaders();
-    session.SendRequest(VKcurlService::GET, server.Url(), "");
-    EXPECT_EQ(server.Last().Header("x-always"), "");
+    session.SendRequest(VKcurlService::GET, m_server.Url(), "");
+    EXPECT_EQ(m_server.Last().Header("x-always"), "");
 }
 
 TEST_F(VKcurlServiceTest, FollowsARedirectWithoutCarryingTheKeyToAnotherHost)
