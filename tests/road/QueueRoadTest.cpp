@@ -93,12 +93,12 @@ VK_ON_BOTH_BACKENDS(QueueRoad);
 TEST_P(QueueRoad, SentAnsweredAndArchived)
 {
     LogIn();
-    RunningProgram device("vkmxpdevice", Device("received,read,confirm"));
-    ASSERT_TRUE(device.AwaitOut("\"online\"")) << device.Err(); // nobody keeps files for it
     RunningProgram messenger("vkmessenger", Call());
+    Add("files", R"(, "attachments": [")" + installation.Dir().Write("plan.txt", "second floor") + "\"]");
+    EXPECT_TRUE(messenger.AwaitOut("PENDING")) << messenger.Out();
+    RunningProgram device("vkmxpdevice", Device("received,read,confirm")); // which was away when it was offered the file
     Add("plain");
     Add("asked", R"(, "two_way": true)");
-    Add("files", R"(, "attachments": [")" + installation.Dir().Write("plan.txt", "second floor") + "\"]");
     EXPECT_TRUE(installation.Await(4, {"M.0.plain.mxp", "M.0.asked.mxp", "M.0.files.mxp"})) << messenger.Out() << messenger.Err();
     EXPECT_EQ(installation.Body(4, "M.0.asked.mxp")["report"]["status_name"].asString(), "CONFIRMED");
     EXPECT_TRUE(device.AwaitOut("\"event\":\"file\"")) << device.Out();

@@ -8,6 +8,7 @@
 #include "VKMXPTlsOpenSsl.h"
 #include "VKMXPTrafficWait.h"
 
+#include <gtest/gtest.h>
 #include <gloox/bytestream.h>
 #include <gloox/client.h>
 #include <gloox/connectionlistener.h>
@@ -25,6 +26,7 @@
 #include <mutex>
 #include <set>
 #include <string>
+#include <sys/socket.h>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -34,7 +36,7 @@ class FilePeer : private gloox::ConnectionListener
 {
 public:
     /// What it does with an offered file.
-    enum class Manner { Accept, Refuse, Vanish, ReadNothing, Silent };
+    enum class Manner { Accept, Refuse, Withdraw, Vanish, ReadNothing, EndItsHalf, Silent };
 
     struct Got
     {
@@ -137,11 +139,22 @@ private:
                 vk::FileReceiver::handleFTRequest(from, to, sid, name, size, hash, date, mime, description,
                                                   m_peer.m_manner == Manner::Refuse ? 0 : types);
         }
+        void handleFTBytestream(gloox::Bytestream* stream) override
+        {
+            vk::FileReceiver::handleFTBytestream(stream);
+            if (m_peer.m_manner == Manner::Withdraw) // what opens the stream is answered with an error then
+                handleBytestreamClose(stream);
+        }
         void handleBytestreamData(gloox::Bytestream* stream, const std::string& data) override
         {
             vk::FileReceiver::handleBytestreamData(stream, data);
             if (m_peer.m_manner == Manner::Vanish)
                 m_peer.m_stop = true;
+            if (m_peer.m_manner == Manner::EndItsHalf && !m_peer.m_opened.exchange(true)) {
+                auto* const socket = dynamic_cast<VKMXPTcpSocket*>(
+                    dynamic_cast<gloox::SOCKS5Bytestream&>(*stream).connectionImpl());
+                ASSERT_TRUE(socket && ::shutdown(socket->Descriptor(), SHUT_WR) == 0);
+            }
         }
 
     protected:
@@ -276,10 +289,10 @@ private:
         m_client.connect(false);
         m_socket->Watch();
         while (!m_stop && m_client.recv(0) == gloox::ConnNoError) {
-            if (m_receiver && m_manner != Manner::ReadNothing)
-                m_receiver->Pump();
-            else if (m_receiver && !m_opened)
+            if (m_receiver && m_manner == Manner::ReadNothing && !m_opened)
                 PumpUntilOpen();
+            else if (m_receiver && !ReadsNothing())
+                m_receiver->Pump();
             SendWaiting();
             {
                 std::unique_lock<std::mutex> lock(m_guard);
@@ -288,11 +301,16 @@ private:
                 m_changed.wait(lock, [this] { return !m_paused; });
                 m_parked = false;
             }
-            m_traffic.Wait(m_manner == Manner::ReadNothing ? 20 : 1000);
+            m_traffic.Wait(ReadsNothing() ? 20 : 1000);
         }
         m_receiver.reset();
         m_sender.reset();
         m_client.disconnect();
+    }
+
+    bool ReadsNothing() const
+    {
+        return m_manner == Manner::ReadNothing || (m_manner == Manner::EndItsHalf && m_opened);
     }
 
     /// The handshake of a stream and nothing more.
@@ -310,7 +328,7 @@ private:
     VKMXPTcpSocket* m_socket = nullptr;
     std::unique_ptr<Receiver> m_receiver;
     std::unique_ptr<Sender> m_sender; ///< made behind the receiver, which is asked first then
-    bool m_opened = false;
+    std::atomic<bool> m_opened{false};
     std::atomic<bool> m_stop{false};
     std::mutex m_guard; ///< guards what follows
     std::condition_variable m_changed;

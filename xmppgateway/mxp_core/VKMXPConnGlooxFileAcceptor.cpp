@@ -64,5 +64,5 @@ void VKMXPConnGlooxImpl::VKMXPConnGlooxFileAcceptor::Received(const File& file)
 void VKMXPConnGlooxImpl::VKMXPConnGlooxFileAcceptor::Failed(const std::string& what, const gloox::IQ* iq)
 {
     m_connection.SetLastError("File Transfer Error.");
-    m_connection.LogTransferError("", "File Transfer Error: " + what, iq);
+    m_connection.LogTransferError("", "File Transfer Error: " + what, iq ? iq->error() : nullptr);
 }

@@ -38,7 +38,9 @@ VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::~VKMXPConnGlooxFileSender() { Stop
 bool VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::InitializeSpecial()
 {
     const ClientLock inside(m_pobjConnection->m_mtxClient);
-    m_pobjProfile = std::make_unique<gloox::SIProfileFT>(m_pobjConnection->m_pobjClient.get(), this);
+    VKMXPStanzaClient& client = *m_pobjConnection->m_pobjClient;
+    m_pobjProfile = std::make_unique<gloox::SIProfileFT>(&client, this);
+    client.WatchErrors([this](const gloox::JID& from, const gloox::Error& error) { PeerRefused(from, error); });
     SetSelfAsSocks5Server();
     m_iSleep = 100;
     return true;
@@ -51,6 +53,8 @@ bool VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::FinalizeSpecial()
     try {
         const ClientLock inside(m_pobjConnection->m_mtxClient);
         m_bSocks5Running = false;
+        if (m_pobjConnection->m_pobjClient)
+            m_pobjConnection->m_pobjClient->WatchErrors(nullptr);
         if (m_pobjProfile) {
             m_pobjProfile->removeSOCKS5BytestreamServer();
             for (gloox::Bytestream* stream : m_vecStale)
@@ -94,6 +98,17 @@ void VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::SetSelfAsSocks5Server()
     m_pobjProfile->registerSOCKS5BytestreamServer(m_pobjSocks5Server.get());
     m_pobjProfile->addStreamHost(client.jid(), host, port);
     m_bSocks5Running = true;
+}
+
+/// Between two streams: lets go of those who came to the old one and were no peers.
+void VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::RenewSocks5Server()
+{
+    auto fresh = std::make_unique<gloox::SOCKS5BytestreamServer>(m_pobjConnection->m_pobjClient->logInstance(),
+                                                                 m_pobjConnection->m_iStreamPort,
+                                                                 m_pobjConnection->m_strStreamHost);
+    m_pobjProfile->registerSOCKS5BytestreamServer(fresh.get());
+    m_pobjListener->UseServer(*fresh);
+    m_pobjSocks5Server = std::move(fresh);
 }
 
 int VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::GetMethod() const
@@ -322,7 +337,15 @@ void VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::PumpStreams()
 void VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::handleFTRequestError(const gloox::IQ& iq, const std::string& sid)
 {
     if (sid == m_strStreamID)
-        Fail(kTransferError, "File Transfer Error: Bytestream could not connect.", &iq);
+        Fail(kTransferError, "File Transfer Error: Bytestream could not connect.", iq.error());
+}
+
+/// The library says nothing of an in-band stream whose opening was refused, as for a device that has gone meanwhile.
+void VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::PeerRefused(const gloox::JID& peer, const gloox::Error& error)
+{
+    if (m_pobjBytestream && !m_bStreamReady && peer == m_objTargetJID &&
+        m_pobjBytestream->type() == gloox::Bytestream::IBB)
+        Fail(kTransferError, "File Transfer Error: An error has occurred in Bytestream.", &error);
 }
 
 void VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::handleFTBytestream(gloox::Bytestream* bytestream)
@@ -368,7 +391,7 @@ void VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::handleBytestreamError(gloox::
                                                                          const gloox::IQ& iq)
 {
     if (bytestream == m_pobjBytestream)
-        Fail(kTransferError, "File Transfer Error: An error has occurred in Bytestream.", &iq);
+        Fail(kTransferError, "File Transfer Error: An error has occurred in Bytestream.", iq.error());
 }
 
 void VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::handleBytestreamClose(gloox::Bytestream* bytestream)

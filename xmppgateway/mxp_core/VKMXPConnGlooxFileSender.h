@@ -18,6 +18,7 @@
 #include <vector>
 
 namespace gloox {
+class Error;
 class IQ;
 class SIProfileFT;
 class SOCKS5BytestreamServer;
@@ -80,6 +81,9 @@ public:
     /// The streams' share of pumping the client; under the client lock.
     void PumpStreams();
 
+    /// The peer has answered a question of ours with an error; inside the client.
+    void PeerRefused(const gloox::JID& peer, const gloox::Error& error);
+
     void handleFTRequest(const gloox::JID& from, const gloox::JID& to, const std::string& sid, const std::string& name,
                          long size, const std::string& hash, const std::string& date, const std::string& mimeType,
                          const std::string& description, int streamTypes) override;
@@ -130,10 +134,11 @@ private:
     bool DrainSocks5();
     bool SendInBand(const VKFileEntry& file);
     void EndStream(bool more);
+    void RenewSocks5Server();
     void Report();
     bool MayGoOn();
     void WaitForPeer(ClientLock& lock);
-    void Fail(const char* lastError, const std::string& line, const gloox::IQ* iq = nullptr);
+    void Fail(const char* lastError, const std::string& line, const gloox::Error* error = nullptr);
     void Note(VKLogInterface::LogLevel level, const std::string& line) const;
 
     std::unique_ptr<vk::StreamListener> m_pobjListener; ///< client lock

@@ -16,6 +16,7 @@
 #include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -28,7 +29,7 @@ constexpr std::int32_t kGone = -1;         // the size of a copy that somebody h
 constexpr std::size_t kInBandBlock = 5760; // bytes; as Base64 the stanza stays below 8 KiB, which any server takes
 constexpr int kInBandWindow = 8;           // blocks on their way to the peer; more only wait at the server
 constexpr int kLookEvery = 50;             // milliseconds; the upper limit of a wait for the stream
-constexpr auto kGoodbyeLimit = 2s;         // for a peer that has all of the file and does not close its end
+constexpr std::chrono::milliseconds kGoodbyeLimit = 2s;         // for a peer that has all of the file and does not close its end
 constexpr const char* kTransferError = "File Transfer Error.";
 constexpr const char* kDisconnected = "Disconnection Error.";
 
@@ -72,6 +73,19 @@ int Unconfirmed(int stream)
 {
     int bytes = 0;
     return ::ioctl(stream, SIOCOUTQ, &bytes) == 0 ? bytes : 0;
+}
+
+/// Drops what the peer says on its stream, and notes when it has ended its half. False when the stream is broken.
+bool ReadsOn(int stream, bool& ended)
+{
+    std::array<char, 1024> ignored;
+    const ssize_t got = ::recv(stream, ignored.data(), ignored.size(), MSG_DONTWAIT);
+    if (got < 0)
+        return errno == EAGAIN || errno == EINTR;
+    ended = ended || got == 0;
+    int error = 0;
+    socklen_t size = sizeof error;
+    return !ended || (::getsockopt(stream, SOL_SOCKET, SO_ERROR, &error, &size) == 0 && error == 0);
 }
 
 } // namespace
@@ -232,20 +246,22 @@ bool VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::SendOverSocks5(const VKFileEn
     return !m_bQuit && DrainSocks5();
 }
 
-/// What was written has to reach the peer before the stream is closed: waits until the peer has closed its end, or at
-/// least has it all and lets us wait.
+/// What was written has to reach the peer before the stream is closed: waits until the peer has all of it and has closed
+/// its end, or at least lets us wait. It may have closed its end long before.
 bool VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::DrainSocks5()
 {
+    const std::chrono::milliseconds limit = std::chrono::seconds(m_pobjConnection->m_iTransferTimeout);
+    const auto goodbye = limit > 0ms ? std::min<std::chrono::milliseconds>(kGoodbyeLimit, limit / 2) : kGoodbyeLimit;
     ::shutdown(m_iStream, SHUT_WR);
     int unconfirmed = Unconfirmed(m_iStream);
+    bool ended = false;
     while (MayGoOn()) {
         pollfd polled{m_iStream, POLLIN, 0};
-        ::poll(&polled, 1, kLookEvery);
-        std::array<char, 1024> ignored;
-        const ssize_t got = ::recv(m_iStream, ignored.data(), ignored.size(), MSG_DONTWAIT);
-        if (got == 0)
-            return true;
-        if (got < 0 && errno != EAGAIN && errno != EINTR) {
+        if (ended)
+            std::this_thread::sleep_for(1ms); // there is always something to read where a stream has ended
+        else
+            ::poll(&polled, 1, kLookEvery);
+        if (!ReadsOn(m_iStream, ended)) {
             Fail(kTransferError, "File Transfer Error. Bytestream closed without complete data transfer.");
             return false;
         }
@@ -253,7 +269,7 @@ bool VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::DrainSocks5()
         if (left < unconfirmed)
             m_tLastDataSent = Clock::now();
         unconfirmed = left;
-        if (left == 0 && Clock::now() - m_tLastDataSent > kGoodbyeLimit)
+        if (left == 0 && (ended || Clock::now() - m_tLastDataSent > goodbye))
             return true;
     }
     return false;
@@ -290,6 +306,8 @@ void VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::EndStream(bool more)
     m_iStream = -1;
     if (m_pobjListener)
         m_pobjListener->DropWaiting();
+    if (m_pobjListener && m_pobjListener->Dropped() > 0 && m_bSocks5Running)
+        RenewSocks5Server();
     if (!m_pobjBytestream)
         return;
     if (more)
@@ -320,10 +338,10 @@ void VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::Report()
 
 /// The first failure of a transfer is the one that is reported.
 void VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::Fail(const char* lastError, const std::string& line,
-                                                        const gloox::IQ* iq)
+                                                        const gloox::Error* error)
 {
     const ClientLock inside(m_pobjConnection->m_mtxClient);
-    m_pobjConnection->LogTransferError(m_objTargetJID.full(), line, iq);
+    m_pobjConnection->LogTransferError(m_objTargetJID.full(), line, error);
     m_pobjConnection->SetLastError(lastError);
     if (m_strTransferError.empty())
         m_strTransferError = lastError;

@@ -291,9 +291,8 @@ int VKMXPConnGlooxImpl::GetFileTransferMethod()
     return m_pobjFileSender ? m_pobjFileSender->GetMethod() : 0;
 }
 
-void VKMXPConnGlooxImpl::LogTransferError(const std::string& jid, const std::string& what, const gloox::IQ* iq)
+void VKMXPConnGlooxImpl::LogTransferError(const std::string& jid, const std::string& what, const gloox::Error* error)
 {
-    const gloox::Error* const error = iq ? iq->error() : nullptr;
     std::string text = what;
     if (error)
         text += std::string(" Type: [") +

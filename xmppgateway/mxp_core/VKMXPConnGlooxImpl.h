@@ -112,7 +112,7 @@ private:
     void TellRefused();
     void RefuseAttachments(const AttachmentMap& attachments, const char* error, const char* reason);
     void NoteDisconnection(int error);
-    void LogTransferError(const std::string& jid, const std::string& what, const gloox::IQ* iq);
+    void LogTransferError(const std::string& jid, const std::string& what, const gloox::Error* error);
 
     std::unique_ptr<VKMXPStanzaClient> m_pobjClient; ///< null while not connected; guarded by m_mtxClient
     std::atomic<bool> m_bConnected{false};

@@ -2,6 +2,8 @@
 
 #include "VKescape.h"
 
+#include <gloox/tag.h>
+
 namespace {
 
 /// A carriage return would be taken for a line feed by the peer's parser.
@@ -30,4 +32,11 @@ void VKMXPStanzaClient::SendBody(const gloox::MessageSession& session, const std
     }
     stanza += "</message>";
     gloox::ClientBase::send(stanza);
+}
+
+void VKMXPStanzaClient::handleTag(gloox::Tag* tag)
+{
+    gloox::Client::handleTag(tag);
+    if (m_watcher && tag && tag->name() == "iq" && tag->hasAttribute("type", "error"))
+        m_watcher(gloox::JID(tag->findAttribute("from")), gloox::Error(tag->findChild("error")));
 }

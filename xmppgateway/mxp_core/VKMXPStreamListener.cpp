@@ -16,12 +16,13 @@ namespace vk {
 namespace {
 
 constexpr std::size_t kMostWaiting = 64;
+constexpr std::size_t kMostDropped = 4096; // behind that many who comes is sent away until there is a new server
 constexpr int kBacklog = 10;
 
 } // namespace
 
 StreamListener::StreamListener(gloox::SOCKS5BytestreamServer& server, TrafficWait* wait)
-    : m_server(server), m_wait(wait)
+    : m_server(&server), m_wait(wait)
 {
 }
 
@@ -78,11 +79,11 @@ void StreamListener::Accept(bool onOffer)
         if (descriptor < 0)
             return;
         auto made = std::make_unique<VKMXPTcpSocket>(descriptor, m_wait);
-        if (!onOffer || m_waiting.size() >= kMostWaiting)
+        if (!onOffer || m_waiting.size() >= kMostWaiting || m_dropped >= kMostDropped)
             continue;
         made->Watch();
         m_waiting.push_back(made.release());
-        m_server.handleIncomingConnection(nullptr, m_waiting.back());
+        m_server->handleIncomingConnection(nullptr, m_waiting.back());
     }
 }
 
@@ -97,12 +98,18 @@ VKMXPTcpSocket* StreamListener::Release(const gloox::ConnectionBase* connection)
     return socket;
 }
 
-/// The server forgets the connection without touching it again.
+/// Only closed: the server deletes in its destructor whatever it was handed and did not make a stream of.
 void StreamListener::Drop(VKMXPTcpSocket* socket)
 {
-    const std::unique_ptr<VKMXPTcpSocket> owned(socket);
     m_waiting.erase(std::remove(m_waiting.begin(), m_waiting.end(), socket), m_waiting.end());
-    m_server.handleDisconnect(socket, gloox::ConnUserDisconnected);
+    socket->cleanup();
+    ++m_dropped;
+}
+
+void StreamListener::UseServer(gloox::SOCKS5BytestreamServer& server)
+{
+    m_server = &server;
+    m_dropped = 0;
 }
 
 void StreamListener::DropWaiting()

@@ -8,7 +8,10 @@
 #include "VKMXPmSendMsg.h"
 
 #include <csignal>
+#include <netinet/in.h>
 #include <sys/resource.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 namespace {
 
@@ -177,6 +180,43 @@ TEST_F(Attachments, OfTwoTransfersOneHasAName)
     EXPECT_EQ(CopiesLeft(), 1U);
     two.Release();
     EXPECT_EQ(CopiesLeft(), 1U) << "in-band, they stay";
+}
+
+/// Says something at a port of this machine; the socket.
+int SayAt(int port, const std::string& text)
+{
+    const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
+    EXPECT_EQ(::connect(socket, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    EXPECT_EQ(::send(socket, text.data(), text.size(), MSG_NOSIGNAL), static_cast<ssize_t>(text.size()));
+    return socket;
+}
+
+TEST_F(Attachments, AreNotTroubledByStrangersAtTheirStreamHost)
+{
+    FilePeer alice(s_server->Jid("alice") + "/mxp", s_server->Port(), kBoth, FilePeer::Manner::ReadNothing);
+    ASSERT_TRUE(alice.WaitUntilOnline());
+    const int port = FreePort();
+    Connect(port, 60);
+    const std::size_t descriptors = Entries("/proc/self/fd");
+    const int before = s_logger.CountContaining("Got new file.");
+    SendFiles("first", {MakeFile("plan", Random(16U << 20))});
+    ASSERT_TRUE(Until([&] { return s_logger.CountContaining("Got new file.") > before; }));
+    for (const char* words : {"", "GET / HTTP/1.0\r\n\r\n", "\x05"})
+        ::close(SayAt(port, words));
+    const int stays = SayAt(port, "\x05\x01" + std::string(1, '\0'));
+    char answer[2];
+    EXPECT_EQ(::recv(stays, answer, sizeof answer, MSG_WAITALL), 2) << "it is spoken with";
+    alice.Become(FilePeer::Manner::Accept);
+    EXPECT_EQ(statuses.WaitFor("first").status, kSent);
+    EXPECT_EQ(::recv(stays, answer, sizeof answer, 0), 0) << "sent away behind the file";
+    ::close(stays);
+    SendFiles("second", {MakeFile("plan", "text")});
+    EXPECT_EQ(statuses.WaitFor("second").status, kSent);
+    EXPECT_TRUE(Until([&] { return Entries("/proc/self/fd") <= descriptors; }));
 }
 
 class KeepsRequests final : public VKMXPRequestHandlerIface

@@ -61,6 +61,7 @@ struct Fault
     bool streamHost;
     const char* error;
     bool connectionEnds;
+    std::size_t size = 16U << 20;
 };
 
 class AttachmentFaults : public Attachments, public ::testing::WithParamInterface<Fault>
@@ -73,11 +74,11 @@ TEST_P(AttachmentFaults, AreReportedAndLeaveNothingBehind)
     FilePeer alice(s_server->Jid("alice") + "/mxp", s_server->Port(), fault.peer, fault.manner);
     ASSERT_TRUE(alice.WaitUntilOnline());
     Connect(fault.streamHost ? FreePort() : 0, 2);
-    SendFiles("broken", {MakeFile("plan", Random(16U << 20))});
+    SendFiles("broken", {MakeFile("plan", Random(fault.size))});
     const auto status = statuses.WaitFor("broken");
     EXPECT_EQ(status.status, kFailed);
     EXPECT_EQ(status.error, fault.error);
-    EXPECT_EQ(CopiesLeft(), fault.manner == Manner::Vanish && !fault.streamHost ? 1U : 0U);
+    EXPECT_EQ(CopiesLeft(), fault.peer == kBoth && !fault.streamHost ? 1U : 0U) << "in-band it stays";
 
     const auto ended = [&] { return manager->GetSession(s_server->Jid("alice"), "files") == nullptr; };
     if (fault.connectionEnds) {
@@ -94,10 +95,13 @@ TEST_P(AttachmentFaults, AreReportedAndLeaveNothingBehind)
 INSTANTIATE_TEST_SUITE_P(
     Files, AttachmentFaults,
     ::testing::Values(Fault{"Refused", Manner::Refuse, kBoth, true, "File Transfer Error.", false},
+                      Fault{"AcceptedAndNotOpenedInBand", Manner::Withdraw, kBoth, false, "File Transfer Error.", false},
                       Fault{"VanishedOverSocks5", Manner::Vanish, kBoth, true, "File Transfer Error.", false},
                       Fault{"VanishedInBand", Manner::Vanish, kBoth, false, "File Transfer Error.", false},
                       Fault{"NoAnswerToTheOffer", Manner::Silent, kBoth, true, "File Transfer Error.", true},
                       Fault{"NothingRead", Manner::ReadNothing, kBoth, true, "File Transfer Error.", true},
+                      Fault{"NothingReadOfAHalfClosedStream", Manner::EndItsHalf, kBoth, true, "File Transfer Error.",
+                            true, 3U << 20},
                       Fault{"NoCommonStream", Manner::Accept, FilePeer::kSocks5, false, "Disconnection Error.", false}),
     [](const auto& info) { return std::string(info.param.name); });
 
