@@ -1,3 +1,4 @@
+#include "FreePort.h"
 #include "LoopbackServer.h"
 #include "PushInstallation.h"
 #include "RecordingLogger.h"
@@ -255,12 +256,7 @@ TEST_F(PushApnsTest, RefusesWhatTheGatewayCannotTakeBeforeItConnects)
 
 TEST_F(PushApnsTest, SaysWhyASessionCannotBegin)
 {
-    int closedPort = 0;
-    {
-        LoopbackServer gone([](Peer&) {});
-        closedPort = gone.Port();
-    }
-    Use(closedPort);
+    Use(FreePort());
     EXPECT_FALSE(Send());
     EXPECT_TRUE(m_logger.Has("Socket error occurred while starting SSL session to target 127.0.0.1:"));
     EXPECT_TRUE(m_logger.Has("Socket Connecting Failed"));

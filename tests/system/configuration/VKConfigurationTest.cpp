@@ -271,7 +271,7 @@ TEST_F(ConfigurationTest, ReadsDeviceStatuses)
 
 TEST_F(ConfigurationTest, ReadsSerialPorts)
 {
-    VK_TGATE_PORTINFO_HEADER ports;
+    VK_TGATE_PORTINFO_HEADER ports, copy;
     EXPECT_FALSE(VKConfiguration::GetPorts(root / "config", &ports));
     Write("ports", "<ports><port><serial_port>/dev/ttyS0</serial_port><init_string>ATZ</init_string>"
                    "<baud_rate>9600</baud_rate><data_bits>8</data_bits><stop_bits>1</stop_bits><parity>none</parity>"
@@ -280,12 +280,14 @@ TEST_F(ConfigurationTest, ReadsSerialPorts)
     for (const std::string& path : {root / "config", root / "config/ports"}) {
         ASSERT_TRUE(VKConfiguration::GetPorts(path, &ports));
         ASSERT_EQ(ports.count, 2);
-        EXPECT_EQ(Shown(vk::kPortFields, ports.list[0]), "/dev/ttyS0|ATZ||9600|8|1|none|5|60|1|hardware|");
-        EXPECT_EQ(Shown(vk::kPortFields, ports.list[1]), "|||0|0|0||0|0|0||");
+        DuplicatePortInfo(&copy, &ports);
+        EXPECT_EQ(Shown(vk::kPortFields, copy.list[0]), "/dev/ttyS0|ATZ||9600|8|1|none|5|60|1|hardware|");
+        EXPECT_EQ(Shown(vk::kPortFields, copy.list[1]), "|||0|0|0||0|0|0||");
     }
     Write("ports", "<ports><port></ports>");
     EXPECT_FALSE(VKConfiguration::GetPorts(root / "config", &ports));
     EXPECT_EQ(ports.count, 0);
+    EmptyPortInfo(&copy);
 }
 
 TEST_F(ConfigurationTest, HelpsWithPathsAndFiles)

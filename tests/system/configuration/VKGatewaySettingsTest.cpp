@@ -151,14 +151,16 @@ template <class Record, class Table, class Set, class Get> void ExpectAllBack(co
     });
     VKConfiguration& configuration = *VKConfiguration::getVKConfiguration();
     ASSERT_TRUE((configuration.*set)(&record)) << configuration.getGatewaySettingsError();
-    Record* const back = (configuration.*get)(true);
-    ASSERT_NE(back, nullptr) << configuration.getGatewaySettingsError();
-    vk::ForEachField(table, [&](const auto& row) {
-        using Value = typename std::decay_t<decltype(row)>::Value;
-        if constexpr (std::is_arithmetic_v<Value> || std::is_same_v<Value, std::string>) {
-            EXPECT_EQ(row.of(record), row.of(*back)) << row.name;
-        }
-    });
+    for (const bool force : {false, true}) {
+        Record* const back = (configuration.*get)(force);
+        ASSERT_NE(back, nullptr) << configuration.getGatewaySettingsError();
+        vk::ForEachField(table, [&](const auto& row) {
+            using Value = typename std::decay_t<decltype(row)>::Value;
+            if constexpr (std::is_arithmetic_v<Value> || std::is_same_v<Value, std::string>) {
+                EXPECT_EQ(row.of(record), row.of(*back)) << row.name;
+            }
+        });
+    }
 }
 
 TEST_F(GatewaySettingsTest, EveryValueComesBackFromANewFile)

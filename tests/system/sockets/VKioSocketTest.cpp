@@ -1,3 +1,4 @@
+#include "FreePort.h"
 #include "IoFailure.h"
 #include "LoopbackServer.h"
 #include "RecordingLogger.h"
@@ -64,14 +65,10 @@ TEST(VKioSocket, ReadsLinesWithTheirEndsAndWithout)
 
 TEST(VKioSocket, FailsWithItsOwnWords)
 {
-    int closedPort = 0;
-    {
-        LoopbackServer gone([](Peer&) {});
-        closedPort = gone.Port();
-    }
+    const int closedPort = FreePort();
     VKioClientSocket socket;
     EXPECT_EQ(MessageOf([&] { socket.Connect("no-such-host.invalid", 80); }), "Socket Unknown Remote Host");
-    EXPECT_EQ(MessageOf([&] { socket.Connect("127.0.0.1", 70000); }), "Socket Unknown Remote Host");
+    EXPECT_EQ(MessageOf([&] { socket.Connect("127.0.0.1", 65536); }), "Socket Unknown Remote Host");
     EXPECT_EQ(MessageOf([&] { socket.Connect("127.0.0.1", 80, static_cast<VKioSocket::SocketType>(3)); }),
               "Socket Unknown Type");
     try {

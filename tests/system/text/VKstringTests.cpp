@@ -56,6 +56,9 @@ TEST(NoCase, ComparesLettersOnlyPutsNullFirstAndFindsTheFirst)
     EXPECT_EQ(VKstringReverseNoCaseNCmp("report.SDB", "x.sdb", 4), 0);
     EXPECT_NE(VKstringReverseNoCaseNCmp("report.SDB", "x.sdb", 5), 0);
     EXPECT_NE(VKstringReverseNoCaseNCmp("b", "sdb", 3), 0);
+    const std::string mixed("a1Z\xC3\xA4");
+    EXPECT_EQ(VKstringUpperCase(mixed), "A1Z\xC3\xA4");
+    EXPECT_EQ(VKstringLowerCase(mixed), "a1z\xC3\xA4");
 
     const char* const text = "Job done, JOB closed";
     EXPECT_EQ(VKstringFindNoCaseSubstring(text, "job"), text);
