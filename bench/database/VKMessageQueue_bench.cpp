@@ -279,7 +279,7 @@ bool TakeTen(VKDBiMessageQueue& queue)
 /// the clock runs: services run for months. The clock stops when the last message is gone, before all have seen it.
 void queue_processes(benchmark::State& state)
 {
-    constexpr int kMessages = 1000;
+    constexpr int kMessages = 3000;
     const int processes = static_cast<int>(state.range(0));
     for (auto _ : state) {
         Installation installation;

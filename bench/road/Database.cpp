@@ -70,7 +70,7 @@ Figure QueuePoll(Stage&)
 
 Figure QueueProcesses(Stage&)
 {
-    constexpr double kMessages = 1000;
+    constexpr double kMessages = 3000;
     const auto seconds = SecondsOf("^queue_processes/");
     const auto rate = [&](int count) { return kMessages / seconds.at("queue_processes/" + std::to_string(count)); };
     return {rate(8), rate(1),
