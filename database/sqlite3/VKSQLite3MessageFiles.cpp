@@ -89,14 +89,8 @@ void SQLite3MessageFiles::Begin(SqlStore& store, const TableName& table, Transac
     m_table = table;
     m_bStarted = false;
     m_changes.clear();
-    const long committed = store.SelectNumber("PRAGMA user_version");
-    m_lNumber = NumberAfter(committed);
-    const std::string begun = ReadIntent(kIntentHead);
-    const long number = std::atol(begun.c_str());
-    if (number == m_lNumber)
-        UndoLeftovers();
-    else if (number == committed && begun.find("\nD") != std::string::npos)
-        FinishLeftovers();
+    if (IntentSize() > 0)
+        SettleLeftovers();
     if (!m_bSwept)
         DeleteLeftoverBackups();
     m_bSwept = true;
@@ -113,9 +107,12 @@ void SQLite3MessageFiles::Undo() noexcept
 }
 
 /// A backup that cannot be deleted goes when the queue is opened again. Where turns are not kept apart, another process
-/// may be writing a message of a doomed name by now: the next transaction looks for its row.
+/// may have begun a change of its own by now, of a message of a doomed name even: the intent stays as it is, and the next
+/// transaction looks for the rows.
 void SQLite3MessageFiles::Committed() noexcept
 {
+    if (!m_bStarted)
+        return;
     std::set<std::string> doomed;
     for (const Change& change : m_changes) {
         if (change.kind == Change::BackedUp)
@@ -126,7 +123,7 @@ void SQLite3MessageFiles::Committed() noexcept
             doomed.erase(change.kind == Change::Written ? change.from : change.to);
     }
     m_changes.clear();
-    if (doomed.empty() || !m_bAlone)
+    if (!m_bAlone)
         return;
     OpenDirectory();
     bool deleted = true;
@@ -219,6 +216,7 @@ void SQLite3MessageFiles::BackUp(const std::vector<std::string>& names)
 {
     std::vector<Change> changes;
     const std::set<std::string> files(names.begin(), names.end()); // two rows may have one file
+    Start();
     for (const std::string& name : files)
         if (m_files.CheckExists(name))
             changes.push_back({Change::BackedUp, name,
@@ -240,16 +238,22 @@ bool SQLite3MessageFiles::PutAside(const std::string& name, const std::string& b
     return errno == ENOENT && mkdir(m_files.PathOf(kBackups).c_str(), 0777) == 0 && moved();
 }
 
+/// Gives the transaction its number.
+void SQLite3MessageFiles::Start()
+{
+    if (m_bStarted)
+        return;
+    EmptyIntent();
+    m_lNumber = NumberAfter(m_store->SelectNumber("PRAGMA user_version"));
+    m_store->Update("PRAGMA user_version={}", m_lNumber);
+    m_bStarted = true;
+}
+
 /// Tells changes before they come.
 void SQLite3MessageFiles::Intend(std::vector<Change> changes)
 {
-    std::string text;
-    if (!m_bStarted) {
-        EmptyIntent();
-        m_store->Update("PRAGMA user_version={}", m_lNumber);
-        text = std::to_string(m_lNumber) + "\n";
-        m_bStarted = true;
-    }
+    Start();
+    std::string text = m_changes.empty() ? std::to_string(m_lNumber) + "\n" : "";
     for (const Change& change : changes)
         text += std::string(1, change.kind) + "\t" + change.from + "\t" + change.to + "\n";
     Append(text);
@@ -286,12 +290,29 @@ std::string SQLite3MessageFiles::ReadIntent(std::size_t most) const
     return text;
 }
 
-/// Takes over the changes that the intent tells of.
-void SQLite3MessageFiles::ReadLeftovers()
+std::size_t SQLite3MessageFiles::IntentSize() const
 {
     struct stat facts{};
     RequireDone(fstat(m_iIntent, &facts) == 0, "read", kIntentFile);
-    std::istringstream lines(ReadIntent(static_cast<std::size_t>(facts.st_size)));
+    return static_cast<std::size_t>(facts.st_size);
+}
+
+/// The intent tells what another process began that died, or what was committed where turns are not kept apart.
+void SQLite3MessageFiles::SettleLeftovers()
+{
+    const long committed = m_store->SelectNumber("PRAGMA user_version");
+    const std::string begun = ReadIntent(kIntentHead);
+    const long number = std::atol(begun.c_str());
+    if (number == NumberAfter(committed))
+        UndoLeftovers();
+    else if (number == committed && begun.find("\nD") != std::string::npos)
+        FinishLeftovers();
+}
+
+/// Takes over the changes that the intent tells of.
+void SQLite3MessageFiles::ReadLeftovers()
+{
+    std::istringstream lines(ReadIntent(IntentSize()));
     std::string line;
     std::getline(lines, line); // the number
     while (std::getline(lines, line)) {

@@ -16,7 +16,8 @@ namespace vk {
 ///   2. the file is changed; what is replaced is moved to a backup in "queue_metabase.sdb-undo", and what is to be
 ///      deleted is only told in the intent;
 ///   3. the rows and the number are committed;
-///   4. before another process has its turn, the backups and what was to be deleted are deleted.
+///   4. before another process has its turn, the backups and what was to be deleted are deleted, and the intent is
+///      emptied.
 /// A process that dies before 3 leaves rows as they were and the intent's number one above user_version: whoever has
 /// the lock next undoes the lines from last to first, before it looks at anything. A process that dies behind 3 leaves
 /// the intent's number at user_version: whoever has the lock next deletes what was to be deleted and has no row; backups
@@ -59,11 +60,14 @@ private:
     };
 
     void Write(const std::string& name, const VK_MESSAGE_CONTENT& content);
+    void Start();
     void Intend(std::vector<Change> changes);
     void BackUp(const std::vector<std::string>& names);
     bool PutAside(const std::string& name, const std::string& backup) const;
     std::string ReadIntent(std::size_t most) const;
     static bool IsOwn(const Change& change);
+    std::size_t IntentSize() const;
+    void SettleLeftovers();
     void ReadLeftovers();
     void UndoLeftovers();
     void FinishLeftovers();
@@ -82,8 +86,8 @@ private:
     TableName m_table{};
     int m_iIntent = -1;    ///< descriptor of the intent; -1 until the first turn
     int m_iDirectory = -1; ///< descriptor of the queue's directory; -1 until a turn looks for a file
-    long m_lNumber = 0;    ///< of the running transaction
-    bool m_bStarted = false; ///< the intent holds the running transaction's number
+    long m_lNumber = 0;    ///< of the running transaction, once it has started a change
+    bool m_bStarted = false; ///< the intent has the running transaction's number
     bool m_bSwept = false;   ///< the backups of those that died were deleted
     bool m_bAlone = false;   ///< nobody else has a turn until Leave
     std::vector<Change> m_changes;
