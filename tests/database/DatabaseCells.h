@@ -1,6 +1,8 @@
 #pragma once
 
+#include <chrono>
 #include <string>
+#include <thread>
 
 #include "VKODBCResultSet.h"
 #include "VKRDBiDatabase.h"
@@ -32,4 +34,17 @@ inline void RunOn(const std::string& path, const std::string& statement)
     VKSQLite3Database file(path, true);
     VKSQLite3ResultSet result;
     file.ExecuteUpdateQuery(statement, result);
+}
+
+/// Whether a server has so many connections within a bound; it takes its time to let those go whose clients ended.
+inline bool AwaitConnections(VKRDBiDatabase& server, const std::string& count)
+{
+    const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    const char* const query = "SELECT COUNT(*) FROM pg_stat_activity WHERE backend_type='client backend'";
+    while (CellOf(server, query) != count) {
+        if (std::chrono::steady_clock::now() > giveUp)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
 }

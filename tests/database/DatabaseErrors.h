@@ -4,24 +4,28 @@
 
 #include "VKDBexception.h"
 
-/// The error of an operation as "code message"; empty when it throws none.
-template <class Operation> std::string ErrorOf(Operation&& operation)
+namespace detail {
+
+template <class Operation> std::string ErrorText(Operation&& operation, std::string (*textOf)(const VKDBexception&))
 {
     try {
         operation();
         return "";
     } catch (const VKDBexception& failure) {
-        return std::to_string(failure.GetErrorCode()) + " " + failure.GetMsg();
+        return std::to_string(failure.GetErrorCode()) + " " + textOf(failure);
     }
 }
 
-/// The same with the system message, as "message: system message".
+} // namespace detail
+
+/// The error of an operation as "code message"; empty when it throws none.
+template <class Operation> std::string ErrorOf(Operation&& operation)
+{
+    return detail::ErrorText(operation, [](const VKDBexception& failure) { return failure.GetMsg(); });
+}
+
+/// The same with the system message, as "code message: system message".
 template <class Operation> std::string WholeErrorOf(Operation&& operation)
 {
-    try {
-        operation();
-        return "";
-    } catch (const VKDBexception& failure) {
-        return failure.what();
-    }
+    return detail::ErrorText(operation, [](const VKDBexception& failure) { return std::string(failure.what()); });
 }

@@ -77,7 +77,7 @@ protected:
     static std::string Header(VKDBiMessageQueue& queue, const std::string& name, const std::string& columns)
     {
         Message message;
-        return queue.GetByName(name, &message, true, true) ? message[columns] : "(none)";
+        return queue.GetByName(name, &message, true, false) ? message[columns] : "(none)";
     }
 
     static std::vector<std::string> Names(VKDBiMessageQueue& queue, bool ready = false)

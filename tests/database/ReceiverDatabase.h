@@ -110,6 +110,15 @@ protected:
         return receivers->GetByID(&read, id) ? read[columns] : "none";
     }
 
+    static VK_RECEIVER_ATTRIBUTE AttributeValue(unsigned long receiver, unsigned long attribute, const char* text)
+    {
+        VK_RECEIVER_ATTRIBUTE value;
+        value.receiver_id = receiver;
+        value.attribute_id = attribute;
+        vk::SetText(value.attribute_values, text, "attribute_values");
+        return value;
+    }
+
     /// The disable history: "100-200 300-0 ".
     std::string Periods(unsigned long receiverId)
     {

@@ -4,13 +4,10 @@
 #include <thread>
 
 #include "BackendDatabase.h"
-#include "TempDir.h"
+#include "DatabaseCells.h"
 #include "VKConfiguration.h"
-#include "VKDBiDepartment.h"
 #include "VKDBiMessageQueue.h"
-#include "VKDBiReceiver.h"
 #include "VKDatabaseMultiThreaded.h"
-#include "VKODBCResultSet.h"
 #include "VKRecordText.h"
 
 namespace {
@@ -107,13 +104,6 @@ protected:
         EXPECT_TRUE(own->Open(PostgresServer::kSource, "postgres", "", true, true));
     }
     void MakeTables() { BackendDatabase::MakeTables(*own); }
-
-    long Connections()
-    {
-        VKODBCResultSet result;
-        own->ExecuteSelectQuery("SELECT COUNT(*) FROM pg_stat_activity WHERE backend_type='client backend'", result);
-        return result[0][0].GetValueLong();
-    }
 
     std::unique_ptr<VKRDBiDatabase> own{VKRDBiDatabase::GetInstance(0, nullptr)};
 };
@@ -219,9 +209,7 @@ TEST_F(VKDatabaseTest, EntitiesFollowTheGlobalSettings)
     settings->max_members = 40;
     ASSERT_TRUE(VKConfiguration::getVKConfiguration()->setGlobalSettings());
     VKConfiguration::getVKConfiguration()->getGlobalSettings(true);
-    EXPECT_TRUE(VKDBiReceiver::s_bIsCoverByAllowed);
-    EXPECT_TRUE(VKDBiDepartment::s_bRecLimit);
-    EXPECT_TRUE(VKDBiDepartment::s_bCountGrp);
+    EXPECT_TRUE(VKDBiReceiver::s_bIsCoverByAllowed && VKDBiDepartment::s_bRecLimit && VKDBiDepartment::s_bCountGrp);
     EXPECT_EQ(VKDBiDepartment::s_lMaxMembers, 40);
 
     settings->cover_by_allowed = settings->receiver_limit = settings->count_groups = 0;
@@ -241,13 +229,12 @@ TEST_F(VKDatabaseTest, EveryCallTriesAgainAndTellsWhatIsWrongNow)
     EXPECT_EQ(database.getDBSystemObject(), nullptr);
     std::filesystem::remove(dir / "config/datasource");
     EXPECT_EQ(database.getVKDBiReceiverObject(), nullptr);
-    EXPECT_NE(database.getLastErrorString().find(dir / "config"), std::string::npos) << database.getLastErrorString();
+    EXPECT_THAT(database.getLastErrorString(), HasSubstr(dir / "config"));
 
     UseRoot(dir, "database_type:\tSdb\n");
     dir.Write("config/receivers.sdb", std::string(3000, 'x'));
     EXPECT_EQ(database.getVKDBiReceiverObject(), nullptr);
-    EXPECT_NE(database.getLastErrorString().find("receivers.sdb]: file is not a database"), std::string::npos)
-        << database.getLastErrorString();
+    EXPECT_THAT(database.getLastErrorString(), HasSubstr("receivers.sdb]: file is not a database"));
     EXPECT_TRUE(database.isErrorOccured());
     EXPECT_NE(database.getVKDBiDepartmentObject(), nullptr) << "the others are not touched by it";
     EXPECT_FALSE(database.isErrorOccured());
@@ -278,11 +265,7 @@ TEST_F(VKDatabaseServerTest, ThreadsShareNoConnectionAndEndedOnesGiveTheirsBack)
         ASSERT_NE(departments, nullptr) << database.getLastErrorString();
         EXPECT_EQ(departments->GetTotalRecordCount(), kLanes * kGenerations);
         database.PurgeAllCache(true);
-        // The first one, this thread's, and the one that asks. The server takes its time to let the others go.
-        const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-        while (Connections() != 3 && std::chrono::steady_clock::now() < giveUp)
-            std::this_thread::sleep_for(std::chrono::milliseconds(10));
-        EXPECT_EQ(Connections(), 3);
+        EXPECT_TRUE(AwaitConnections(*own, "3")) << "the first one, this thread's, and the one that asks";
         database.closeDatabase();
     }
 }

@@ -2,11 +2,11 @@
 
 #include <stdexcept>
 
+#include "DatabaseCells.h"
 #include "TempDir.h"
 #include "VKBALMessages.h"
 #include "VKDBexception.h"
 #include "VKMessageManager.h"
-#include "VKSQLite3Database.h"
 #include "VKShippedMessages.h"
 
 namespace {
@@ -78,11 +78,9 @@ TEST_F(MessageCatalogue, IsReplacedAsAWholeOrNotAtAll)
 
 TEST_F(MessageCatalogue, TellsWhyTheOldTextsCouldNotBeFlushed)
 {
-    VKSQLite3ResultSet result;
     Build("#define A 1 /* old */\n");
-    VKSQLite3Database(dir / "messages.sdb", true)
-        .ExecuteUpdateQuery("CREATE TRIGGER keep BEFORE DELETE ON messages BEGIN SELECT RAISE(ABORT, 'kept'); END;",
-                            result);
+    RunOn(dir / "messages.sdb",
+          "CREATE TRIGGER keep BEFORE DELETE ON messages BEGIN SELECT RAISE(ABORT, 'kept'); END;");
     try {
         Build("#define A 1 /* new */\n");
         FAIL() << "built";

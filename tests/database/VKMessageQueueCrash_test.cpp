@@ -8,8 +8,8 @@
 
 #include "BackendDatabase.h"
 #include "ChildProcess.h"
+#include "DatabaseCells.h"
 #include "MessageQueueStore.h"
-#include "VKODBCResultSet.h"
 
 /// Processes that share a queue, and processes that die in the middle of a change.
 
@@ -23,20 +23,6 @@ protected:
     {
         if (!OnFiles())
             system.SetCustomDatabaseInstance(system.CreateNewDatabaseInstance());
-    }
-
-    /// A server ends what a dead client began when it notices that it is gone; returns false if it never does.
-    bool AwaitEndOfOtherConnections()
-    {
-        const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-        for (VKODBCResultSet others; !OnFiles() && std::chrono::steady_clock::now() < giveUp;) {
-            server->ExecuteSelectQuery("SELECT COUNT(*) FROM pg_stat_activity WHERE backend_type='client backend' AND "
-                                       "pid<>pg_backend_pid()",
-                                       others);
-            if (others[0][0].GetValueLong() == 0)
-                return true;
-        }
-        return OnFiles();
     }
 
     /// What bodies there are, by name; on a server they are in the rows.
@@ -118,7 +104,7 @@ TEST_P(VKMessageQueueProcesses, KilledAtAnyPointLosesNothingAndLeavesNoHalf)
         int status = 0;
         waitpid(child, &status, 0);
         ASSERT_TRUE(WIFSIGNALED(status)) << "the child failed by itself";
-        ASSERT_TRUE(AwaitEndOfOtherConnections());
+        ASSERT_TRUE(OnFiles() || AwaitConnections(*server, "1")) << "a server ends what a dead client began";
 
         const auto queue = Open(1, "living");
         const auto names = Names(*queue);

@@ -11,9 +11,9 @@
 
 #include "ChildProcess.h"
 #include "CountedPauses.h"
+#include "DatabaseCells.h"
 #include "FileFaults.h"
 #include "QueueOperations.h"
-#include "VKSQLite3Database.h"
 
 using testing::HasSubstr;
 using vktest::CountedPauses;
@@ -33,6 +33,34 @@ int NoteHandle(sqlite3* handle, const char**, const sqlite3_api_routines*)
     s_newestHandle = handle;
     return SQLITE_OK;
 }
+
+/// Another process that has a file in a transaction until it is told to let go.
+class FileInUse
+{
+public:
+    explicit FileInUse(const std::string& path)
+        : m_holder([this, path] {
+              VKSQLite3Database file(path, true);
+              if (!file.StartTransactionExclusive("", false, 1, 1))
+                  return 1;
+              m_inUse.Send();
+              return m_release.Await() ? 0 : 2;
+          })
+    {
+        EXPECT_TRUE(m_inUse.Await());
+        sqlite3_busy_timeout(s_newestHandle, 0); // a minute within each attempt otherwise
+    }
+    void LetGo()
+    {
+        m_release.Send();
+        EXPECT_EQ(m_holder.Wait(), 0);
+    }
+
+private:
+    Signal m_inUse;
+    Signal m_release;
+    ChildProcess m_holder;
+};
 
 class VKMessageQueueFaults : public FaultyQueue<FileDatabase>
 {
@@ -132,28 +160,10 @@ TEST_F(VKMessageQueueFaults, EachOperationTellsWhatIsWrongLosesNothingAndWorksWh
         WriteAll(database + ".copy", whole);
         fs::rename(database + ".copy", database);
     };
-    std::unique_ptr<Signal> release;
-    std::unique_ptr<ChildProcess> holder;
+    std::optional<FileInUse> holder;
     const char* const noIntent = "intent\\] cannot be opened.: (Permission denied|No such file|Is a directory)";
     const Fault faults[] = {
-        {"locked by another process",
-         [&] {
-             sqlite3_busy_timeout(s_newestHandle, 0); // a minute within each attempt otherwise
-             release = std::make_unique<Signal>();
-             const Signal locked;
-             holder = std::make_unique<ChildProcess>([&] {
-                 VKSQLite3Database other(database, true);
-                 if (!other.StartTransactionExclusive("", false, 1, 1))
-                     return 1;
-                 locked.Send();
-                 return release->Await() ? 0 : 2;
-             });
-             ASSERT_TRUE(locked.Await());
-         },
-         [&] {
-             release->Send();
-             EXPECT_EQ(holder->Wait(), 0);
-         },
+        {"locked by another process", [&] { holder.emplace(database); }, [&] { holder->LetGo(); },
          All("Unable to start a transaction on .*queue_metabase.sdb\\]: it is in use"), {}},
         {"read-only", withoutRights(0555, 0444), withRights,
          {"cannot be (written|deleted|renamed|put aside).: Permission denied", "", "", ""},
@@ -292,22 +302,10 @@ TEST_F(VKMessageQueueFaults, AFullDatabaseKeepsWhatItHasAndGoesOnWhenThereIsRoom
 
 TEST_F(VKMessageQueueFaults, ALockIsWaitedForAsLongAsTold)
 {
-    const Signal locked;
-    const Signal release;
-    ChildProcess holder([&] {
-        VKSQLite3Database other(File("queue_metabase.sdb"), true);
-        if (!other.StartTransactionExclusive("", false, 1, 1))
-            return 1;
-        locked.Send();
-        return release.Await() ? 0 : 2;
-    });
-    ASSERT_TRUE(locked.Await());
-    sqlite3_busy_timeout(s_newestHandle, 0);
+    FileInUse holder(File("queue_metabase.sdb"));
     const CountedPauses pauses([&](long count) {
-        if (count == 3999) { // the last attempt gets it
-            release.Send();
-            EXPECT_EQ(holder.Wait(), 0);
-        }
+        if (count == 3999) // the last attempt gets it
+            holder.LetGo();
     });
     Add(*queue, "M.0.C.mxp", "c");
     EXPECT_EQ(pauses.total, 3999l * 30000);
@@ -317,13 +315,7 @@ TEST_F(VKMessageQueueFaults, ALockIsWaitedForAsLongAsTold)
 TEST_F(VKMessageQueueFaults, WhatIsWrittenInTheIntentIsUndoneOnceOrTwiceButNeverTurnsAgainstAMessage)
 {
     const std::string intent = File("queue_metabase.sdb-intent");
-    long committed = 0;
-    {
-        VKSQLite3Database file(File("queue_metabase.sdb"), true);
-        VKSQLite3ResultSet result;
-        file.ExecuteSelectQuery("PRAGMA user_version;", result);
-        committed = result[0][0].GetValueLong();
-    }
+    const long committed = std::stol(CellOf(File("queue_metabase.sdb"), "PRAGMA user_version;"));
     const std::string begun = std::to_string(committed + 1) + "\n";
     const std::string undo = "queue_metabase.sdb-undo/" + std::to_string(committed + 1) + "-0";
     const std::string lines[] = {

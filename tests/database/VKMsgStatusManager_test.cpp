@@ -2,11 +2,12 @@
 
 #include <future>
 
+#include "DatabaseCells.h"
 #include "LockingProcess.h"
+#include "RecordColumns.h"
 #include "TempDir.h"
 #include "VKConfiguration.h"
 #include "VKMsgStatusManager.h"
-#include "VKSQLite3Database.h"
 
 namespace {
 
@@ -60,13 +61,12 @@ protected:
             [&](auto& list) { return store.GetFromDB("SELECT * FROM report_msg_status ORDER BY msg_id", list); });
     }
 
-    std::string Value(const std::string& query) const
+    void Put(const std::string& job, long time, Status status, int sender = 1)
     {
-        VKSQLite3Database file(File(), true);
-        VKSQLite3ResultSet result;
-        file.SelectQueryTransaction(query, result);
-        return result.GetReturnedRowsCount() > 0 ? result[0][0].GetValueString() : "none";
+        Data data = Report(job, time, status, sender);
+        EXPECT_TRUE(store.Add(data));
     }
+    std::string Value(const std::string& query) const { return CellOf(File(), query); }
 
     TempDir dir;
     Manager store;
@@ -88,8 +88,7 @@ TEST_F(VKMsgStatusManagerTest, TheFileIsAsOtherProgramsKnowIt)
     EXPECT_EQ(written.message_id, 1u);
     Data read;
     ASSERT_TRUE(store.GetByJobID("J1", read));
-    vk::ForEachField(vk::kMsgStatusFields,
-                     [&](const auto& field) { EXPECT_EQ(field.of(read), field.of(written)) << field.name; });
+    EXPECT_EQ(AllColumns(vk::kMsgStatusFields, read), AllColumns(vk::kMsgStatusFields, written));
     written.comments = "new";
     ASSERT_TRUE(store.Update(written));
     ASSERT_TRUE(store.GetByJobID("J1", read));
@@ -98,13 +97,8 @@ TEST_F(VKMsgStatusManagerTest, TheFileIsAsOtherProgramsKnowIt)
 
 TEST_F(VKMsgStatusManagerTest, ASecondStartKeepsWhatIsThereAndMakesNoIndex)
 {
-    Data data = Report("J", 1, Status::MsgStatusNew);
-    ASSERT_TRUE(store.Add(data));
-    {
-        VKSQLite3Database file(File(), true);
-        VKSQLite3ResultSet result;
-        file.ExecuteUpdateQuery("DROP INDEX ix_job_id;", result);
-    }
+    Put("J", 1, Status::MsgStatusNew);
+    RunOn(File(), "DROP INDEX ix_job_id;");
     Manager second;
     ASSERT_TRUE(second.Initialize());
     Status status = Status::MsgStatusNone;
@@ -181,41 +175,35 @@ TEST_F(VKMsgStatusManagerTest, AListIsStoredInOrderAndWholeOrNotAtAll)
 
 TEST_F(VKMsgStatusManagerTest, RowsAreFoundBySenderStatusAndJobs)
 {
-    for (const auto& [job, status, sender] :
-         {std::tuple("A", Status::MsgStatusNew, 1), std::tuple("B", Status::MsgStatusRead, 1),
-          std::tuple("C", Status::MsgStatusNew, 2)}) {
-        Data data = Report(job, 1, status, sender);
-        ASSERT_TRUE(store.Add(data));
-    }
+    Put("A", 1, Status::MsgStatusNew, 1);
+    Put("B", 1, Status::MsgStatusRead, 1);
+    Put("C", 1, Status::MsgStatusNew, 2);
     const std::vector<std::string> jobs = {"A", "B"};
     const std::vector<std::string> noJobs;
     const std::vector<std::string> quoted = {"A') OR ('1'='1"};
-    const struct
-    {
-        int sender;
-        int status;
-        const std::vector<std::string>* jobs;
-        const char* got;
-        const char* whateverStatus;
-    } cases[] = {{0, 0, nullptr, "A1 B3 C1 ", "A1 B3 C1 "},
-                 {1, 0, nullptr, "A1 B3 ", "A1 B3 "},
-                 {-1, 1, nullptr, "A1 C1 ", "A1 B3 C1 "},
-                 {1, 1, nullptr, "A1 ", "A1 B3 "},
-                 {0, 0, &jobs, "A1 B3 ", "A1 B3 "},
-                 {2, 0, &jobs, "", ""},
-                 {0, 3, &jobs, "B3 ", "A1 B3 "},
-                 {1, 1, &jobs, "A1 ", "A1 B3 "},
-                 {0, 0, &noJobs, "failed", "A1 B3 C1 "},
-                 {1, 0, &noJobs, "A1 B3 ", "A1 B3 "},
-                 {0, 1, &noJobs, "A1 C1 ", "A1 B3 C1 "},
-                 {0, 0, &quoted, "failed", "failed"}};
-    for (const auto& row : cases) {
-        SCOPED_TRACE(testing::Message() << row.sender << " " << row.status);
-        EXPECT_EQ(
-            Found([&](auto& list) { return store.Get(list, row.sender, static_cast<Status>(row.status), row.jobs); }),
-            row.got);
-        EXPECT_EQ(Found([&](auto& list) { return store.GetConfNRejectedMsgs(list, row.sender, row.jobs); }),
-                  row.whateverStatus);
+    const std::tuple<int, int, const std::vector<std::string>*, const char*, const char*> cases[] = {
+        {0, 0, nullptr, "A1 B3 C1 ", "A1 B3 C1 "},
+        {1, 0, nullptr, "A1 B3 ", "A1 B3 "},
+        {-1, 1, nullptr, "A1 C1 ", "A1 B3 C1 "},
+        {1, 1, nullptr, "A1 ", "A1 B3 "},
+        {0, 0, &jobs, "A1 B3 ", "A1 B3 "},
+        {2, 0, &jobs, "", ""},
+        {0, 3, &jobs, "B3 ", "A1 B3 "},
+        {1, 1, &jobs, "A1 ", "A1 B3 "},
+        {0, 0, &noJobs, "failed", "A1 B3 C1 "},
+        {1, 0, &noJobs, "A1 B3 ", "A1 B3 "},
+        {0, 1, &noJobs, "A1 C1 ", "A1 B3 C1 "},
+        {0, 0, &quoted, "failed", "failed"}};
+    for (const auto& [sender, status, ofJobs, got, whateverStatus] : cases) {
+        SCOPED_TRACE(testing::Message() << sender << " " << status);
+        const auto get = [&, sender = sender, wanted = static_cast<Status>(status), only = ofJobs](auto& list) {
+            return store.Get(list, sender, wanted, only);
+        };
+        const auto getAll = [&, sender = sender, only = ofJobs](auto& list) {
+            return store.GetConfNRejectedMsgs(list, sender, only);
+        };
+        EXPECT_EQ(Found(get), got);
+        EXPECT_EQ(Found(getAll), whateverStatus);
     }
     std::vector<Data> list(1);
     EXPECT_TRUE(store.GetFromDB("SELECT * FROM report_msg_status WHERE sender_id=2", list));
@@ -226,11 +214,8 @@ TEST_F(VKMsgStatusManagerTest, RowsAreFoundBySenderStatusAndJobs)
 
 TEST_F(VKMsgStatusManagerTest, RowsGoByJobAndByAge)
 {
-    for (const auto& [job, time] :
-         {std::pair("A", 10L), std::pair("A", 20L), std::pair("B", 30L), std::pair("C", 40L)}) {
-        Data data = Report(job, time, Status::MsgStatusNew);
-        ASSERT_TRUE(store.Add(data));
-    }
+    for (const auto& [job, time] : {std::pair("A", 10L), {"A", 20L}, {"B", 30L}, {"C", 40L}})
+        Put(job, time, Status::MsgStatusNew);
     EXPECT_FALSE(store.Delete("x' OR '1'='1"));
     EXPECT_TRUE(store.Delete("A"));
     EXPECT_EQ(All(), "B1 C1 ");

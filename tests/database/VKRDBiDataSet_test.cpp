@@ -58,19 +58,14 @@ template <class Value> void ExpectNumber(const char* text, bool fits, Value expe
 
 TEST_P(DataSetTest, ATableHasItsNamesAndItsPartOfTheRows)
 {
-    const struct
-    {
-        int first;
-        int count;
-        const char* text;
-    } rows[] = {{0, 0, "num,nothing|1,NULL|2,NULL|3,NULL|4,NULL|5,NULL"},
-                {-1, -1, "num,nothing|1,NULL|2,NULL|3,NULL|4,NULL|5,NULL"},
-                {1, 2, "num,nothing|2,NULL|3,NULL"},
-                {4, 9, "num,nothing|5,NULL"},
-                {5, 1, "num,nothing"}};
-    for (const auto& row : rows) {
-        EXPECT_TRUE(server->ExecuteQuerySet(kNumbers, table, row.first, row.count));
-        EXPECT_EQ(Taken(), row.text) << row.first << " " << row.count;
+    const std::tuple<int, int, const char*> rows[] = {{0, 0, "num,nothing|1,NULL|2,NULL|3,NULL|4,NULL|5,NULL"},
+                                                      {-1, -1, "num,nothing|1,NULL|2,NULL|3,NULL|4,NULL|5,NULL"},
+                                                      {1, 2, "num,nothing|2,NULL|3,NULL"},
+                                                      {4, 9, "num,nothing|5,NULL"},
+                                                      {5, 1, "num,nothing"}};
+    for (const auto& [first, count, text] : rows) {
+        EXPECT_TRUE(server->ExecuteQuerySet(kNumbers, table, first, count));
+        EXPECT_EQ(Taken(), text) << first << " " << count;
     }
     EXPECT_TRUE(server->ExecuteQuery("SELECT 1 AS a WHERE FALSE", table));
     EXPECT_EQ(Taken(), "a") << "names without rows";
@@ -169,24 +164,20 @@ TEST(VKRDBConvert, CellsBecomeValuesOrSayThatTheyDoNot)
 
 TEST(VKOracleCall, CursorParametersAreTakenOutOfCallsOnly)
 {
-    const struct
-    {
-        const char* text;
-        const char* rewritten;
-        const char* cursor;
-    } rows[] = {{"{call list_all(vk_cursor)}", "{call list_all()}", "vk_cursor"},
-                {"{ CALL p(1, :vk_cursor1, 'x', vk_cursor2)}", "{ CALL p(1, 'x')}", "vk_cursor1"},
-                {"BEGIN p(:vk_cursor, f(1, 2)); END;", "BEGIN p( f(1, 2)); END;", "vk_cursor"},
-                {"call p('vk_cursor', ', vk_cursor', 'it''s (', vk_cursor)",
-                 "call p('vk_cursor', ', vk_cursor', 'it''s (')", "vk_cursor"},
-                {"call p(vk_cursor3, f(vk_cursor))", "call p(vk_cursor3, f(vk_cursor))", ""},
-                {"SELECT f(vk_cursor)", "SELECT f(vk_cursor)", ""},
-                {"call p('open, vk_cursor)", "call p('open, vk_cursor)", ""},
-                {"", "", ""}};
-    for (const auto& row : rows) {
-        const vk::OracleCall call = vk::WithoutCursorParameters(row.text);
-        EXPECT_EQ(call.text, row.rewritten);
-        EXPECT_EQ(call.cursor, row.cursor) << row.text;
+    const std::tuple<const char*, const char*, const char*> rows[] = {
+        {"{call list_all(vk_cursor)}", "{call list_all()}", "vk_cursor"},
+        {"{ CALL p(1, :vk_cursor1, 'x', vk_cursor2)}", "{ CALL p(1, 'x')}", "vk_cursor1"},
+        {"BEGIN p(:vk_cursor, f(1, 2)); END;", "BEGIN p( f(1, 2)); END;", "vk_cursor"},
+        {"call p('vk_cursor', ', vk_cursor', 'it''s (', vk_cursor)", "call p('vk_cursor', ', vk_cursor', 'it''s (')",
+         "vk_cursor"},
+        {"call p(vk_cursor3, f(vk_cursor))", "call p(vk_cursor3, f(vk_cursor))", ""},
+        {"SELECT f(vk_cursor)", "SELECT f(vk_cursor)", ""},
+        {"call p('open, vk_cursor)", "call p('open, vk_cursor)", ""},
+        {"", "", ""}};
+    for (const auto& [text, rewritten, cursor] : rows) {
+        const vk::OracleCall call = vk::WithoutCursorParameters(text);
+        EXPECT_EQ(call.text, rewritten);
+        EXPECT_EQ(call.cursor, cursor) << text;
     }
 }
 
@@ -212,8 +203,13 @@ TEST(DriverOutput, TheLastHolderGivesTheOutputBack)
     EXPECT_EQ(dir.Read("datadirect.logs"), "from a driver\n");
 }
 
-TEST(VKRDBiDatabase, TheBareOneGivesNoTables)
+TEST(VKRDBiDatabase, TheOneWithoutAServerDoesNothing)
 {
+    const std::unique_ptr<VKRDBiDatabase> made(VKRDBiDatabase::GetInstance(1, nullptr));
+    EXPECT_FALSE(made->Open("a", "b", "c", true, true));
+    EXPECT_FALSE(made->IsOpen());
+    EXPECT_FALSE(made->TestNReconnect());
+    EXPECT_FALSE(made->ExecuteCommand("SELECT 1"));
     VKRDBiDatabase none;
     VKRDBiDataSet unused;
     bool more = true;

@@ -73,9 +73,7 @@ TEST_P(VKReceiverAllTest, AllValuesOfAReceiverAreReplacedAtOnce)
     vk::SetText(floor.name, "Floor", "name");
     ASSERT_TRUE(receivers->AddAttribute(&floor));
     const auto put = [](AttributeValues& values, unsigned long attribute, const char* text) {
-        VK_RECEIVER_ATTRIBUTE value;
-        value.attribute_id = attribute;
-        vk::SetText(value.attribute_values, text, "attribute_values");
+        const VK_RECEIVER_ATTRIBUTE value = AttributeValue(0, attribute, text);
         AddReceiverAttribute(&values, &value);
     };
     AttributeValues values;

@@ -221,10 +221,7 @@ TEST_P(VKReceiverListsTest, AttributesAreNamedOnceAndFoundByAllTheirValues)
     const unsigned long ann = Store("ann");
     const unsigned long bob = Store("bob");
     const auto give = [&](unsigned long receiver, unsigned long attribute, const char* text) {
-        VK_RECEIVER_ATTRIBUTE value;
-        value.receiver_id = receiver;
-        value.attribute_id = attribute;
-        vk::SetText(value.attribute_values, text, "attribute_values");
+        VK_RECEIVER_ATTRIBUTE value = AttributeValue(receiver, attribute, text);
         return ErrorOf([&] { receivers->AddReceiverAttribute(&value); });
     };
     EXPECT_EQ(give(ann, floor, "3"), "");

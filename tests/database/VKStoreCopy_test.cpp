@@ -1,13 +1,8 @@
 #include <gmock/gmock.h>
 
-#include "BackendDatabase.h"
-#include "VKCarrier.h"
-#include "VKDBiCarrier.h"
+#include "DatabaseCells.h"
+#include "ReceiverDatabase.h"
 #include "VKDBiXmppGWUser.h"
-#include "VKODBCResultSet.h"
-#include "VKRecordText.h"
-#include "VKSQLite3Database.h"
-#include "VKSQLite3Receiver.h"
 #include "VKStoreCopy.h"
 #include "VKTransactSqlDialect.h"
 
@@ -30,51 +25,37 @@ protected:
         otherFiles.configDirectory = other.Path().string();
     }
 
-    void Fill(int receivers)
+    void Fill(int count)
     {
         VK_DEPARTMENT department;
-        vk::SetText(department.name, "Fire", "name");
-        vk::SetText(department.description, "\xF0\x9F\x9A\x92 O'Brien", "description");
-        const std::unique_ptr<VKDBiDepartment> departments(VKDBiDepartment::CreateInstance(&system));
-        departments->Add(&department);
-        const std::unique_ptr<VKDBiReceiver> store(VKDBiReceiver::CreateInstance(&system));
-        VK_RECEIVER_LIST list;
-        for (int i = 0; i < receivers; ++i) {
-            VK_RECEIVER receiver;
-            vk::SetText(receiver.name, "r" + std::to_string(i), "name");
-            vk::SetText(receiver.pin, "p\\%'" + std::to_string(i), "pin");
-            receiver.department_id = i % 2 == 0 ? department.id : 0;
+        SetColumns(vk::kDepartmentTable.fields, department,
+                   {{"name", "Fire"}, {"description", "\xF0\x9F\x9A\x92 O'Brien"}});
+        std::unique_ptr<VKDBiDepartment>(VKDBiDepartment::CreateInstance(&system))->Add(&department);
+        Receivers list;
+        for (int i = 0; i < count; ++i) {
+            const std::string number = std::to_string(i);
+            Receiver receiver("r" + number, "p\\%'" + number, {{"department_id", i % 2 == 0 ? department.id : 0}});
             if (i == 0)
                 AddDeptRights(&receiver, department.id);
             AddReceiver(&list, &receiver);
-            EmptyReceiver(&receiver);
         }
         std::vector<VKRefusedRecord> refused;
+        const std::unique_ptr<VKDBiReceiver> store(VKDBiReceiver::CreateInstance(&system));
         EXPECT_TRUE(store->AddAll(&list, false, refused));
-        EmptyReceiverList(&list);
         std::unique_ptr<VKDBiXmppGWUser>(VKDBiXmppGWUser::CreateInstance(&system));
     }
 
-    /// "added+present" of each table that has any.
-    static std::string Counts(const std::vector<vk::CopiedTable>& tables)
+    /// Copies, and gives back "added+present" of each table that has any.
+    static std::string Copy(const vk::StorePlace& from, const vk::StorePlace& to)
     {
         std::string text;
-        for (const vk::CopiedTable& table : tables)
+        for (const vk::CopiedTable& table : vk::CopyStores(from, to, nullptr))
             if (table.added + table.present > 0)
                 text += std::string(table.table) + ":" + std::to_string(table.added) + "+" +
                         std::to_string(table.present) + " ";
         return text;
     }
-    std::string Copy(const vk::StorePlace& from, const vk::StorePlace& to)
-    {
-        return Counts(vk::CopyStores(from, to, nullptr));
-    }
-    std::string OnServer(const std::string& query)
-    {
-        VKODBCResultSet result;
-        server->ExecuteSelectQuery(query, result);
-        return result[0][0].GetValueString();
-    }
+    std::string OnServer(const std::string& query) { return CellOf(*server, query); }
 
     std::unique_ptr<VKRDBiDatabase> server{VKRDBiDatabase::GetInstance(0, nullptr)};
     TempDir other;
@@ -131,13 +112,9 @@ TEST_F(StoreCopyTest, WhatAnOlderVersionMadeIsBroughtUpToDateOnTheWay)
     std::string columns = VKSQLite3Receiver::tTableDesc[0].columns;
     for (const std::string newer : {", advanced_messaging BOOLEAN, msg_encrypt_opt INTEGER", ", is_secure BOOLEAN"})
         columns.erase(columns.find(newer), newer.size()); // misc_settings stays, so the order changes
-    {
-        VKSQLite3Database old(dir / "receivers.sdb", {{"receiver", columns}}, false);
-        VKSQLite3ResultSet result;
-        old.ExecuteUpdateQuery("INSERT INTO receiver VALUES (9, 'old', '', '1', '', 0, 0, 0, 1, 0, 0, '', 0, 0, 0, 0, 0, "
-                               "0, 0, 1, '', '', '', 0, 0, 0, 0, '', '', 0, '', '', '', 0, 0, 0, '{}');",
-                               result);
-    }
+    VKSQLite3Database(dir / "receivers.sdb", {{"receiver", columns}}, false);
+    RunOn(dir / "receivers.sdb", "INSERT INTO receiver VALUES (9, 'old', '', '1', '', 0, 0, 0, 1, 0, 0, '', 0, 0, 0, "
+                                 "0, 0, 0, 0, 1, '', '', '', 0, 0, 0, 0, '', '', 0, '', '', '', 0, 0, 0, '{}');");
     EXPECT_EQ(Copy(files, onServer), "carrier:1+0 receiver:1+0 ");
     EXPECT_EQ(OnServer("SELECT misc_settings || advanced_messaging || msg_encrypt_opt || is_secure FROM VK_RECEIVER"),
               "{}001")
