@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <list>
 #include <memory>
 #include <string>
 #include <vector>
@@ -200,12 +201,11 @@ TEST_F(LogConfig, ProcessesThatRepairAtOnceLoseNoEntry)
     for (int round = 0; round < 10; ++round) {
         std::filesystem::remove(m_root / "config/vklogs.ini");
         {
-            std::vector<std::unique_ptr<ChildProcess>> children;
+            std::list<ChildProcess> children;
             for (const char* name : {"a", "b", "c"})
-                children.push_back(std::make_unique<ChildProcess>(
-                    [&, name] { return Log::checkAndRepairConfigFile(name, Dir(), "") ? 0 : 1; }));
-            for (const auto& child : children)
-                EXPECT_EQ(child->Wait(), 0);
+                children.emplace_back([&, name] { return Log::checkAndRepairConfigFile(name, Dir(), "") ? 0 : 1; });
+            for (ChildProcess& child : children)
+                EXPECT_EQ(child.Wait(), 0);
         }
         for (const char* name : {"a", "b", "c"}) {
             VKsysEventLogSingleThreaded log;

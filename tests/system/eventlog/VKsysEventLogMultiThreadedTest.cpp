@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
-#include <condition_variable>
+#include <future>
 #include <memory>
 #include <string>
 #include <thread>
@@ -53,13 +53,8 @@ TEST_F(MultiThreadedLog, WritesWhatManyThreadsQueueEachInItsOrder)
 
 TEST_F(MultiThreadedLog, StopWritesWhatIsQueuedAndDropsWhatComesLater)
 {
-    std::mutex mutex;
-    std::condition_variable changed;
-    bool open = false;
-    m_store.before = [&] {
-        std::unique_lock<std::mutex> lock(mutex);
-        changed.wait(lock, [&] { return open; });
-    };
+    std::promise<void> open;
+    m_store.before = [gate = open.get_future().share()] { gate.wait(); };
     EXPECT_FALSE(Info("before the start"));
     ASSERT_TRUE(m_log->Start());
     for (int i = 0; i < 50; ++i)
@@ -71,11 +66,7 @@ TEST_F(MultiThreadedLog, StopWritesWhatIsQueuedAndDropsWhatComesLater)
         ++taken;
         std::this_thread::yield();
     }
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        open = true;
-    }
-    changed.notify_all();
+    open.set_value();
     stopper.join();
     EXPECT_FALSE(Info("after the stop"));
     EXPECT_FALSE(m_log->IsAlive());
