@@ -6,13 +6,19 @@
 #include "VKDBexception.h"
 #include "VKDBiMessageQueue.h"
 #include "VKDatabase.h"
+#include "VKJson.h"
 #include "VKMessageName.h"
+#include "VKMsgQueueFileOperations.h"
+#include "VKRecordText.h"
 
 #include <ctime>
+#include <filesystem>
 #include <fstream>
 #include <limits>
+#include <map>
 #include <memory>
 #include <sstream>
+#include <sys/stat.h>
 
 namespace vk {
 
@@ -60,12 +66,60 @@ std::string ReadBody(const std::string& path)
     if (!in || !(text << in.rdbuf()))
         throw InputError(path + ": cannot be read, or is empty");
     Json::Value json;
-    Json::CharReaderBuilder builder;
-    std::string error;
-    std::istringstream body(text.str());
-    if (!Json::parseFromStream(builder, body, &json, &error) || !json.isObject())
+    if (!ParseJsonObject(text.str(), json))
         throw InputError(path + ": is no JSON object");
     return text.str();
+}
+
+/// What a message's row takes from its body when there is nothing else to take it from. A body that is no JSON object, or
+/// has a text that is too long, gives nothing.
+void FillFromBody(VK_MESSAGE_HEADER& header, const VK_MESSAGE_CONTENT& content)
+{
+    Json::Value body;
+    ParseJsonObject({content.body ? content.body : "", content.length}, body);
+    const auto take = [&](auto& member, const char* key) {
+        const std::string value = JsonText(body, key);
+        if (value.size() < sizeof member && value.find('\0') == std::string::npos)
+            SetText(member, value, key);
+    };
+    take(header.pin, "receiver_pin");
+    take(header.carrier_name, "carrier_name");
+    take(header.sender_name, "sender");
+}
+
+/// The message files of a queue that have no row, oldest first.
+std::vector<std::filesystem::directory_entry> FilesWithoutRow(VKDBiMessageQueue& queue)
+{
+    namespace fs = std::filesystem;
+    std::multimap<fs::file_time_type, fs::directory_entry> byAge;
+    for (const fs::directory_entry& entry : fs::directory_iterator(queue.GetQueueName())) {
+        const std::string name = entry.path().filename();
+        if (entry.is_regular_file() && IsMessageName(name) && HasStatusLetter(name) && queue.IsUniqueName(name))
+            byAge.emplace(entry.last_write_time(), entry);
+    }
+    std::vector<fs::directory_entry> files;
+    for (const auto& one : byAge)
+        files.push_back(one.second);
+    return files;
+}
+
+/// Adds the message that a file holds. What was being sent is nobody's now: it is sent again, or asked about again.
+void Recover(VKDBiMessageQueue& queue, const std::filesystem::directory_entry& file)
+{
+    const std::string name = file.path().filename();
+    Message message;
+    struct stat facts{};
+    if (stat(file.path().c_str(), &facts) != 0 ||
+        !VKMsgQueueFileOperations(0, queue.GetQueueName()).LoadMsgFileContent(name, &message.content))
+        throw VKDBexception(DbError::General, __FILE__, __LINE__, "the file cannot be read");
+    VK_MESSAGE_HEADER& header = message.content.header;
+    SetText(header.msg_name, name, "msg_name");
+    header.create_time = facts.st_mtime;
+    FillFromBody(header, message.content);
+    queue.Add(&message.content);
+    const std::string letter = MessageName::Parse(name).queryCount > 0 ? "Q." : "M.";
+    if (name[0] == 'R' && queue.IsUniqueName(letter + name.substr(2)))
+        queue.Morph(name, letter, false, 0);
 }
 
 std::string NewName(const Arguments& arguments)
@@ -152,6 +206,30 @@ int UnlockQueue(const Arguments& arguments)
     }
     PrintDone(sentence, {{"services", names}}, arguments.Has("--json"));
     return kExitOk;
+}
+
+int RecoverQueue(const Arguments& arguments)
+{
+    VKDBiMessageQueue& queue = Queue(arguments);
+    if (!std::filesystem::is_directory(queue.GetQueueName()))
+        return Refused("the messages of this queue are rows of a server and have no files: restore the server's backup");
+    const bool dry = arguments.Has("--dry-run");
+    Json::Value names(Json::arrayValue);
+    std::string refused;
+    for (const std::filesystem::directory_entry& file : FilesWithoutRow(queue)) {
+        try {
+            if (!dry)
+                Recover(queue, file);
+            names.append(file.path().filename().string());
+        } catch (const VKDBexception& error) { // the others are not to wait for it
+            refused += (refused.empty() ? "" : "; ") + file.path().string() + ": " + error.GetMsg();
+        }
+    }
+    std::string sentence = std::to_string(names.size()) + (dry ? " would be recovered" : " recovered");
+    for (const Json::Value& name : names)
+        sentence += "\n" + name.asString();
+    PrintDone(sentence, {{"recovered", names}}, arguments.Has("--json"));
+    return refused.empty() ? kExitOk : Refused(refused);
 }
 
 int CleanQueue(const Arguments& arguments)

@@ -75,6 +75,7 @@ constexpr vk::Option kQueueAdd[] = {
 };
 constexpr vk::Option kQueueUnlock[] = {
     kQueue, {"--service", "NAME", "All that this service holds; it must not be running."}};
+constexpr vk::Option kQueueRecover[] = {kQueue, {"--dry-run", nullptr, "Only tell which they are."}};
 constexpr vk::Option kQueueClean[] = {
     kQueue,
     {"--days", "N", "Delete what has not changed for so many days."},
@@ -226,6 +227,8 @@ constexpr vk::Command kCommands[] = {
     {"queue add", "Adds a message and prints its id.", kQueueAdd, &vk::AddToQueue},
     {"queue unlock", "Gives back what services have held too long, or all that one holds.", kQueueUnlock,
      &vk::UnlockQueue},
+    {"queue recover", "Takes up the message files that have no row, when a queue's database was lost. No service may be "
+                      "using the queue.", kQueueRecover, &vk::RecoverQueue},
     {"queue clean", "Deletes old messages in the statuses M, Q and R.", kQueueClean, &vk::CleanQueue},
     {"department list", "Lists all departments by name.", {}, &Departments::List},
     {"gateway-user list", "Lists the accounts of the XMPP gateway.", kGatewayUserList, &vk::ListGatewayUsers},

@@ -66,4 +66,41 @@ TEST_P(QueueVerbs, WhatAServiceHeldIsGivenBack)
     EXPECT_EQ(List(1)[0]["msg_name"].asString(), "M.0.J1.mxp");
 }
 
+TEST_P(QueueVerbs, MessageFilesOutliveTheirDatabase)
+{
+    if (installation.OnServer()) {
+        ExpectOneLine(Queue("recover", 1), 1, "rows of a server");
+        return;
+    }
+    installation.Add(1, "J1", R"({"receiver_pin":"a@t","sender":"a\u0000b"})");
+    installation.Add(1, "J2", "no JSON");
+    installation.Add(1, "J3", "{}");
+    ASSERT_TRUE(installation.Queue(1).Rename("M.0.J2.mxp", "R.2.J2.mxp"));
+    ASSERT_TRUE(installation.Queue(1).Rename("M.0.J3.mxp", "R.0.J3.mxp"));
+    EXPECT_EQ(Queue("recover", 1).out, "{\"recovered\":[]}\n");
+
+    const std::filesystem::path spool = std::filesystem::path(installation.Root()) / "spool";
+    for (const char* behind : {"", "-wal", "-shm", "-intent"})
+        std::filesystem::remove(spool / (std::string("queue_metabase.sdb") + behind));
+    const auto made = std::filesystem::file_time_type::clock::now() - std::chrono::hours(1);
+    for (const char* name : {"M.0.J1.mxp", "R.2.J2.mxp", "R.0.J3.mxp"})
+        std::filesystem::last_write_time(spool / name, made);
+    EXPECT_EQ(List(1).size(), 0U);
+    EXPECT_THAT(Queue("recover", 1, {"--dry-run"}).out, HasSubstr("R.2.J2.mxp"));
+    EXPECT_EQ(List(1).size(), 0U);
+    const std::string longJob = "M.0." + std::string(65, 'j') + ".mxp";
+    std::ofstream(spool / longJob) << "{}";
+    const ProgramRun recovered = Queue("recover", 1);
+    EXPECT_EQ(recovered.exitCode, 1);
+    EXPECT_THAT(recovered.err, testing::AllOf(HasSubstr(longJob), HasSubstr("msg_job_id")));
+    std::filesystem::remove(spool / longJob);
+    std::map<std::string, std::string> pins;
+    for (const Json::Value& row : List(1)) {
+        pins[row["msg_name"].asString()] = row["pin"].asString();
+        EXPECT_NEAR(std::stol(row["create_time"].asString()), std::time(nullptr) - 3600, 60);
+    }
+    EXPECT_EQ(pins, (std::map<std::string, std::string>{{"M.0.J1.mxp", "a@t"}, {"M.0.J3.mxp", ""}, {"Q.2.J2.mxp", ""}}));
+    EXPECT_TRUE(installation.IsWhole(1));
+}
+
 } // namespace
