@@ -10,6 +10,7 @@
 
 #include <array>
 #include <atomic>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -21,7 +22,7 @@
 /// pointer test. Records belong to this object, which is never deleted.
 ///
 /// Threads share the kept records, and a forced read rewrites them in place: force a read only at set-up, from one
-/// thread. Nothing is thrown or logged, for this class runs before any logger exists: what cannot be read is null,
+/// thread. The two gateway files are an exception, see below. Nothing is thrown or logged, for this class runs before any logger exists: what cannot be read is null,
 /// empty or the defaults. Files are locked, shared to read and exclusive to write.
 ///
 /// The installation stands at the fixed path, or where the environment variable VKMXP_ROOT, an absolute path, says when
@@ -99,6 +100,8 @@ public:
 
     /// Null when the file cannot be read or lacks a required element: getGatewaySettingsError tells which. The record
     /// that was kept before is gone then; a later call tries again.
+    ///
+    /// Threads: any. A reload gives a new record and leaves the old one as it is to those who have it.
     VKXMPPGatewaySettings* getXMPPGatewaySettings(bool reload);
     VKMXPManagerSettings* getMXPManagerSettings(bool reload);
     /// The kept record; null when there is none.
@@ -150,7 +153,7 @@ private:
         void operator()(void* memory) const;
     };
 
-    /// A record that is read once and rewritten in place by forced reads. Its address stays.
+    /// A record that is read once. Forced reads rewrite it in place, at the same address, or put another in its place.
     template <class Record> class Kept
     {
     public:
@@ -171,8 +174,21 @@ private:
         }
         void Drop() { delete m_record.exchange(nullptr); }
 
+        /// Puts a new record, or none, in the place of the kept one, which stays valid and as it is for those who still use
+        /// it, until kRetired others have followed it. Callers take turns.
+        Record* Replace(std::unique_ptr<Record> fresh)
+        {
+            if (Record* const old = m_record.exchange(fresh.release(), std::memory_order_acq_rel))
+                m_retired.emplace_back(old);
+            if (m_retired.size() > kRetired)
+                m_retired.pop_front();
+            return Get();
+        }
+
     private:
+        static constexpr std::size_t kRetired = 256;
         std::atomic<Record*> m_record{nullptr};
+        std::deque<std::unique_ptr<Record>> m_retired; ///< the oldest first
     };
 
     VKConfiguration() = default;

@@ -76,9 +76,8 @@ VKXMPPGatewaySettings* VKConfiguration::ReadXMPPGateway(bool reload)
     const std::string path = ConfPath(kXMPPGatewayFile);
     VKXMPPGatewaySettings fresh;
     if (Try(path, m_strGatewayError, [&] { ReadRecord(path, vk::settings::kXMPPGatewayFields, fresh); }))
-        return m_xmppGateway.Keep(fresh);
-    m_xmppGateway.Drop();
-    return nullptr;
+        return m_xmppGateway.Replace(std::make_unique<VKXMPPGatewaySettings>(fresh));
+    return m_xmppGateway.Replace(nullptr);
 }
 
 VKMXPManagerSettings* VKConfiguration::getMXPManagerSettings(bool reload)
@@ -98,10 +97,9 @@ VKMXPManagerSettings* VKConfiguration::ReadMXPManager(bool reload)
     if (Try(path, m_strGatewayError, [&] { ReadRecord(path, vk::settings::kMXPManagerFields, fresh); })) {
         const std::string policy = fresh.m_strGeneralPolicy;
         ConvertJSONToGeneralPolicyData(policy, &fresh);
-        return m_mxpManager.Keep(fresh);
+        return m_mxpManager.Replace(std::make_unique<VKMXPManagerSettings>(fresh));
     }
-    m_mxpManager.Drop();
-    return nullptr;
+    return m_mxpManager.Replace(nullptr);
 }
 
 bool VKConfiguration::setXMPPGatewaySettings(VKXMPPGatewaySettings* settings)
@@ -110,7 +108,7 @@ bool VKConfiguration::setXMPPGatewaySettings(VKXMPPGatewaySettings* settings)
     const std::string path = ConfPath(kXMPPGatewayFile);
     if (!Try(path, m_strGatewayError, [&] { WriteRecord(path, vk::settings::kXMPPGatewayFields, *settings); }))
         return false;
-    m_xmppGateway.Keep(*settings);
+    m_xmppGateway.Replace(std::make_unique<VKXMPPGatewaySettings>(*settings));
     return true;
 }
 
@@ -121,7 +119,7 @@ bool VKConfiguration::setMXPManagerSettings(VKMXPManagerSettings* settings)
     settings->m_strGeneralPolicy = ConvertGeneralPolicyToJSON(settings);
     if (!Try(path, m_strGatewayError, [&] { WriteRecord(path, vk::settings::kMXPManagerFields, *settings); }))
         return false;
-    m_mxpManager.Keep(*settings);
+    m_mxpManager.Replace(std::make_unique<VKMXPManagerSettings>(*settings));
     return true;
 }
 

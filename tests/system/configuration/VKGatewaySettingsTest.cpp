@@ -3,6 +3,7 @@
 
 #include <fstream>
 #include <gmock/gmock.h>
+#include <thread>
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -171,6 +172,33 @@ TEST_F(GatewaySettingsTest, EveryValueComesBackFromANewFile)
     ExpectAllBack<VKXMPPGatewaySettings>(vk::settings::kXMPPGatewayFields, &Class::setXMPPGatewaySettings,
                                          &Class::getXMPPGatewaySettings);
     EXPECT_THAT(root.Read("config/xmppgateway_config.xml"), HasSubstr("<greetings-msg enable=\"true\">text"));
+}
+
+TEST_F(GatewaySettingsTest, WhoReadsAfreshDisturbsNobody)
+{
+    const VKMXPManagerSettings* const held = Read(kRequired);
+    std::atomic<bool> done{false};
+    std::atomic<int> seen{0};
+    std::vector<std::thread> readers;
+    for (int i = 0; i < 2; ++i)
+        readers.emplace_back([&] {
+            while (!done)
+                if (const VKMXPManagerSettings* const now = configuration.getMXPManagerSettings(false))
+                    seen += now->m_strHost == "h" && now->m_vecAllowedMxpUsersFrom.size() == 1 ? 1 : -1000000;
+        });
+    std::vector<std::thread> writers;
+    for (int i = 0; i < 2; ++i)
+        writers.emplace_back([&] {
+            for (int read = 0; read < 50; ++read)
+                EXPECT_NE(configuration.getMXPManagerSettings(true), held);
+        });
+    for (std::thread& writer : writers)
+        writer.join();
+    done = true;
+    for (std::thread& reader : readers)
+        reader.join();
+    EXPECT_GT(seen, 0);
+    EXPECT_EQ(held->m_strHost, "h") << "as long as it is held";
 }
 
 TEST_F(GatewaySettingsTest, TheManualsExampleIsGood)
