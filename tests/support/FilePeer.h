@@ -206,13 +206,20 @@ private:
             if (stream->type() == gloox::Bytestream::S5B)
                 m_listener.Release(dynamic_cast<gloox::SOCKS5Bytestream&>(*stream).connectionImpl());
             if (stream->connect() && stream->type() == gloox::Bytestream::S5B)
-                m_opened.push_back(stream);
+                Opened(stream);
         }
         /// An in-band stream takes data only when this has returned.
         void handleBytestreamOpen(gloox::Bytestream* stream) override
         {
             if (stream->type() == gloox::Bytestream::IBB)
+                Opened(stream);
+        }
+        void Opened(gloox::Bytestream* stream)
+        {
+            if (m_peer.m_manner != Manner::Silent)
                 m_opened.push_back(stream);
+            else
+                m_ended.insert(stream); // it stays open, and nothing comes
         }
         void SendOpened()
         {

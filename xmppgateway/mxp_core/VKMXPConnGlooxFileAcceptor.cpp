@@ -18,7 +18,8 @@ constexpr int kMostOfOneName = 1000;
 } // namespace
 
 VKMXPConnGlooxImpl::VKMXPConnGlooxFileAcceptor::VKMXPConnGlooxFileAcceptor(VKMXPConnGlooxImpl& connection)
-    : vk::FileReceiver(*connection.m_pobjClient, gloox::SIProfileFT::FTTypeS5B | gloox::SIProfileFT::FTTypeIBB),
+    : vk::FileReceiver(*connection.m_pobjClient, gloox::SIProfileFT::FTTypeS5B | gloox::SIProfileFT::FTTypeIBB,
+                       std::chrono::seconds(s_iUploadLimitSeconds)),
       m_connection(connection)
 {
 }

@@ -44,6 +44,9 @@ public:
     /// never be read.
     static inline std::atomic<int> s_iWaitLimitSeconds{24 * 60 * 60};
 
+    /// Seconds after which a file that a device has begun to send, and of which no more comes, is given up.
+    static inline std::atomic<int> s_iUploadLimitSeconds{120};
+
     VKMXPConnGlooxImpl(const std::string& connectionId, const std::string& server, int port, const std::string& userId,
                        const std::string& password, const std::string& resource, VKTLSPolicy tlsPolicy,
                        const std::string& receiveDirectory, const std::string& streamHost, int streamPort, int chunkKB,

@@ -15,6 +15,8 @@ constexpr std::size_t kLongestName = 200; // bytes; file systems take 255, and r
 constexpr std::size_t kMostFiles = 64;    // offers at a time; a peer that offers more is declined
 constexpr int kReadsAtAStretch = 8;
 
+using Clock = std::chrono::steady_clock;
+
 bool IsContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U; }
 
 } // namespace
@@ -39,8 +41,8 @@ std::string SafeFileName(std::string_view offered)
     return name.empty() || name == "." || name == ".." ? "file" : name;
 }
 
-FileReceiver::FileReceiver(gloox::ClientBase& client, int streamTypes)
-    : m_streamTypes(streamTypes), m_profile(std::make_unique<gloox::SIProfileFT>(&client, this))
+FileReceiver::FileReceiver(gloox::ClientBase& client, int streamTypes, std::chrono::seconds limit)
+    : m_streamTypes(streamTypes), m_limit(limit), m_profile(std::make_unique<gloox::SIProfileFT>(&client, this))
 {
     if (streamTypes & gloox::SIProfileFT::FTTypeS5B)
         client.disco()->addFeature(gloox::XMLNS_BYTESTREAMS);
@@ -89,10 +91,30 @@ void FileReceiver::Pump()
         for (int reads = 0; reads < kReadsAtAStretch && m_ended.count(stream) == 0; ++reads)
             if (stream->recv(0) != gloox::ConnNoError && m_ended.count(stream) == 0)
                 handleBytestreamClose(stream); // it ended without a word
+    GiveUpStalled();
     const std::set<gloox::Bytestream*> ended = std::move(m_ended);
     m_ended.clear();
     for (gloox::Bytestream* stream : ended)
         m_profile->dispose(stream);
+}
+
+void FileReceiver::GiveUpStalled()
+{
+    const Clock::time_point oldest = Clock::now() - m_limit;
+    for (auto it = m_files.begin(); it != m_files.end();) {
+        const Key key = it->first;
+        const bool stalled = it->second.last < oldest;
+        gloox::Bytestream* const stream = it->second.bytestream;
+        ++it; // what is given up leaves the map
+        if (!stalled)
+            continue;
+        if (stream)
+            Break(*stream, "Timeout has occurred.");
+        else {
+            Failed("Timeout has occurred.", nullptr);
+            m_files.erase(key);
+        }
+    }
 }
 
 void FileReceiver::handleFTRequest(const gloox::JID& from, const gloox::JID& to, const std::string& sid,
@@ -115,6 +137,7 @@ void FileReceiver::handleFTRequest(const gloox::JID& from, const gloox::JID& to,
     file.hash = hash;
     file.from = from;
     file.size = size;
+    file.last = Clock::now();
     Offered(file);
     const bool socks5 = (common & gloox::SIProfileFT::FTTypeS5B) != 0;
     m_profile->acceptFT(from, sid, socks5 ? gloox::SIProfileFT::FTTypeS5B : gloox::SIProfileFT::FTTypeIBB, to);
@@ -156,6 +179,7 @@ void FileReceiver::handleBytestreamData(gloox::Bytestream* bytestream, const std
         handleBytestreamOpen(bytestream); // data may come with the word that the stream is open
     if (m_ended.count(bytestream) != 0)
         return;
+    file->last = Clock::now();
     file->got += static_cast<long long>(data.size());
     if (file->got > file->size)
         Break(*bytestream, "More data than was offered.");

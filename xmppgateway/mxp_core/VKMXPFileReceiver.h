@@ -4,6 +4,7 @@
 #include <gloox/jid.h>
 #include <gloox/siprofilefthandler.h>
 
+#include <chrono>
 #include <fstream>
 #include <map>
 #include <memory>
@@ -43,15 +44,17 @@ public:
         gloox::JID from;
         long long size = 0; ///< as offered
         long long got = 0;
+        std::chrono::steady_clock::time_point last{}; ///< when it was offered, or something of it came
     };
 
-    /// Streams that are accepted, as gloox::SIProfileFT::StreamType; with both SOCKS5 goes first.
-    FileReceiver(gloox::ClientBase& client, int streamTypes);
+    /// Streams that are accepted, as gloox::SIProfileFT::StreamType; with both SOCKS5 goes first. A file of which nothing
+    /// came for the time of the limit is given up: its sender may have gone without a word.
+    FileReceiver(gloox::ClientBase& client, int streamTypes, std::chrono::seconds limit = std::chrono::minutes(2));
     ~FileReceiver() override;
     FileReceiver(const FileReceiver&) = delete;
     FileReceiver& operator=(const FileReceiver&) = delete;
 
-    /// Takes what has come on SOCKS5 streams, at most half a megabyte from each, and clears what has ended.
+    /// Takes what has come on SOCKS5 streams, at most half a megabyte from each, and clears what has ended or stands still.
     void Pump();
 
     void handleFTRequest(const gloox::JID& from, const gloox::JID& to, const std::string& sid, const std::string& name,
@@ -85,9 +88,11 @@ private:
     static Key KeyOf(const std::string& sid, const gloox::JID& from) { return sid + '\n' + from.full(); }
     File* Find(const gloox::Bytestream& bytestream);
     void End(gloox::Bytestream& bytestream);
+    void GiveUpStalled();
     void Break(gloox::Bytestream& bytestream, const std::string& what, const gloox::IQ* iq = nullptr);
 
     int m_streamTypes;
+    std::chrono::seconds m_limit;
     std::unique_ptr<gloox::SIProfileFT> m_profile;
     std::map<Key, File> m_files;
     std::set<gloox::Bytestream*> m_ended; ///< to be disposed of outside their own callbacks

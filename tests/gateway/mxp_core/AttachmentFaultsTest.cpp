@@ -1,6 +1,7 @@
 // Files that cannot be secured, that change under way, and names that two transfers want.
 
 #include "AttachmentScene.h"
+#include "VKMXPConnGlooxImpl.h"
 #include "VKMXPMessageHandlerIface.h"
 #include "VKMXPRequestHandlerIface.h"
 #include "VKMXPSecureFiles.h"
@@ -286,6 +287,26 @@ TEST_F(Attachments, OfADeviceComeWithItsOwnRequest)
     ASSERT_EQ(got.size(), 2U);
     EXPECT_TRUE(got["photo.jpg"] == photo);
     EXPECT_EQ(got["note.txt"], "in-band");
+}
+
+TEST_F(Attachments, OfADeviceThatFallsSilentAreGivenUp)
+{
+    const int limit = VKMXPConnGlooxImpl::s_iUploadLimitSeconds.exchange(1);
+    FilePeer alice(s_server->Jid("alice") + "/mxp", s_server->Port(), kBoth, FilePeer::Manner::Silent);
+    ASSERT_TRUE(alice.WaitUntilOnline());
+    Connect(0);
+    const std::size_t descriptors = Entries("/proc/self/fd");
+    const int before = s_logger.CountContaining("File Transfer Error: Timeout has occurred.");
+    for (const int type : {FilePeer::kInBand, FilePeer::kSocks5})
+        alice.Offer(s_server->Jid("server") + "/vk", "photo", "pixels", "silent", type);
+    EXPECT_TRUE(Until([&] { return s_logger.CountContaining("File Transfer Error: Timeout has occurred.") == before + 2; }));
+    EXPECT_EQ(Entries(Received().c_str()), 0U);
+    alice.Become(FilePeer::Manner::Accept);
+    alice.Offer(s_server->Jid("server") + "/vk", "photo", "pixels", "sent");
+    VKMXPCoreManager::FileList list;
+    EXPECT_TRUE(Until([&] { return manager->GetAttachedFiles("files", "sent", list); }));
+    EXPECT_TRUE(Until([&] { return Entries("/proc/self/fd") <= descriptors + 2; })) << "what the device itself keeps open";
+    VKMXPConnGlooxImpl::s_iUploadLimitSeconds = limit;
 }
 
 /// Ends the connection from the work thread, and from the sender's thread asks for the lock that the work thread holds.
