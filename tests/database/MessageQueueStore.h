@@ -1,6 +1,6 @@
 #pragma once
 
-#include <functional>
+#include <ctime>
 #include <memory>
 #include <set>
 #include <string>
@@ -36,6 +36,18 @@ struct Message : VK_MESSAGE_CONTENT
     }
     std::string Body() const { return {body, length}; }
 };
+
+/// A time of January 2026, whose 4th is a Sunday.
+inline time_t LocalTime(int day, int hour, int minute)
+{
+    tm local{};
+    local.tm_year = 126;
+    local.tm_mday = day;
+    local.tm_hour = hour;
+    local.tm_min = minute;
+    local.tm_isdst = -1;
+    return mktime(&local);
+}
 
 /// Queues 1 to 10, on the database of a fixture; their directories are their own.
 template <class Database> class QueuesOn : public Database
@@ -83,10 +95,12 @@ protected:
     static std::vector<std::string> Names(VKDBiMessageQueue& queue, bool ready = false)
     {
         VK_MESSAGE_HEADER_LIST list;
-        if (ready)
-            queue.GetReadyMsg(&list, false);
-        else
-            queue.Get(&list, false);
+        try {
+            ready ? queue.GetReadyMsg(&list, false) : queue.Get(&list, false);
+        } catch (...) {
+            EXPECT_EQ(list.count, 0) << "nobody may send what it does not hold";
+            throw;
+        }
         std::vector<std::string> names;
         for (int i = 0; i < list.count; ++i)
             names.push_back(list.list[i].msg_name);

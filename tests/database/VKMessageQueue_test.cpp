@@ -69,18 +69,6 @@ private:
     const time_t& m_now;
 };
 
-time_t LocalTime(int day, int hour, int minute)
-{
-    tm local{};
-    local.tm_year = 126;
-    local.tm_mon = 0;
-    local.tm_mday = day; // 2026-01-04 is a Sunday
-    local.tm_hour = hour;
-    local.tm_min = minute;
-    local.tm_isdst = -1;
-    return mktime(&local);
-}
-
 } // namespace
 
 TEST(VKMessageNameTest, PartsComeOutOfTheNameAndGoBack)
@@ -124,6 +112,7 @@ TEST_P(VKMessageQueueTest, AddedMessageComesBackWholeAndASecondOfItsNameReplaces
     EXPECT_EQ(queue->GetTotalRecordCount(), 1);
     EXPECT_EQ(Body(*queue, "M.0.J1.mxp"), "two");
     EXPECT_THAT(Files(*queue), ElementsAre("M.0.J1.mxp"));
+    EXPECT_EQ(Backups(*queue), 0u) << "nothing is kept of the first";
     EXPECT_FALSE(queue->IsUniqueName("M.0.J1.mxp"));
     EXPECT_TRUE(queue->IsMsgExisting("M.0.J1.mxp"));
 }

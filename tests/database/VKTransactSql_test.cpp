@@ -4,6 +4,7 @@
 #include <regex>
 #include <sstream>
 
+#include "MessageQueueStore.h"
 #include "NotingConnection.h"
 #include "VKMessageRows.h"
 #include "VKQueueTables.h"
@@ -33,15 +34,7 @@ public:
     bool DeleteQueue(int) override { return true; }
 
 protected:
-    time_t Now() const override
-    {
-        tm wednesday{};
-        wednesday.tm_year = 126;
-        wednesday.tm_mday = 7;
-        wednesday.tm_hour = 10;
-        wednesday.tm_isdst = -1;
-        return mktime(&wednesday);
-    }
+    time_t Now() const override { return LocalTime(7, 10, 0); }
 };
 
 /// The statements of an entity under the names of its operations.
