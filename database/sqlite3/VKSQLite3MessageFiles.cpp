@@ -8,7 +8,6 @@
 #include <limits>
 #include <set>
 #include <sstream>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -16,23 +15,13 @@
 
 #include "VKDBexception.h"
 #include "VKMessageName.h"
-#include "VKSQLite3Retry.h"
 #include "VKSqlStore.h"
 
 namespace vk {
 
 namespace {
 
-constexpr const char* kIntentFile = "queue_metabase.sdb-intent";
 constexpr const char* kBackups = "queue_metabase.sdb-undo";
-/// Enough for the intent's number and the letter behind it.
-constexpr std::size_t kIntentHead = 32;
-
-/// Those that wait for a turn look again after so many microseconds, twice as long each time: a short turn is soon
-/// followed by the next, and many that wait for long must not keep the one that works from its processor.
-constexpr unsigned kFirstPause = 200;
-constexpr unsigned kLongestPause = 1600;
-constexpr unsigned kLongestWait = 120'000'000;
 
 /// user_version is a signed number of 32 bits.
 long NumberAfter(long number) { return number >= std::numeric_limits<int>::max() ? 1 : number + 1; }
@@ -41,12 +30,7 @@ long NumberAfter(long number) { return number >= std::numeric_limits<int>::max()
 
 SQLite3MessageFiles::SQLite3MessageFiles(VKMsgQueueFileOperations files) : m_files(std::move(files)) {}
 
-SQLite3MessageFiles::~SQLite3MessageFiles()
-{
-    if (m_iIntent >= 0)
-        close(m_iIntent);
-    CloseDirectory();
-}
+SQLite3MessageFiles::~SQLite3MessageFiles() { CloseDirectory(); }
 
 void SQLite3MessageFiles::RequireDone(bool done, const char* what, const std::string& name) const
 {
@@ -56,30 +40,13 @@ void SQLite3MessageFiles::RequireDone(bool done, const char* what, const std::st
                             std::generic_category().message(errno));
 }
 
-/// A place that knows no such locks leaves all waiting to the database. Looking again and again lets whoever has just
-/// worked go on while its pages are fresh, and ends: one that was stopped in its turn must not keep all others for ever.
-void SQLite3MessageFiles::Enter()
-{
-    OpenIntent();
-    unsigned pause = 0;
-    for (unsigned waited = 0; flock(m_iIntent, LOCK_EX | LOCK_NB) != 0; waited += pause) {
-        if (errno != EWOULDBLOCK && errno != EINTR)
-            return;
-        if (waited >= kLongestWait)
-            throw VKDBexception(DbError::General, __FILE__, __LINE__,
-                                "Unable to start a transaction on [" + Place() + "]: it is in use.",
-                                "another process has kept its turn for two minutes");
-        pause = std::clamp(2 * pause, kFirstPause, kLongestPause);
-        RetryPause(pause);
-    }
-    m_bAlone = true;
-}
+/// Where turns are not kept apart all waiting is left to the database.
+void SQLite3MessageFiles::Enter() { m_intent.TakeTurn(Place()); }
 
 void SQLite3MessageFiles::Leave() noexcept
 {
     CloseDirectory();
-    m_bAlone = false;
-    flock(m_iIntent, LOCK_UN);
+    m_intent.EndTurn();
 }
 
 /// Every transaction of the file database takes the write lock.
@@ -89,7 +56,7 @@ void SQLite3MessageFiles::Begin(SqlStore& store, const TableName& table, Transac
     m_table = table;
     m_bStarted = false;
     m_changes.clear();
-    if (IntentSize() > 0)
+    if (!m_intent.IsEmpty())
         SettleLeftovers();
     if (!m_bSwept)
         DeleteLeftoverBackups();
@@ -100,7 +67,7 @@ void SQLite3MessageFiles::Undo() noexcept
 {
     try {
         UndoChanges();
-        EmptyIntent();
+        m_intent.Empty();
     } catch (...) { // the intent still tells it: the next transaction tries again
     }
     m_changes.clear();
@@ -123,14 +90,14 @@ void SQLite3MessageFiles::Committed() noexcept
             doomed.erase(change.kind == Change::Written ? change.from : change.to);
     }
     m_changes.clear();
-    if (!m_bAlone)
+    if (!m_intent.IsAlone())
         return;
     OpenDirectory();
     bool deleted = true;
     for (const std::string& name : doomed)
         deleted &= unlinkat(m_iDirectory, name.c_str(), 0) == 0 || errno == ENOENT;
-    if (!deleted || ftruncate(m_iIntent, 0) != 0)
-        return; // the next transaction tries again
+    if (deleted) // otherwise the next transaction tries again
+        m_intent.TryToEmpty();
 }
 
 /// One look-up of the directory serves all files of a turn.
@@ -243,7 +210,7 @@ void SQLite3MessageFiles::Start()
 {
     if (m_bStarted)
         return;
-    EmptyIntent();
+    m_intent.Empty();
     m_lNumber = NumberAfter(m_store->SelectNumber("PRAGMA user_version"));
     m_store->Update("PRAGMA user_version={}", m_lNumber);
     m_bStarted = true;
@@ -256,63 +223,25 @@ void SQLite3MessageFiles::Intend(std::vector<Change> changes)
     std::string text = m_changes.empty() ? std::to_string(m_lNumber) + "\n" : "";
     for (const Change& change : changes)
         text += std::string(1, change.kind) + "\t" + change.from + "\t" + change.to + "\n";
-    Append(text);
+    m_intent.Append(text);
     m_changes.insert(m_changes.end(), std::make_move_iterator(changes.begin()), std::make_move_iterator(changes.end()));
-}
-
-void SQLite3MessageFiles::EmptyIntent() { RequireDone(ftruncate(m_iIntent, 0) == 0, "emptied", kIntentFile); }
-
-void SQLite3MessageFiles::Append(const std::string& text)
-{
-    std::size_t written = 0;
-    while (written < text.size()) {
-        const ssize_t count = write(m_iIntent, text.data() + written, text.size() - written);
-        RequireDone(count > 0 || errno == EINTR, "written", kIntentFile);
-        written += count > 0 ? static_cast<std::size_t>(count) : 0;
-    }
-}
-
-/// The intent's text as far as its last whole line: a line without its end was being written when the process died,
-/// and its change never came.
-std::string SQLite3MessageFiles::ReadIntent(std::size_t most) const
-{
-    std::string text(most, '\0');
-    std::size_t size = 0;
-    while (size < most) {
-        const ssize_t count = pread(m_iIntent, text.data() + size, most - size, static_cast<off_t>(size));
-        RequireDone(count >= 0 || errno == EINTR, "read", kIntentFile);
-        if (count == 0)
-            break;
-        size += count > 0 ? static_cast<std::size_t>(count) : 0;
-    }
-    text.resize(size);
-    text.resize(text.rfind('\n') + 1);
-    return text;
-}
-
-std::size_t SQLite3MessageFiles::IntentSize() const
-{
-    struct stat facts{};
-    RequireDone(fstat(m_iIntent, &facts) == 0, "read", kIntentFile);
-    return static_cast<std::size_t>(facts.st_size);
 }
 
 /// The intent tells what another process began that died, or what was committed where turns are not kept apart.
 void SQLite3MessageFiles::SettleLeftovers()
 {
     const long committed = m_store->SelectNumber("PRAGMA user_version");
-    const std::string begun = ReadIntent(kIntentHead);
-    const long number = std::atol(begun.c_str());
-    if (number == NumberAfter(committed))
+    const SQLite3QueueIntent::Head begun = m_intent.ReadHead();
+    if (begun.number == NumberAfter(committed))
         UndoLeftovers();
-    else if (number == committed && begun.find("\nD") != std::string::npos)
+    else if (begun.number == committed && begun.letter == Change::Doomed)
         FinishLeftovers();
 }
 
 /// Takes over the changes that the intent tells of.
 void SQLite3MessageFiles::ReadLeftovers()
 {
-    std::istringstream lines(ReadIntent(IntentSize()));
+    std::istringstream lines(m_intent.Read());
     std::string line;
     std::getline(lines, line); // the number
     while (std::getline(lines, line)) {
@@ -331,7 +260,7 @@ void SQLite3MessageFiles::UndoLeftovers()
 {
     ReadLeftovers();
     UndoChanges();
-    EmptyIntent();
+    m_intent.Empty();
     m_changes.clear();
 }
 
@@ -343,7 +272,7 @@ void SQLite3MessageFiles::FinishLeftovers()
         if (change.kind == Change::Doomed &&
             m_store->Select("SELECT id FROM {} WHERE msg_name={}", m_table, change.from)->GetReturnedRowsCount() == 0)
             unlink(m_files.PathOf(change.from).c_str()); // one that stays is nobody's and harms nobody
-    EmptyIntent();
+    m_intent.Empty();
     m_changes.clear();
 }
 
@@ -389,20 +318,6 @@ void SQLite3MessageFiles::DeleteLeftoverBackups() const
     for (fs::directory_iterator entry(m_files.PathOf(kBackups), failed), end; !failed && entry != end;
          entry.increment(failed))
         fs::remove(entry->path(), ignored);
-}
-
-/// Whoever shares the queue must mean the same file, also when its directory was moved or mounted again.
-void SQLite3MessageFiles::OpenIntent()
-{
-    const std::string path = m_files.PathOf(kIntentFile);
-    struct stat opened{};
-    struct stat named{};
-    if (m_iIntent >= 0 && (fstat(m_iIntent, &opened) != 0 || stat(path.c_str(), &named) != 0 ||
-                           opened.st_ino != named.st_ino || opened.st_dev != named.st_dev))
-        close(std::exchange(m_iIntent, -1));
-    if (m_iIntent < 0)
-        m_iIntent = open(path.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
-    RequireDone(m_iIntent >= 0, "opened", kIntentFile);
 }
 
 } // namespace vk

@@ -5,6 +5,7 @@
 
 #include "VKMessageBodies.h"
 #include "VKMsgQueueFileOperations.h"
+#include "VKSQLite3QueueIntent.h"
 
 namespace vk {
 
@@ -64,32 +65,26 @@ private:
     void Intend(std::vector<Change> changes);
     void BackUp(const std::vector<std::string>& names);
     bool PutAside(const std::string& name, const std::string& backup) const;
-    std::string ReadIntent(std::size_t most) const;
     static bool IsOwn(const Change& change);
-    std::size_t IntentSize() const;
     void SettleLeftovers();
     void ReadLeftovers();
     void UndoLeftovers();
     void FinishLeftovers();
     void UndoChanges();
     void RequireDeletable() const;
-    void EmptyIntent();
     void DeleteLeftoverBackups() const;
-    void Append(const std::string& text);
-    void OpenIntent();
     void OpenDirectory();
     void CloseDirectory() noexcept;
     void RequireDone(bool done, const char* what, const std::string& name) const;
 
     VKMsgQueueFileOperations m_files;
+    SQLite3QueueIntent m_intent;
     SqlStore* m_store = nullptr; ///< of the running transaction, as the table
     TableName m_table{};
-    int m_iIntent = -1;    ///< descriptor of the intent; -1 until the first turn
     int m_iDirectory = -1; ///< descriptor of the queue's directory; -1 until a turn looks for a file
     long m_lNumber = 0;    ///< of the running transaction, once it has started a change
     bool m_bStarted = false; ///< the intent has the running transaction's number
     bool m_bSwept = false;   ///< the backups of those that died were deleted
-    bool m_bAlone = false;   ///< nobody else has a turn until Leave
     std::vector<Change> m_changes;
 };
 

@@ -346,8 +346,9 @@ TEST_F(VKMessageQueueFaults, WhatIsWrittenInTheIntentIsUndoneOnceOrTwiceButNever
     WriteAll(intent, begun + "B\t" + kA + "\t" + undo + "\nW\t" + kA + "\t\n");
     EXPECT_EQ(Content("put back"), kBefore);
     // Died behind the commit, with a file still to delete.
-    WriteAll(File("M.0.gone.mxp"), "x");
-    WriteAll(intent, std::to_string(committed) + "\nD\tM.0.gone.mxp\t\nD\t" + kA + "\t\nD\tM.0.never.mxp\t\n");
+    const std::string gone = "M.0." + std::string(60, 'g') + ".mxp";
+    WriteAll(File(gone), "x");
+    WriteAll(intent, std::to_string(committed) + "\nD\t" + gone + "\t\nD\t" + kA + "\t\nD\tM.0.never.mxp\t\n");
     EXPECT_EQ(Content("finished"), kBefore);
     // A row without its file is to be renamed to the name of another message.
     fs::remove(File(kA));
