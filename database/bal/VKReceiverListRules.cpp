@@ -76,8 +76,8 @@ void ReceiverListRules::CheckLimit(unsigned long departmentId, BrokenRules& brok
     const VK_DEPARTMENT* const department = departmentId == 0 ? nullptr : DepartmentOf(departmentId);
     if (!VKDBiDepartment::s_bRecLimit || department == nullptr || department->max_receivers < 1)
         return;
-    if (m_receivers.IsDepartmentRecvLimitReached(departmentId) ||
-        CountInDepartment(departmentId) >= department->max_receivers)
+    const long count = CountInDepartment(departmentId);
+    if (count >= department->max_receivers || m_receivers.IsDepartmentRecvLimitReached(departmentId))
         broken.AddText("Department maximum receivers limit exceeds.");
     ++(*m_counts)[departmentId];
 }

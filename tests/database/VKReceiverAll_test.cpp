@@ -53,6 +53,10 @@ TEST_P(VKReceiverAllTest, AListIsStoredWholeOrNotAtAll)
     EXPECT_STREQ(bob.name, "Bob");
     ASSERT_EQ(bob.dept_rights_count, 1);
     EXPECT_EQ(bob.dept_rights[0].department_id, ward);
+
+    Receivers late;
+    Put(late, "Dan", "d@x", onWard(mobile));
+    EXPECT_EQ(Refused(late, false), "0") << "the ward was full before";
 }
 
 TEST_P(VKReceiverAllTest, AFailureWithinTheListTakesTheOthersBack)
