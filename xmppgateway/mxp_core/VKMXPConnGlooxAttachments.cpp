@@ -24,7 +24,7 @@ void VKMXPConnGlooxImpl::QueueAttachments(VKMXPSession& session, const Attachmen
         const vk::ScopedSection section(*m_pobjAttachmentsLock);
         for (const auto& entry : attachments)
             m_vecPendingAttachments.push_back({target, entry.first, entry.second, FileTransferMechanism::Unknown,
-                                               ++m_uNextRecord, 0, {}, false, Clock::now(), Clock::now()});
+                                               ++m_uNextRecord, 0, {}, false, Clock::now()});
     }
     AskWhatItTakes(target);
     const std::lock_guard<std::recursive_mutex> inside(m_mtxClient);

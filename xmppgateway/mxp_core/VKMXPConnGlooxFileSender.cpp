@@ -167,8 +167,6 @@ void VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::DoThreadWork()
 {
     while (!IsStopRequested()) {
         FileAttachmentDetails record;
-        if (GiveUpOldest())
-            continue; // its handler may have ended the connection
         if (!TakeRecord(record)) {
             if (!SecureAhead())
                 WaitForRecords();
@@ -187,35 +185,13 @@ void VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::WaitForRecords()
         m_objCopies.DropAhead();
         m_tDropAhead = Clock::time_point::max();
     }
-    const Clock::time_point next = std::min({m_tNextTry, m_tDropAhead, m_tGiveUp});
+    const Clock::time_point next = std::min(m_tNextTry, m_tDropAhead);
     std::unique_lock<std::mutex> lock(m_mtxPoke);
     if (next == Clock::time_point::max())
         m_cvPoke.wait(lock, due);
     else
         m_cvPoke.wait_until(lock, next, due);
     m_bPoked = false;
-}
-
-/// A device may stay away for good, but no file waits for ever. Reports the oldest record when its time is over.
-bool VKMXPConnGlooxImpl::VKMXPConnGlooxFileSender::GiveUpOldest()
-{
-    AttachmentMap lost;
-    {
-        const vk::ScopedSection section(*m_pobjConnection->m_pobjAttachmentsLock);
-        auto& pending = m_pobjConnection->m_vecPendingAttachments;
-        m_tGiveUp = Clock::time_point::max();
-        if (pending.empty())
-            return false;
-        const Clock::time_point limit = pending.front().tQueued + std::chrono::seconds(s_iWaitLimitSeconds);
-        if (limit > Clock::now()) {
-            m_tGiveUp = limit;
-            return false;
-        }
-        lost[pending.front().strPacketId] = pending.front().vecFiles;
-        pending.erase(pending.begin());
-    }
-    m_pobjConnection->RefuseAttachments(lost, kTransferError, "it has waited too long");
-    return true;
 }
 
 /// Uses the time until the peer answers: the files of the first record that waits for that are secured, once. Whatever

@@ -118,7 +118,6 @@ private:
     // The pending records.
     bool TakeRecord(FileAttachmentDetails& record);
     bool ChooseRecord(FileAttachmentDetails& record);
-    bool GiveUpOldest();
     bool SecureAhead();
     bool IsPending(unsigned long id);
     bool EraseRecord(unsigned long id);
@@ -160,6 +159,5 @@ private:
     bool m_bPoked = false;                  ///< m_mtxPoke
     Clock::time_point m_tNextTry = Clock::time_point::max();   ///< own thread
     Clock::time_point m_tDropAhead = Clock::time_point::max(); ///< when copies made ahead are given up; own thread
-    Clock::time_point m_tGiveUp = Clock::time_point::max();    ///< when the oldest record is given up; own thread
     unsigned long m_uAhead = 0;                                ///< the record that they are of; own thread
 };

@@ -40,10 +40,6 @@ public:
     /// Seconds after which a login without an answer is given up.
     static inline std::atomic<int> s_iLoginLimitSeconds{30};
 
-    /// Seconds after which files are given up that could not begin to travel: their device has stayed away, or they could
-    /// never be read.
-    static inline std::atomic<int> s_iWaitLimitSeconds{24 * 60 * 60};
-
     /// Seconds after which a file that a device has begun to send, and of which no more comes, is given up.
     static inline std::atomic<int> s_iUploadLimitSeconds{120};
 
@@ -86,7 +82,6 @@ public:
         std::chrono::steady_clock::time_point tNotBefore{}; ///< the next try
         bool bTriedAhead = false; ///< its files were to be secured before its peer had answered
         std::optional<std::chrono::steady_clock::time_point> tAsked; ///< the question that its peer has not answered
-        std::chrono::steady_clock::time_point tQueued{};
     };
 
 private:

@@ -11,16 +11,10 @@ using namespace std::chrono_literals;
 class AttachmentsForTheAbsent : public Attachments
 {
 protected:
-    void TearDown() override
-    {
-        VKMXPConnGlooxImpl::s_iWaitLimitSeconds = waitLimit;
-        Attachments::TearDown();
-    }
     static int Refusals() { return s_logger.CountContaining("Disco error from [" + s_server->Jid("alice")); }
 
     const std::string server = s_server->Jid("server") + "/vk";
     const std::string device = s_server->Jid("alice") + "/mxp";
-    const int waitLimit = VKMXPConnGlooxImpl::s_iWaitLimitSeconds;
 };
 
 TEST_F(AttachmentsForTheAbsent, GoWhenTheirDeviceSpeaks)
@@ -81,25 +75,6 @@ TEST_F(AttachmentsForTheAbsent, GoOverTheNextStreamOfTheirConnection)
     EXPECT_TRUE(Until([&] { return connection.SendPing(0) && statuses.Has("kept"); }));
     EXPECT_EQ(statuses.WaitFor("kept", 0s).status, kSent);
     connection.TerminateSession(session.get());
-}
-
-TEST_F(AttachmentsForTheAbsent, AreGivenUpInTheEndAndLeaveNothing)
-{
-    VKMXPConnGlooxImpl::s_iWaitLimitSeconds = 1;
-    FilePeer bob(s_server->Jid("bob") + "/mxp", s_server->Port(), kBoth);
-    ASSERT_TRUE(bob.WaitUntilOnline());
-    Connect(FreePort());
-    SendFiles("away", {MakeFile("plan", "text")}, "alice");
-    SendFiles("missing", {files / "nowhere"}, "bob");
-    for (const char* job : {"away", "missing"}) {
-        const auto status = statuses.WaitFor(job);
-        EXPECT_EQ(status.status, kFailed) << job;
-        EXPECT_EQ(status.error, "File Transfer Error.") << job;
-    }
-    EXPECT_TRUE(Until([] { return CopiesLeft() == 0; }));
-    VKMXPConnGlooxImpl::s_iWaitLimitSeconds = waitLimit;
-    SendFiles("after", {MakeFile("plan", "text")}, "bob");
-    EXPECT_EQ(statuses.WaitFor("after").status, kSent);
 }
 
 } // namespace
