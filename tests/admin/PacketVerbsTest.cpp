@@ -1,4 +1,4 @@
-#include "ProgramRun.h"
+#include "RunningProgram.h"
 #include "TempDir.h"
 
 #include <json/json.h>

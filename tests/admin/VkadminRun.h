@@ -1,14 +1,6 @@
 #pragma once
 
-#include "ProgramRun.h"
-#include "TempDir.h"
-
-#include <json/json.h>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <sstream>
+#include "ProgramOutput.h"
 
 /// The administrator's tool on a root of the test's own.
 class Vkadmin : public testing::Test
@@ -35,22 +27,7 @@ protected:
         return run.out;
     }
 
-    static std::vector<Json::Value> Lines(const std::string& out)
-    {
-        std::vector<Json::Value> lines;
-        std::istringstream in(out);
-        for (std::string line; std::getline(in, line);)
-            std::istringstream(line) >> lines.emplace_back();
-        return lines;
-    }
-
-    static void ExpectOneLine(const ProgramRun& run, int exitCode, const std::string& text)
-    {
-        EXPECT_EQ(run.exitCode, exitCode) << text;
-        EXPECT_EQ(run.out, "") << text;
-        EXPECT_THAT(run.err, testing::HasSubstr(text));
-        EXPECT_EQ(run.err.find('\n'), run.err.size() - 1) << run.err;
-    }
+    static std::vector<Json::Value> Lines(const std::string& out) { return JsonLines(out); }
 
     const TempDir dir;
 };

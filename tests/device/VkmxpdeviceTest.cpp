@@ -1,10 +1,8 @@
 #include "DeviceAnswer.h"
 #include "Options.h"
-#include "ProgramRun.h"
 #include "ProsodyServer.h"
-#include "VKMXPmConfirmMsg.h"
-#include "VKMXPmEnvelope.h"
-#include "VKMXPmMessage.h"
+#include "RunningProgram.h"
+#include "SaidPackets.h"
 #include "VKMXPmSendMsgResponse.h"
 #include "VKMXPmSetMsgStatus.h"
 #include "XmppPeer.h"
@@ -21,18 +19,13 @@ using testing::HasSubstr;
 
 std::string MessageEnvelope(const std::string& job)
 {
-    auto message = std::make_unique<VKMXPmMessage>();
-    message->m_strJobID = job;
-    message->m_strSender = "Dispatch";
-    message->m_strSubject = "Alarm";
-    message->m_strBody = "Fire in <B2> & B3";
-    message->m_vecResponseChoices = {"Coming", "Not coming"};
-    message->m_iSequence = 7;
-    message->m_bValid = true;
-    VKMXPmEnvelope envelope;
-    if (envelope.Add(message.get()))
-        message.release();
-    return envelope.GenerateXML();
+    return vktest::Said<VKMXPmMessage>(job, [](VKMXPmMessage& message) {
+        message.m_strSender = "Dispatch";
+        message.m_strSubject = "Alarm";
+        message.m_strBody = "Fire in <B2> & B3";
+        message.m_vecResponseChoices = {"Coming", "Not coming"};
+        message.m_iSequence = 7;
+    });
 }
 
 /// The packets of all that a peer received, one line each.

@@ -59,18 +59,14 @@ TEST(HostMessageFile, EachReportKeepsWhatStoodWhenItWasMade)
     file.SetDeliveryStatus("DELIVERED-READ");
     push(Reports::RS_DELIVERED, false, ": READ");
 
-    const auto first = file.TakeReport();
-    ASSERT_TRUE(first);
-    EXPECT_EQ(first->status, Reports::RS_DELIVERED);
-    EXPECT_TRUE(first->keepOpen);
-    EXPECT_EQ(first->text, ": RECEIVED");
-    EXPECT_EQ(first->deliveryStatus, "DELIVERED-RECEIVED");
-    EXPECT_EQ(first->response, "");
-    EXPECT_EQ(file.TakeReport()->response, "Yes");
-    const auto last = file.TakeReport();
-    EXPECT_EQ(last->text, ": READ");
-    EXPECT_EQ(last->response, "");
-    EXPECT_FALSE(last->keepOpen);
+    for (const char* expected : {"6 open ': RECEIVED' DELIVERED-RECEIVED ''", "5 open '' DELIVERED-RECEIVED 'Yes'",
+                                 "6 final ': READ' DELIVERED-READ ''"}) {
+        const auto report = file.TakeReport();
+        ASSERT_TRUE(report);
+        EXPECT_EQ(std::to_string(report->status) + (report->keepOpen ? " open '" : " final '") + report->text + "' " +
+                      report->deliveryStatus + " '" + report->response + "'",
+                  expected);
+    }
     EXPECT_FALSE(file.TakeReport());
 }
 

@@ -6,14 +6,14 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 namespace {
 
-std::string ErrorOf(const std::string& json)
+template <class Read> std::string ErrorOf(const Read& read)
 {
-    vk::HostMessageFile file;
     try {
-        vk::ParseMessage(json, file);
+        read();
     } catch (const vk::InputError& error) {
         return error.what();
     }
@@ -34,32 +34,16 @@ TEST(MessageFileReader, ReadsEveryKeyIntoItsMember)
         "push_device_token": "T", "push_service_name": "apns", "custom_parameters": "<x/>",
         "response_choices": [{"text": "Yes", "type": "terminal"}, {"text": "Later", "type": "non-terminal"}]})",
                      file);
-    EXPECT_EQ(file.strJobID, "j-1");
-    EXPECT_EQ(file.strSender, "S");
-    EXPECT_EQ(file.strFallbackSender, "F");
-    EXPECT_EQ(file.strSubject, "Sub");
-    EXPECT_EQ(file.strBody, "B\xC3\xB6\ndy");
-    EXPECT_EQ(file.strReceiverPin, "a@b");
-    EXPECT_EQ(file.ulReceiverID, 18446744073709551615u);
-    EXPECT_EQ(file.strCarrierName, "C");
-    EXPECT_EQ(file.strServer, "127.0.0.1");
-    EXPECT_EQ(file.strDomain, "D");
-    EXPECT_EQ(file.strUserID, "U");
-    EXPECT_EQ(file.strPassword, "P");
-    EXPECT_EQ(file.strResource, "R");
-    EXPECT_EQ(file.iPort, 65535);
-    EXPECT_EQ(file.tDispatchAt, INT32_MIN);
-    EXPECT_EQ(file.iSeverity, INT32_MAX);
-    EXPECT_EQ(file.iExpiration, -1);
-    EXPECT_TRUE(file.bConfidential);
-    EXPECT_TRUE(file.bQueueWhenOffline);
-    EXPECT_EQ(file.iSecondsToLive, 60);
-    EXPECT_EQ(file.bTwoWay, 1);
+    EXPECT_EQ(std::tie(file.strJobID, file.strSender, file.strFallbackSender, file.strSubject, file.strBody,
+                       file.strReceiverPin, file.strCarrierName, file.strServer, file.strDomain, file.strUserID,
+                       file.strPassword, file.strResource, file.strPushDeviceToken, file.strPushServiceName,
+                       file.strCustomParameters),
+              std::make_tuple("j-1", "S", "F", "Sub", "B\xC3\xB6\ndy", "a@b", "C", "127.0.0.1", "D", "U", "P", "R", "T",
+                              "apns", "<x/>"));
+    EXPECT_EQ(std::tie(file.ulReceiverID, file.iPort, file.tDispatchAt, file.iSeverity, file.iExpiration,
+                       file.iSecondsToLive, file.bTwoWay, file.bConfidential, file.bQueueWhenOffline, file.bPushEnabled),
+              std::make_tuple(18446744073709551615u, 65535, INT32_MIN, INT32_MAX, -1, 60, 1, true, true, true));
     EXPECT_EQ(file.vecAttachments, (std::vector<std::string>{"/a", "b"}));
-    EXPECT_TRUE(file.bPushEnabled);
-    EXPECT_EQ(file.strPushDeviceToken, "T");
-    EXPECT_EQ(file.strPushServiceName, "apns");
-    EXPECT_EQ(file.strCustomParameters, "<x/>");
     ASSERT_EQ(file.vecResponseChoices.size(), 2u);
     EXPECT_EQ(file.vecResponseChoices[0].strText, "Yes");
     EXPECT_NE(file.vecResponseChoices[0].iType, VKMessageFile::kNonTerminalAction);
@@ -117,7 +101,8 @@ TEST(MessageFileReader, AMistakeIsNamed)
          "response_choices[0].id is no key"},
     };
     for (const auto& row : cases) {
-        const std::string error = ErrorOf(row.json);
+        vk::HostMessageFile file;
+        const std::string error = ErrorOf([&] { vk::ParseMessage(row.json, file); });
         EXPECT_NE(error.find(row.error), std::string::npos) << row.json.substr(0, 80) << "\n  gave: " << error;
         EXPECT_EQ(error.find('\n'), std::string::npos) << error;
     }
@@ -126,14 +111,7 @@ TEST(MessageFileReader, AMistakeIsNamed)
 TEST(MessageFileReader, FilesThatCannotBeReadAreNamed)
 {
     const TempDir dir;
-    const auto errorOf = [](const std::string& path) -> std::string {
-        try {
-            vk::ReadMessageFile(path);
-        } catch (const vk::InputError& error) {
-            return error.what();
-        }
-        return "";
-    };
+    const auto errorOf = [](const std::string& path) { return ErrorOf([&] { vk::ReadMessageFile(path); }); };
     EXPECT_EQ(errorOf(dir / "none"), (dir / "none") + ": No such file or directory");
     EXPECT_NE(errorOf(dir.Path().string()), "");
     EXPECT_NE(errorOf("/dev/zero").find("is larger than 64 MiB"), std::string::npos);

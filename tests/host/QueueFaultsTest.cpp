@@ -62,9 +62,9 @@ TEST_P(QueueFaultsOnAServer, AServerThatGoesAndComesBackIsToldAndNothingIsLost)
     Add("open", Body("open", "READ", "", true));
     EXPECT_TRUE(messenger.AwaitOut("open  report")) << messenger.Out();
     PostgresServer::Get().Stop();
-    EXPECT_TRUE(RunningProgram::Await([&] { return messenger.Err().find("Connection refused") != std::string::npos; }));
+    EXPECT_TRUE(Until([&] { return messenger.Err().find("Connection refused") != std::string::npos; }));
     PostgresServer::Get().Start();
-    EXPECT_TRUE(RunningProgram::Await([&] { return Log().find("connected to the server again") != std::string::npos; }));
+    EXPECT_TRUE(Until([&] { return Log().find("connected to the server again") != std::string::npos; }));
     EXPECT_LE(Count(messenger.Err(), "\n"), 3u) << messenger.Err();
     AddSome("behind", 4);
     EXPECT_TRUE(installation.Await(4, m_expected)) << messenger.Err();
@@ -95,7 +95,7 @@ TEST_P(QueueFaultsOnAServer, WhatTheServerRefusesIsToldWithoutTheBodyAndItsPassw
     PostgresServer::Get().RunScript("ALTER TABLE VK_QUEUE_COMPLETED ADD CONSTRAINT refuse CHECK (id < 0)");
     Add("refused", R"({"job_id": "refused", "receiver_pin": "a@b", "password": "s3cret"})");
     RunningProgram messenger("vkmessenger", Call(installation.Root(), {"--follow"}));
-    EXPECT_TRUE(RunningProgram::Await([&] { return messenger.Err().find("\"refuse\"") != std::string::npos; }));
+    EXPECT_TRUE(Until([&] { return messenger.Err().find("\"refuse\"") != std::string::npos; }));
     PostgresServer::Get().RunScript("ALTER TABLE VK_QUEUE_COMPLETED DROP CONSTRAINT refuse");
     EXPECT_TRUE(installation.Await(4, {"M.0.refused.fake"}));
     EXPECT_EQ(messenger.End(SIGTERM), 0);
@@ -141,7 +141,7 @@ TEST(StoreWatch, TellsOfAnOperationThatLastsAndOfNoOther)
         const vk::StoreWatch::Operation quick(watch);
     EXPECT_EQ(told, 0);
     const vk::StoreWatch::Operation slow(watch);
-    EXPECT_TRUE(RunningProgram::Await([&] { return told >= 2; }));
+    EXPECT_TRUE(Until([&] { return told >= 2; }));
 }
 
 TEST(TroubleFilter, TellsEachTroubleOnceAMinuteAndFewOfMany)

@@ -1,10 +1,8 @@
 #pragma once
 
+#include "ProgramOutput.h"
 #include "QueueInstallation.h"
 #include "VKDBexception.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 /// The messenger on a queue, with a driver whose receivers do what a message's subject says.
 class QueueOfMessages : public testing::TestWithParam<Backend>

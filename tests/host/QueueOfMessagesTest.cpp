@@ -52,12 +52,10 @@ TEST_P(QueueOfMessages, EachGoesToItsQueueWithAReport)
     // A server that keeps UTF-8 refuses a body that is none.
     const auto isRefused = [&](const auto& row) { return installation.OnServer() && row.job == std::string("bytes"); };
     for (const auto& row : rows) {
-        const auto add = [&] { Add(row.job, row.body, row.header); };
-        if (isRefused(row)) {
-            EXPECT_THROW(add(), VKDBexception);
-        } else {
-            add();
-        }
+        if (isRefused(row))
+            EXPECT_THROW(Add(row.job, row.body, row.header), VKDBexception);
+        else
+            Add(row.job, row.body, row.header);
     }
     installation.Add(1, "foreign", "{}", {}, "sms");
     const ProgramRun run = Send({"--wait", "1"});
@@ -150,9 +148,7 @@ TEST_P(QueueOfMessages, AServiceRunsOnceAndStopsWhenTold)
     Add("open", Body("open", "READ", "", true));
     RunningProgram messenger("vkmessenger", Call(installation.Root(), {"--follow"}));
     EXPECT_TRUE(installation.Await(1, {"Q.1.open.fake"}));
-    const ProgramRun twin = Send();
-    EXPECT_EQ(twin.exitCode, 2);
-    EXPECT_THAT(twin.err, HasSubstr("--service: 'vkmessenger' is at work on queue 1 already"));
+    ExpectOneLine(Send(), 2, "--service: 'vkmessenger' is at work on queue 1 already");
     EXPECT_EQ(Send({"--service", "other", "--wait", "1"}).exitCode, 0);
     EXPECT_EQ(messenger.End(SIGTERM), 0) << messenger.Err();
     EXPECT_EQ(installation.Queue(1).TakeReady("fake*", "", 0).size(), 0u) << "its time to be asked about has not come";
@@ -169,7 +165,7 @@ TEST_P(QueueOfMessages, AnArchiveThatIsAwayForATimeHoldsMessagesBack)
     installation.TakeAway(4);
     Add("meanwhile", Body("meanwhile", "", "", false));
     const std::string named = installation.OnServer() ? "relation \"vk_queue_completed\" does not exist" : "/archive/";
-    EXPECT_TRUE(RunningProgram::Await([&] { return messenger.Err().find(named) != std::string::npos; })) << messenger.Err();
+    EXPECT_TRUE(Until([&] { return messenger.Err().find(named) != std::string::npos; })) << messenger.Err();
     EXPECT_EQ(installation.Names(1), Names{"R.0.meanwhile.fake"});
     installation.BringBack(4);
     EXPECT_TRUE(installation.Await(4, {"M.0.before.fake", "M.0.meanwhile.fake"})) << messenger.Err();
@@ -182,10 +178,7 @@ TEST_P(QueueOfMessagesInFiles, AQueueThatCannotBeOpenedIsNamedAndNothingIsSent)
 {
     Add("kept", Body("kept", "", "", false));
     installation.Dir().Write("root/archive/queue_metabase.sdb", "somebody's file");
-    const ProgramRun run = Send();
-    EXPECT_EQ(run.exitCode, 3);
-    EXPECT_THAT(run.err, HasSubstr("queue 4 cannot be opened: "));
-    EXPECT_EQ(run.out, "");
+    ExpectOneLine(Send(), 3, "queue 4 cannot be opened: ");
     EXPECT_EQ(installation.Names(1), Names{"M.0.kept.fake"});
     EXPECT_EQ(installation.Dir().Read("root/archive/queue_metabase.sdb"), "somebody's file");
 }
@@ -202,22 +195,16 @@ TEST_P(QueueOfMessagesInFiles, AWrongCallSaysWhat)
         {{"--service", std::string(51, 'x')}, "--service"},
         {{"--query-interval", "601"}, "--query-interval: '601' is no whole number from 1 to 600"},
     };
-    for (const auto& row : rows) {
-        const ProgramRun run = Send(row.more);
-        EXPECT_EQ(run.exitCode, 2) << row.error;
-        EXPECT_THAT(run.err, HasSubstr(row.error));
-    }
-    for (const char* queue : {"0", "2", "10", "x"}) {
-        const auto run = ProgramRun::Of("vkmessenger", {"send", "--root", installation.Root(), "--queue", queue});
-        EXPECT_EQ(run.exitCode, 2) << queue;
-        EXPECT_THAT(run.err, HasSubstr("--queue")) << queue;
-    }
-    const auto unknown = ProgramRun::Of("vkmessenger", {"send", "--root", installation.Root(), "--queue", "199"});
-    EXPECT_EQ(unknown.exitCode, 3);
-    EXPECT_THAT(unknown.err, HasSubstr("queue 199 cannot be opened: Invalid queue path"));
-    const auto alone = ProgramRun::Of("vkmessenger", {"send", "--root", installation.Root(), "--message", "m", "--follow"});
-    EXPECT_EQ(alone.exitCode, 2);
-    EXPECT_THAT(alone.err, HasSubstr("--follow goes with --queue only"));
+    for (const auto& row : rows)
+        ExpectOneLine(Send(row.more), 2, row.error);
+    const auto send = [&](std::vector<std::string> words) {
+        words.insert(words.begin(), {"send", "--root", installation.Root()});
+        return ProgramRun::Of("vkmessenger", words);
+    };
+    for (const char* queue : {"0", "2", "10", "x"})
+        ExpectOneLine(send({"--queue", queue}), 2, "--queue");
+    ExpectOneLine(send({"--queue", "199"}), 3, "queue 199 cannot be opened: Invalid queue path");
+    ExpectOneLine(send({"--message", "m", "--follow"}), 2, "--follow goes with --queue only");
 }
 
 } // namespace

@@ -1,12 +1,4 @@
-#include "ProgramRun.h"
-#include "TempDir.h"
-
-#include <json/json.h>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <sstream>
+#include "ProgramOutput.h"
 
 namespace {
 
@@ -40,19 +32,10 @@ protected:
                                             {"text": "Done", "type": "terminal"}]})");
     }
 
-    static std::vector<Json::Value> Lines(const std::string& out)
-    {
-        std::vector<Json::Value> lines;
-        std::istringstream in(out);
-        for (std::string line; std::getline(in, line);)
-            std::istringstream(line) >> lines.emplace_back();
-        return lines;
-    }
-
     static std::string Told(const std::string& out)
     {
         std::string told;
-        for (const Json::Value& line : Lines(out))
+        for (const Json::Value& line : JsonLines(out))
             told += line["event"].asString() + " " + line["status"].asString() + " " + line["status_name"].asString() +
                     (line["keep_open"].asBool() ? " open" : " final") + " [" + line["text"].asString() + "|" +
                     line["delivery_status"].asString() + "|" + line["response"].asString() + "|" +
@@ -72,7 +55,7 @@ TEST_F(Vkmessenger, TellsEveryReportInOrder)
                              "report 6 DELIVERED open [: READ|DELIVERED-READ||]\n"
                              "report 5 REPLIED_WITH open [|DELIVERED-READ|Coming|]\n"
                              "report 5 REPLIED_WITH final [|DELIVERED-READ|Done|]\n");
-    const Json::Value first = Lines(run.out).front();
+    const Json::Value first = JsonLines(run.out).front();
     EXPECT_EQ(first["job_id"].asString(), "j-1");
     EXPECT_THAT(first["time"].asString(), testing::MatchesRegex("....-..-..T..:..:..\\....Z"));
 }
@@ -129,28 +112,17 @@ TEST_F(Vkmessenger, AWrongCallSaysWhatAndSendsNothing)
         {{"--message", good}, "bare", "temp is no directory"},
         {{"--message", good}, "nowhere", "--root"},
     };
-    for (const auto& row : cases) {
-        const auto run = Send(row.more, row.root);
-        EXPECT_EQ(run.exitCode, 2) << row.error;
-        EXPECT_THAT(run.err, HasSubstr(row.error));
-        EXPECT_EQ(run.err.find('\n'), run.err.size() - 1) << "one line: " << run.err;
-        EXPECT_EQ(run.out, "");
-    }
+    for (const auto& row : cases)
+        ExpectOneLine(Send(row.more, row.root), 2, row.error);
 }
 
 TEST_F(Vkmessenger, ADriverThatCannotBeUsedIsNamed)
 {
     MakeRoot("unconfigurable");
     const std::string good = Message("j", "");
-    const auto absent = Send({"--message", good}, "root", dir / "libnone.so");
-    EXPECT_EQ(absent.exitCode, 3);
-    EXPECT_THAT(absent.err, HasSubstr("libnone.so"));
-    const auto noDriver = Send({"--message", good}, "root", "libjsoncpp.so.25");
-    EXPECT_EQ(noDriver.exitCode, 3);
-    EXPECT_THAT(noDriver.err, HasSubstr("does not export GetDriverInstance"));
-    const auto broken = Send({"--message", good}, "unconfigurable");
-    EXPECT_EQ(broken.exitCode, 3);
-    EXPECT_THAT(broken.err, HasSubstr("Error in getting the configuration object."));
+    ExpectOneLine(Send({"--message", good}, "root", dir / "libnone.so"), 3, "libnone.so");
+    ExpectOneLine(Send({"--message", good}, "root", "libjsoncpp.so.25"), 3, "does not export GetDriverInstance");
+    ExpectOneLine(Send({"--message", good}, "unconfigurable"), 3, "Error in getting the configuration object.");
     EXPECT_THAT(dir.Read("unconfigurable/logs/vkmessenger.log"), HasSubstr("[ERROR] Error in getting"));
 }
 

@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <array>
 #include <functional>
 
 #include "PacketKit.h"
@@ -127,36 +126,28 @@ protected:
 
 TYPED_TEST_SUITE(PacketKind, kit::AllKinds);
 
-TYPED_TEST(PacketKind, EveryFieldComesBackFromARequest)
+TYPED_TEST(PacketKind, EveryFieldComesBack)
 {
-    const auto sent = kit::Full<TypeParam>();
-    TypeParam fresh;
-    vk::mxp::ForEachFlatField(TypeParam::ParamFields(), [&](const auto& row) {
-        EXPECT_FALSE(vk::mxp::SameValue(row.of(*sent), row.of(fresh))) << row.name << " was not filled";
-    });
-    std::string error;
-    const auto received = kit::Received<TypeParam>(kit::Sent(*sent), &error);
-    ASSERT_TRUE(received) << error;
-    vk::mxp::ForEachFlatField(TypeParam::ParamFields(), [&](const auto& row) {
-        EXPECT_TRUE(vk::mxp::SameValue(row.of(*sent), row.of(*received))) << row.name;
-    });
-    EXPECT_EQ(received->m_iSequence, 7);
-}
-
-TYPED_TEST(PacketKind, EveryFieldComesBackFromAResponse)
-{
-    auto sent = kit::Full<TypeParam>();
-    sent->m_iPacketType = VKMXPmBase::kResponse;
-    std::string error;
-    const auto received = kit::Received<TypeParam>(kit::Sent(*sent), &error);
-    ASSERT_TRUE(received) << error;
-    EXPECT_TRUE(vk::mxp::SameParameters(*sent, *received));
-    TypeParam fresh;
-    vk::mxp::ForEachFlatField(TypeParam::ResultFields(), [&](const auto& row) {
-        EXPECT_FALSE(vk::mxp::SameValue(row.of(*sent), row.of(fresh))) << row.name << " was not filled";
-        EXPECT_TRUE(vk::mxp::SameValue(TypeParam::kReadsResult ? row.of(*sent) : row.of(fresh), row.of(*received)))
-            << row.name;
-    });
+    const auto expectSame = [](const TypeParam& sent, const TypeParam& received, const auto& table) {
+        const TypeParam fresh;
+        vk::mxp::ForEachFlatField(table, [&](const auto& row) {
+            EXPECT_FALSE(vk::mxp::SameValue(row.of(sent), row.of(fresh))) << row.name << " was not filled";
+            EXPECT_TRUE(vk::mxp::SameValue(row.of(sent), row.of(received))) << row.name;
+        });
+    };
+    for (const int type : {VKMXPmBase::kRequest, VKMXPmBase::kResponse}) {
+        const auto sent = kit::Full<TypeParam>();
+        sent->m_iPacketType = type;
+        std::string error;
+        const auto received = kit::Received<TypeParam>(kit::Sent(*sent), &error);
+        ASSERT_TRUE(received) << error;
+        EXPECT_EQ(received->m_iSequence, 7);
+        expectSame(*sent, *received, TypeParam::ParamFields());
+        if (type == VKMXPmBase::kResponse && TypeParam::kReadsResult)
+            expectSame(*sent, *received, TypeParam::ResultFields());
+        else
+            EXPECT_TRUE(vk::mxp::SameFields(TypeParam(), *received, TypeParam::ResultFields()));
+    }
 }
 
 TYPED_TEST(PacketKind, MissingElementOrAttributeIsNamed)
@@ -209,42 +200,30 @@ TYPED_TEST(PacketKind, TextOfAMegabyteIsCarriedInAnyField)
     }
 }
 
-TYPED_TEST(PacketKind, OddNumbersAreReadByTheirLeadingDigits)
+/// How the digits are taken is told by the test of numbers; here, that every place takes them so. Beyond 32 bits a
+/// number is cut, kept by 64 bits, or a real one.
+TYPED_TEST(PacketKind, OddNumbersAreReadByTheirLeadingDigitsEverywhere)
 {
-    struct Odd
-    {
-        const char* text;
-        const char* read;
-    };
-    const Odd table[] = {{"", "0"},    {"abc", "0"},  {" \t12", "12"}, {"+5", "5"}, {"+-5", "0"},
-                         {"- 1", "0"}, {"0x10", "0"}, {"7 8", "7"},    {"9z", "9"}, {"007", "7"}};
-    // Beyond 32 bits: cut, kept by 64 bits, or as a real number.
-    const std::pair<const char*, std::array<const char*, 3>> large[] = {
-        {"2147483648", {"-2147483648", "2147483648", "2.14748e+09"}},
+    const std::pair<const char*, std::vector<std::string>> table[] = {
+        {" +12z", {"12"}},
+        {"", {"0"}},
+        {"abc", {"0"}},
         {"-4294967295", {"1", "18446744069414584321", "-4.29497e+09"}},
         {"99999999999999999999", {"-1", "18446744073709551615", "1e+20"}},
     };
-    const auto check = [&](const std::string& whole, const Places& places, auto write) {
+    const auto check = [&](const std::string& whole, const Places& places) {
         for (const Place& place : places) {
-            if (!place.number)
-                continue;
-            for (const Odd& odd : table) {
-                if (place.what == Place::What::Contents && *odd.text == '\0')
+            for (const auto& [text, read] : table) {
+                if (!place.number || (place.what == Place::What::Contents && *text == '\0'))
                     continue; // no contents: what may be left alone is left alone
-                const auto packet = kit::Received<TypeParam>(With(whole, place, odd.text));
-                ASSERT_TRUE(packet) << place.path.back() << " " << odd.text;
-                EXPECT_EQ(At(write(*packet), place), odd.read) << place.path.back() << " '" << odd.text << "'";
-            }
-            for (const auto& [text, read] : large) {
                 const auto packet = kit::Received<TypeParam>(With(whole, place, text));
-                ASSERT_TRUE(packet) << place.path.back() << " " << text;
-                EXPECT_THAT(read, testing::Contains(At(write(*packet), place))) << place.path.back();
+                ASSERT_TRUE(packet) << place.path.back() << " '" << text << "'";
+                EXPECT_THAT(read, testing::Contains(At(kit::Sent(*packet), place))) << place.path.back() << text;
             }
         }
     };
-    const auto write = [](const TypeParam& packet) { return kit::Sent(packet); };
-    check(FullText<TypeParam>(VKMXPmBase::kRequest), ParamPlaces<TypeParam>(), write);
-    check(FullText<TypeParam>(VKMXPmBase::kResponse), ResultPlaces<TypeParam>(), write);
+    check(FullText<TypeParam>(VKMXPmBase::kRequest), ParamPlaces<TypeParam>());
+    check(FullText<TypeParam>(VKMXPmBase::kResponse), ResultPlaces<TypeParam>());
 }
 
 } // namespace

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -102,14 +104,44 @@ template <class Packet> std::string Sent(const Packet& packet)
     return text;
 }
 
-/// The one packet of an envelope in which it is read; null with the envelope's error when it is refused.
-template <class Packet> std::unique_ptr<Packet> Received(const std::string& text, std::string* error = nullptr)
+/// The one packet of an envelope; null with the envelope's error when it is refused.
+template <class Packet> std::unique_ptr<Packet> Only(const std::string& text, std::string* error = nullptr)
 {
     VKMXPmEnvelope envelope;
-    envelope.ParseXML(Envelope(text));
+    envelope.ParseXML(text);
     if (error)
         *error = envelope.m_iErrorCode ? std::to_string(envelope.m_iErrorCode) + " " + envelope.m_strErrorText : "";
     return std::unique_ptr<Packet>(dynamic_cast<Packet*>(envelope.Detach(0)));
+}
+
+/// The packet that an envelope with this text in it brings.
+template <class Packet> std::unique_ptr<Packet> Received(const std::string& text, std::string* error = nullptr)
+{
+    return Only<Packet>(Envelope(text), error);
+}
+
+inline std::string ReadFile(const std::string& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// One of the texts of a kind: its "request", its "response", or the request as it is "written".
+inline std::string Golden(const std::string& name, const char* which)
+{
+    return ReadFile(VK_SOURCE_DIR "/tests/packets/golden/" + name + "." + which + ".xml");
+}
+
+/// Makes a request the response to itself, as a server does that found what stands in another response.
+template <class Packet> void Answer(Packet& packet, const Packet& found)
+{
+    packet.m_iPacketType = VKMXPmBase::kResponse;
+    packet.m_iResponseCode = found.m_iResponseCode;
+    packet.m_strResponseMessage = found.m_strResponseMessage;
+    packet.m_eResponseResultType = found.m_eResponseResultType;
+    XmlReaderWriter::Node result = found.m_objResponseResultNode;
+    if (found.m_eResponseResultType == eRespResultXml)
+        vk::mxp::ReadFields(result, packet, Packet::ResultFields());
 }
 
 } // namespace kit

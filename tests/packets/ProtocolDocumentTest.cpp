@@ -1,8 +1,4 @@
-#include <gtest/gtest.h>
-
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <set>
 
 #include "PacketKit.h"
@@ -14,21 +10,6 @@
 namespace {
 
 constexpr char kDocument[] = VK_SOURCE_DIR "/docs/protocol.md";
-
-std::string ReadFile(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-std::string Golden(const std::string& file) { return ReadFile(VK_SOURCE_DIR "/tests/packets/golden/" + file); }
-
-template <class Packet> std::unique_ptr<Packet> GoldenPacket(const char* which)
-{
-    VKMXPmEnvelope envelope;
-    EXPECT_TRUE(envelope.ParseXML(Golden(std::string(Packet::kElement) + "." + which + ".xml")));
-    return std::unique_ptr<Packet>(dynamic_cast<Packet*>(envelope.Detach(0)));
-}
 
 std::string Rule(const vk::mxp::FieldPlace& place)
 {
@@ -70,20 +51,14 @@ std::string Example(const std::string& title, const std::string& text)
 /// The block of a kind: who sends it, its tables, a request and the response to it.
 template <class Packet> std::string Block()
 {
-    auto packet = GoldenPacket<Packet>("request");
-    const auto answer = GoldenPacket<Packet>("response");
+    const auto packet = kit::Only<Packet>(kit::Golden(Packet::kElement, "request"));
+    const auto answer = kit::Only<Packet>(kit::Golden(Packet::kElement, "response"));
     if (!packet || !answer)
         return "";
     const std::string parameters = vk::mxp::ParamsOnWire(*packet);
     std::string request, response;
     packet->AppendXML(request, parameters);
-    XmlReaderWriter::Node result = answer->m_objResponseResultNode;
-    if (!result.isNull())
-        vk::mxp::ReadFields(result, *packet, Packet::ResultFields());
-    packet->m_iPacketType = VKMXPmBase::kResponse;
-    packet->m_iResponseCode = answer->m_iResponseCode;
-    packet->m_strResponseMessage = answer->m_strResponseMessage;
-    packet->m_eResponseResultType = answer->m_eResponseResultType;
+    kit::Answer(*packet, *answer);
     packet->AppendXML(response, parameters);
     return std::string("Sent by the ") + (Packet::kServerSends ? "server" : "client") + ".\n\n" +
            Table("parameters", Rows(vk::mxp::PlacesOf<Packet>(Packet::ParamFields()))) +
@@ -96,7 +71,7 @@ std::string End(const std::string& name) { return "<!-- /" + name + " -->\n"; }
 
 TEST(ProtocolDocument, ShowsEveryKindAsItsTablesHaveIt)
 {
-    std::string document = ReadFile(kDocument);
+    std::string document = kit::ReadFile(kDocument);
     vk::mxp::ForEachPacket([&](auto kind) {
         using Packet = typename decltype(kind)::Type;
         const std::string name = Packet::kElement;
@@ -116,7 +91,7 @@ TEST(ProtocolDocument, ShowsEveryKindAsItsTablesHaveIt)
 
 TEST(ProtocolDocument, HasOnlyExamplesThatAreRead)
 {
-    const std::string document = ReadFile(kDocument);
+    const std::string document = kit::ReadFile(kDocument);
     std::multiset<std::string> seen;
     constexpr std::string_view fence = "```xml\n";
     for (std::size_t at = document.find(fence); at != std::string::npos; at = document.find(fence, at + 1)) {
@@ -136,7 +111,7 @@ TEST(ProtocolDocument, HasOnlyExamplesThatAreRead)
 
 TEST(ProtocolDocument, TellsTheErrorsAsTheyAre)
 {
-    const std::string document = ReadFile(kDocument);
+    const std::string document = kit::ReadFile(kDocument);
     for (const std::string& text :
          {std::string(), std::string("<mxp"), std::string("<mxq/>"), kit::Envelope("", "other"),
           kit::Envelope("<set-msg-status xmlns='vardock:mxp:request' type='request'/>"), kit::Envelope("<unknown/>")}) {

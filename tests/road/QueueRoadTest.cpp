@@ -1,8 +1,6 @@
+#include "ProgramOutput.h"
 #include "ProsodyServer.h"
 #include "QueueInstallation.h"
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <map>
@@ -66,13 +64,9 @@ protected:
     static std::map<std::string, int> Received(const RunningProgram& device)
     {
         std::map<std::string, int> times;
-        std::istringstream lines(device.Out());
-        for (std::string line; std::getline(lines, line);) {
-            Json::Value event;
-            std::istringstream(line) >> event;
+        for (const Json::Value& event : JsonLines(device.Out()))
             if (event["event"].asString() == "message")
                 ++times[event["job_id"].asString()];
-        }
         return times;
     }
 
@@ -80,7 +74,7 @@ protected:
     void ExpectWhole() const
     {
         for (const int queue : {1, 4, 5, 10})
-            EXPECT_TRUE(RunningProgram::Await([&] { return installation.IsWhole(queue); }))
+            EXPECT_TRUE(Until([&] { return installation.IsWhole(queue); }))
                 << "queue " << queue << ": " << testing::PrintToString(installation.Names(queue));
     }
 
@@ -133,7 +127,7 @@ TEST_P(QueueRoad, AnAnswerThatComesAfterARestartIsTaken)
         RunningProgram first("vkmessenger", Call());
         Add(job, R"(, "two_way": true)");
         EXPECT_TRUE(first.AwaitOut("DELIVERED-RECEIVED")) << first.Out();
-        EXPECT_TRUE(RunningProgram::Await([&] {
+        EXPECT_TRUE(Until([&] {
             const Names names = installation.Names(1);
             return names.size() == 1 && names.begin()->front() == 'Q';
         })) << first.Out();

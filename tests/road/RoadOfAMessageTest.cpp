@@ -1,4 +1,4 @@
-#include "ProgramRun.h"
+#include "RunningProgram.h"
 #include "ProsodyServer.h"
 #include "TempDir.h"
 

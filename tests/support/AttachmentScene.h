@@ -4,6 +4,7 @@
 #include "FreePort.h"
 #include "ProsodyServer.h"
 #include "RecordingLogger.h"
+#include "Until.h"
 #include "VKConfiguration.h"
 #include "VKEncryption.h"
 #include "VKMXPCoreManager.h"
@@ -83,19 +84,12 @@ inline std::string Decrypted(const FilePeer::Got& file)
     return {reinterpret_cast<char*>(out), static_cast<std::size_t>(length)};
 }
 
-inline std::size_t Entries(const char* directory)
+/// Of a directory; one that is not there has none.
+inline std::size_t Entries(const std::filesystem::path& directory)
 {
-    const std::filesystem::directory_iterator first(directory);
+    std::error_code none;
+    const std::filesystem::directory_iterator first(directory, none);
     return static_cast<std::size_t>(std::distance(begin(first), end(first)));
-}
-
-/// Waits until something is so, for the given time at most. Whether it is.
-template <class Condition> bool Until(const Condition& condition, std::chrono::seconds limit = std::chrono::seconds(15))
-{
-    const auto end = std::chrono::steady_clock::now() + limit;
-    while (!condition() && std::chrono::steady_clock::now() < end)
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    return condition();
 }
 
 /// How often a repeated test goes round; VK_LONG_TESTS in the environment makes it as many as an installation sees.
@@ -139,15 +133,7 @@ protected:
 
     static std::filesystem::path Received() { return Secured().parent_path() / "received_files"; }
 
-    static std::size_t CopiesLeft()
-    {
-        std::error_code ignored;
-        std::size_t count = 0;
-        for (auto it = std::filesystem::directory_iterator(Secured(), ignored);
-             it != std::filesystem::directory_iterator(); ++it)
-            ++count;
-        return count;
-    }
+    static std::size_t CopiesLeft() { return Entries(Secured()); }
 
     void Connect(int streamPort, int timeout = 15)
     {

@@ -1,44 +1,96 @@
 #pragma once
 
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
 #include <functional>
+#include <string>
+#include <sys/prctl.h>
 #include <sys/types.h>
 #include <sys/wait.h>
+#include <system_error>
 #include <unistd.h>
+#include <vector>
 
-/// A second process for the tests that need one: runs a function and ends with its result as exit code. It must not
-/// use handles that were opened before the fork.
+/// A second process for the tests that need one. The object's end waits for it.
 class ChildProcess
 {
 public:
-    explicit ChildProcess(const std::function<int()>& work) : m_pid(fork())
+    /// Runs a function and ends with its result as exit code. It must not use handles that were opened before.
+    explicit ChildProcess(const std::function<int()>& work)
     {
-        if (m_pid == 0) {
-            int code = 99;
-            try {
-                code = work();
-            } catch (...) {
-            }
-            _exit(code);
+        if (!IsChild())
+            return;
+        int code = 99;
+        try {
+            code = work();
+        } catch (...) {
         }
+        _exit(code);
+    }
+    /// Runs a program, found as a shell finds it. It reads nothing, and what it says goes into files.
+    ChildProcess(std::vector<std::string> words, const std::string& out, const std::string& err)
+    {
+        std::vector<char*> arguments; // made before the fork: other threads may hold the heap's locks then
+        for (std::string& word : words)
+            arguments.push_back(word.data());
+        arguments.push_back(nullptr);
+        if (!IsChild())
+            return;
+        constexpr int kAnew = O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC;
+        dup2(open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
+        dup2(open(out.c_str(), kAnew, 0600), STDOUT_FILENO);
+        dup2(open(err.c_str(), kAnew, 0600), STDERR_FILENO);
+        execvp(arguments[0], arguments.data());
+        _exit(127);
     }
     ~ChildProcess() { Wait(); }
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
 
-    /// Waits for the end; the exit code, or -1 when it ended by a signal.
+    void Send(int signal) const
+    {
+        if (m_pid > 0)
+            kill(m_pid, signal);
+    }
+    /// Sends a signal and waits for the end: as Wait.
+    int End(int signal)
+    {
+        Send(signal);
+        return Wait();
+    }
+    bool HasEnded()
+    {
+        Reap(WNOHANG);
+        return m_pid <= 0;
+    }
+    /// Waits for the end: the exit code, or the signal's number below zero.
     int Wait()
     {
-        if (m_pid <= 0)
-            return m_code;
-        int status = 0;
-        waitpid(m_pid, &status, 0);
-        m_pid = -1;
-        m_code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        Reap(0);
         return m_code;
     }
 
 private:
-    pid_t m_pid;
+    bool IsChild()
+    {
+        m_pid = fork();
+        if (m_pid < 0)
+            throw std::system_error(errno, std::generic_category(), "fork");
+        if (m_pid == 0)
+            prctl(PR_SET_PDEATHSIG, SIGKILL); // it must not outlive a test program that crashed
+        return m_pid == 0;
+    }
+    void Reap(int options)
+    {
+        int status = 0;
+        if (m_pid <= 0 || waitpid(m_pid, &status, options) != m_pid)
+            return;
+        m_pid = -1;
+        m_code = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+    }
+
+    pid_t m_pid = -1;
     int m_code = -1;
 };
 

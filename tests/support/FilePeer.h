@@ -4,16 +4,12 @@
 #include "TempDir.h"
 #include "VKMXPFileReceiver.h"
 #include "VKMXPStreamListener.h"
-#include "VKMXPTcpSocket.h"
-#include "VKMXPTlsOpenSsl.h"
 #include "VKMXPTrafficWait.h"
+#include "XmppPeer.h"
 
 #include <gtest/gtest.h>
 #include <gloox/bytestream.h>
-#include <gloox/client.h>
-#include <gloox/connectionlistener.h>
 #include <gloox/disco.h>
-#include <gloox/message.h>
 #include <gloox/siprofileft.h>
 #include <gloox/socks5bytestream.h>
 #include <gloox/socks5bytestreamserver.h>
@@ -48,17 +44,9 @@ public:
     static constexpr int kInBand = gloox::SIProfileFT::FTTypeIBB;
 
     FilePeer(const std::string& jid, int port, int streamTypes, Manner manner = Manner::Accept)
-        : m_manner(manner), m_types(streamTypes), m_client(gloox::JID(jid), "pw", port)
+        : m_manner(manner), m_types(streamTypes), m_client(gloox::JID(jid), "pw", port),
+          m_socket(ConnectOnLoopback(m_client, port, &m_traffic))
     {
-        m_client.setServer("127.0.0.1");
-        m_client.disableRoster();
-        auto socket = std::make_unique<VKMXPTcpSocket>(&m_client, "127.0.0.1", port, &m_traffic,
-                                                       VKMXPTcpSocket::Clock::now() + std::chrono::seconds(10));
-        auto tls = std::make_unique<VKMXPTlsOpenSsl>(&m_client, "localhost", "");
-        tls->init();
-        m_socket = socket.get();
-        m_client.setConnectionImpl(socket.release());
-        m_client.setEncryptionImpl(tls.release());
         m_client.registerConnectionListener(this);
         if (streamTypes != 0)
             m_receiver = std::make_unique<Receiver>(*this);
@@ -332,7 +320,7 @@ private:
     TempDir m_dir;
     vk::TrafficWait m_traffic;
     gloox::Client m_client;
-    VKMXPTcpSocket* m_socket = nullptr;
+    VKMXPTcpSocket* const m_socket;
     std::unique_ptr<Receiver> m_receiver;
     std::unique_ptr<Sender> m_sender; ///< made behind the receiver, which is asked first then
     std::atomic<bool> m_opened{false};

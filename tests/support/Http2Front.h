@@ -1,10 +1,11 @@
 #pragma once
 
+#include "ChildProcess.h"
 #include "TempDir.h"
 #include "TestAuthority.h"
 
+#include <optional>
 #include <string>
-#include <sys/types.h>
 
 namespace vktest {
 
@@ -30,15 +31,14 @@ public:
 
 private:
     void Start();
-    void Kill();
-    bool AwaitPort() const;
+    bool AwaitPort();
 
     TempDir m_dir;
     int m_backendPort;
     Identity m_identity;
     std::string m_clientAuthority;
     int m_port = 0;
-    pid_t m_pid = -1;
+    std::optional<ChildProcess> m_process;
 };
 
 } // namespace vktest

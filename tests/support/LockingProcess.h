@@ -1,13 +1,20 @@
 #pragma once
 
-#include <cstdlib>
-#include <fcntl.h>
-#include <stdexcept>
-#include <string>
-#include <sys/wait.h>
-#include <unistd.h>
+#include "ChildProcess.h"
+
+#include <gtest/gtest.h>
 
 namespace vktest {
+
+/// Locks a whole file for this process if no other holds it, until the process ends.
+inline bool LockWhole(const std::string& path, short type)
+{
+    struct flock lock = {};
+    lock.l_type = type;
+    lock.l_whence = SEEK_SET;
+    const int fd = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    return fd >= 0 && fcntl(fd, F_SETLK, &lock) == 0;
+}
 
 /// Another process that holds a lock on a whole file as long as this object lives: a POSIX lock keeps only other
 /// processes out.
@@ -15,60 +22,33 @@ class LockingProcess
 {
 public:
     explicit LockingProcess(const std::string& path, short type = F_WRLCK)
+        : m_child([&] {
+              const bool isLocked = LockWhole(path, type);
+              m_tried.Send();
+              return isLocked && m_end.Await() ? 0 : 1;
+          })
     {
-        int ready[2];
-        int end[2];
-        if (pipe(ready) != 0 || pipe(end) != 0)
-            throw std::runtime_error("pipe");
-        m_child = fork();
-        if (m_child == 0) {
-            close(end[1]);
-            struct flock lock = {};
-            lock.l_type = type;
-            lock.l_whence = SEEK_SET;
-            const int fd = open(path.c_str(), O_RDWR | O_CREAT, 0666);
-            char byte = fd >= 0 && fcntl(fd, F_SETLK, &lock) == 0 ? 'y' : 'n';
-            if (write(ready[1], &byte, 1) == 1 && read(end[0], &byte, 1) >= 0)
-                _exit(0);
-            _exit(1);
-        }
-        close(ready[1]);
-        close(end[0]);
-        m_end = end[1];
-        char byte = 'n';
-        const bool told = read(ready[0], &byte, 1) == 1;
-        close(ready[0]);
-        if (!told || byte != 'y')
-            throw std::runtime_error("the other process could not lock " + path);
+        EXPECT_TRUE(m_tried.Await());
     }
     ~LockingProcess() { Release(); }
-    LockingProcess(const LockingProcess&) = delete;
-    LockingProcess& operator=(const LockingProcess&) = delete;
 
     /// Ends the process, and the lock with it.
     void Release()
     {
-        if (m_end < 0)
-            return;
-        close(m_end);
-        m_end = -1;
-        waitpid(m_child, nullptr, 0);
+        m_end.Send();
+        EXPECT_EQ(m_child.Wait(), 0) << "the other process could not lock the file";
     }
 
 private:
-    pid_t m_child = -1;
-    int m_end = -1;
+    Signal m_tried;
+    Signal m_end;
+    ChildProcess m_child;
 };
 
 /// Whether a process other than this one could lock the whole file now.
 inline bool OthersCanLock(const std::string& path, short type = F_WRLCK)
 {
-    try {
-        LockingProcess other(path, type);
-        return true;
-    } catch (const std::runtime_error&) {
-        return false;
-    }
+    return ChildProcess([&] { return LockWhole(path, type) ? 0 : 1; }).Wait() == 0;
 }
 
 } // namespace vktest

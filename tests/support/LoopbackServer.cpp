@@ -1,13 +1,14 @@
 #include "LoopbackServer.h"
 
+#include "FreePort.h"
+
 #include <csignal>
 #include <cstdint>
 #include <memory>
-#include <netinet/in.h>
 #include <poll.h>
-#include <stdexcept>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
+#include <tuple>
 #include <unistd.h>
 
 namespace vktest {
@@ -82,7 +83,7 @@ std::string LoopbackServer::Peer::ClientName() const
 LoopbackServer::LoopbackServer(Script script, std::optional<Tls> tls)
     : m_script(std::move(script)), m_tls(std::move(tls)), m_stop(eventfd(0, EFD_CLOEXEC))
 {
-    Listen();
+    std::tie(m_listener, m_port) = ListenOnLoopback();
     m_thread = std::thread([this] { Run(); });
 }
 
@@ -93,20 +94,6 @@ LoopbackServer::~LoopbackServer()
     m_thread.join();
     close(m_listener);
     close(m_stop);
-}
-
-void LoopbackServer::Listen()
-{
-    m_listener = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t length = sizeof address;
-    auto* const generic = reinterpret_cast<sockaddr*>(&address);
-    if (bind(m_listener, generic, length) != 0 || listen(m_listener, 16) != 0 ||
-        getsockname(m_listener, generic, &length) != 0)
-        throw std::runtime_error("no port on loopback");
-    m_port = ntohs(address.sin_port);
 }
 
 void LoopbackServer::Run()

@@ -61,7 +61,6 @@ public:
     int Connections() const { return m_connections; }
 
 private:
-    void Listen();
     void Run();
     void Serve(int socket);
 

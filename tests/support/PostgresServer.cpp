@@ -1,32 +1,13 @@
 #include "PostgresServer.h"
 
-#include "ProgramRun.h"
+#include "FreePort.h"
+#include "RunningProgram.h"
 
-#include <arpa/inet.h>
-#include <cerrno>
-#include <chrono>
-#include <csignal>
 #include <pwd.h>
 #include <stdexcept>
-#include <sys/socket.h>
-#include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 namespace {
-
-int FreePort()
-{
-    const int handle = socket(AF_INET, SOCK_STREAM, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    socklen_t size = sizeof address;
-    bind(handle, reinterpret_cast<sockaddr*>(&address), size);
-    getsockname(handle, reinterpret_cast<sockaddr*>(&address), &size);
-    close(handle);
-    return ntohs(address.sin_port);
-}
 
 std::string ProgramFolder()
 {
@@ -123,32 +104,17 @@ std::string PostgresServer::RunScript(const std::string& statements) const
 void PostgresServer::Start()
 {
     const std::string command = "cd / && exec " + AsServerUser() + ProgramFolder() + "postgres -D " + (m_dir / "data") +
-                                " -h 127.0.0.1 -p " + std::to_string(m_port) + " -k '' -F >" + (m_dir / "server.out") +
-                                " 2>&1";
-    m_pid = fork();
-    if (m_pid < 0)
-        throw std::system_error(errno, std::generic_category(), "fork");
-    if (m_pid == 0) {
-        execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
-        _exit(127);
-    }
+                                " -h 127.0.0.1 -p " + std::to_string(m_port) + " -k '' -F";
+    m_process.emplace(std::vector<std::string>{"/bin/sh", "-c", command}, m_dir / "server.out", m_dir / "server.out");
     const std::string ready = "-q -h 127.0.0.1 -p " + std::to_string(m_port);
-    const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-    while (Run("pg_isready", ready, "ready.out") != 0) {
-        if (std::chrono::steady_clock::now() > giveUp || waitpid(m_pid, nullptr, WNOHANG) == m_pid)
-            throw std::runtime_error("postgres did not start: " + m_dir.Read("server.out"));
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    }
+    const auto answers = [&] { return Run("pg_isready", ready, "ready.out") == 0; };
+    if (!Until([&] { return m_process->HasEnded() || answers(); }, std::chrono::seconds(30)) || m_process->HasEnded())
+        throw std::runtime_error("postgres did not start: " + m_dir.Read("server.out"));
 }
 
 void PostgresServer::Stop()
 {
-    if (m_pid <= 0)
-        return;
-    kill(m_pid, SIGINT); // the server's word for: at once, but in order
-    while (waitpid(m_pid, nullptr, 0) < 0 && errno == EINTR) {
-    }
-    m_pid = -1;
+    m_process->End(SIGINT); // the server's word for: at once, but in order
 }
 
 /// The distribution's driver keeps a few bytes for each connection to itself.

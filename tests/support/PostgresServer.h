@@ -1,9 +1,10 @@
 #pragma once
 
-#include <string>
-#include <sys/types.h>
-
+#include "ChildProcess.h"
 #include "TempDir.h"
+
+#include <optional>
+#include <string>
 
 /// A private PostgreSQL server on loopback for tests: its own data folder, run by the unprivileged user "postgres" (the
 /// server refuses root), reached as the ODBC data source "vktest" through private odbc.ini and odbcinst.ini files.
@@ -40,5 +41,5 @@ private:
 
     TempDir m_dir;
     int m_port = 0;
-    pid_t m_pid = -1;
+    std::optional<ChildProcess> m_process;
 };

@@ -1,15 +1,9 @@
 #include "ProsodyServer.h"
 
-#include <cerrno>
-#include <chrono>
-#include <csignal>
+#include "Until.h"
+
 #include <cstdio>
-#include <fcntl.h>
 #include <stdexcept>
-#include <sys/prctl.h>
-#include <sys/wait.h>
-#include <thread>
-#include <unistd.h>
 
 ProsodyServer::ProsodyServer(Options options) : m_options(std::move(options)) { Prepare(); }
 
@@ -33,7 +27,7 @@ void ProsodyServer::AddAccounts(const std::vector<std::pair<std::string, std::st
 
 void ProsodyServer::Start()
 {
-    if (m_pid > 0)
+    if (m_process && !m_process->HasEnded())
         return;
     Spawn();
     if (!WaitUntilReady() && !m_wasReady) {
@@ -50,39 +44,19 @@ void ProsodyServer::Start()
 void ProsodyServer::Spawn()
 {
     m_dir.Write("prosody.log", "");
-    const std::string config = m_dir / "prosody.cfg.lua";
-    const std::string output = m_dir / "prosody.out";
-    m_pid = fork();
-    if (m_pid < 0)
-        throw std::system_error(errno, std::generic_category(), "fork");
-    if (m_pid == 0) {
-        // It must not outlive a test program that crashed.
-        prctl(PR_SET_PDEATHSIG, SIGKILL);
-        const int out = open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-        dup2(out, STDOUT_FILENO);
-        dup2(out, STDERR_FILENO);
-        execlp("prosody", "prosody", "-F", "--config", config.c_str(), nullptr);
-        _exit(127);
-    }
+    m_process.emplace(std::vector<std::string>{"prosody", "-F", "--config", m_dir / "prosody.cfg.lua"},
+                      m_dir / "prosody.out", m_dir / "prosody.out");
 }
 
 /// Watches the server's log for the line that says that its port is open, for ten seconds at most.
 bool ProsodyServer::WaitUntilReady()
 {
     const std::string ready = "Activated service 'c2s' on [127.0.0.1]:" + std::to_string(m_port);
-    const auto giveUp = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    while (std::chrono::steady_clock::now() < giveUp) {
-        const std::string log = Log();
-        if (log.find(ready) != std::string::npos)
-            return m_wasReady = true;
-        if (log.find("Failed to open server port") != std::string::npos)
-            break;
-        if (waitpid(m_pid, nullptr, WNOHANG) == m_pid) {
-            m_pid = -1;
-            break;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    }
+    const auto says = [this](const std::string& text) { return Log().find(text) != std::string::npos; };
+    Until([&] { return says(ready) || says("Failed to open server port") || m_process->HasEnded(); },
+          std::chrono::seconds(10));
+    if (says(ready))
+        return m_wasReady = true;
     if (m_wasReady)
         throw std::runtime_error("prosody did not come back on port " + std::to_string(m_port) + ": " + Log());
     return false;
@@ -90,28 +64,19 @@ bool ProsodyServer::WaitUntilReady()
 
 void ProsodyServer::End(int signal)
 {
-    if (m_pid <= 0)
-        return;
     Thaw();
-    kill(m_pid, signal);
-    while (waitpid(m_pid, nullptr, 0) < 0 && errno == EINTR) {
-    }
-    m_pid = -1;
+    if (m_process)
+        m_process->End(signal);
 }
 
 void ProsodyServer::Stop() { End(SIGTERM); }
 void ProsodyServer::Kill() { End(SIGKILL); }
-
-void ProsodyServer::Freeze()
-{
-    if (m_pid > 0)
-        kill(m_pid, SIGSTOP);
-}
+void ProsodyServer::Freeze() { m_process->Send(SIGSTOP); }
 
 void ProsodyServer::Thaw()
 {
-    if (m_pid > 0)
-        kill(m_pid, SIGCONT);
+    if (m_process)
+        m_process->Send(SIGCONT);
 }
 
 /// Runs one function of the shell library with this standard input.

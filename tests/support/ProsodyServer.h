@@ -1,9 +1,10 @@
 #pragma once
 
+#include "ChildProcess.h"
 #include "TempDir.h"
 
+#include <optional>
 #include <string>
-#include <sys/types.h>
 #include <utility>
 #include <vector>
 
@@ -62,6 +63,6 @@ private:
     Options m_options;
     TempDir m_dir;
     int m_port = 0;
-    pid_t m_pid = -1;
+    std::optional<ChildProcess> m_process;
     bool m_wasReady = false;
 };

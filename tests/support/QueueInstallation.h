@@ -2,7 +2,6 @@
 
 #include "Backend.h"
 #include "PostgresServer.h"
-#include "ProgramRun.h"
 #include "QueueStore.h"
 #include "RunningProgram.h"
 #include "TempDir.h"
@@ -86,7 +85,7 @@ public:
 
     bool Await(int queue, const std::set<std::string>& names) const
     {
-        return RunningProgram::Await([&] { return Names(queue) == names; });
+        return Until([&] { return Names(queue) == names; });
     }
 
     /// The message files of a queue's directory.

@@ -47,14 +47,7 @@ public:
         return messages;
     }
 
-    /// Whether any message contains this text.
-    bool Has(const std::string& text) const
-    {
-        for (const Record& record : Records())
-            if (record.message.find(text) != std::string::npos)
-                return true;
-        return false;
-    }
+    bool Has(const std::string& text) const { return CountContaining(text) > 0; }
 
     /// How many messages contain this text.
     int CountContaining(const std::string& text) const

@@ -4,7 +4,7 @@
 
 #include <mutex>
 #include <string>
-#include <vector>
+#include <utility>
 
 /// While it lives, takes the lines that would go to syslog. One at a time.
 class SystemLogProbe
@@ -12,10 +12,10 @@ class SystemLogProbe
 public:
     SystemLogProbe()
     {
-        Lines(nullptr, true);
+        Take();
         VKsystemLog::SetSink([](int priority, const char* line) {
-            const std::string text = std::to_string(priority) + " " + line;
-            Lines(&text, false);
+            const std::lock_guard<std::mutex> guard(s_mutex);
+            s_lines += std::to_string(priority) + " " + line + "\n";
         });
     }
     ~SystemLogProbe() { VKsystemLog::SetSink(nullptr); }
@@ -25,24 +25,12 @@ public:
     /// All lines so far, each "PRIORITY LINE"; they are forgotten.
     std::string Take()
     {
-        std::string all;
-        for (const std::string& line : Lines(nullptr, true))
-            all += line + "\n";
-        return all;
+        const std::lock_guard<std::mutex> guard(s_mutex);
+        return std::exchange(s_lines, {});
     }
     bool Has(const std::string& text) { return Take().find(text) != std::string::npos; }
 
 private:
-    static std::vector<std::string> Lines(const std::string* add, bool clear)
-    {
-        static std::mutex mutex;
-        static std::vector<std::string> lines;
-        const std::lock_guard<std::mutex> guard(mutex);
-        if (add)
-            lines.push_back(*add);
-        std::vector<std::string> present = lines;
-        if (clear)
-            lines.clear();
-        return present;
-    }
+    static inline std::mutex s_mutex;
+    static inline std::string s_lines; // guarded by s_mutex
 };

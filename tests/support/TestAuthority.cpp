@@ -1,6 +1,5 @@
 #include "TestAuthority.h"
 
-#include <cstdio>
 #include <openssl/ec.h>
 #include <openssl/pem.h>
 #include <openssl/x509v3.h>
@@ -65,25 +64,23 @@ Identity TestAuthority::Issue(const std::string& name, const std::string& passPh
 
 std::string TestAuthority::WriteKey(const std::string& name, EVP_PKEY* key, const std::string& passPhrase)
 {
-    const std::string path = m_dir / (name + ".key");
-    FILE* const file = fopen(path.c_str(), "w");
-    Need(file != nullptr);
-    const int written = PEM_write_PKCS8PrivateKey(file, key, passPhrase.empty() ? nullptr : EVP_aes_256_cbc(),
-                                                  passPhrase.empty() ? nullptr : passPhrase.data(),
-                                                  static_cast<int>(passPhrase.size()), nullptr, nullptr);
-    fclose(file);
-    Need(written == 1);
-    return path;
+    return Write(name + ".key", [&](FILE* file) {
+        return PEM_write_PKCS8PrivateKey(file, key, passPhrase.empty() ? nullptr : EVP_aes_256_cbc(),
+                                         passPhrase.empty() ? nullptr : passPhrase.data(),
+                                         static_cast<int>(passPhrase.size()), nullptr, nullptr);
+    });
 }
 
 std::string TestAuthority::WriteCertificate(const std::string& name, X509* certificate)
 {
-    const std::string path = m_dir / (name + ".crt");
-    FILE* const file = fopen(path.c_str(), "w");
-    Need(file != nullptr);
-    const int written = PEM_write_X509(file, certificate);
-    fclose(file);
-    Need(written == 1);
+    return Write(name + ".crt", [&](FILE* file) { return PEM_write_X509(file, certificate); });
+}
+
+std::string TestAuthority::Write(const std::string& name, const std::function<int(FILE*)>& write) const
+{
+    const std::string path = m_dir / name;
+    const std::unique_ptr<FILE, int (*)(FILE*)> file(fopen(path.c_str(), "w"), &fclose);
+    Need(file && write(file.get()) == 1);
     return path;
 }
 

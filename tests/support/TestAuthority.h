@@ -2,6 +2,8 @@
 
 #include "TempDir.h"
 
+#include <cstdio>
+#include <functional>
 #include <memory>
 #include <openssl/evp.h>
 #include <openssl/x509.h>
@@ -35,6 +37,7 @@ private:
 
     std::string WriteKey(const std::string& name, EVP_PKEY* key, const std::string& passPhrase);
     std::string WriteCertificate(const std::string& name, X509* certificate);
+    std::string Write(const std::string& name, const std::function<int(std::FILE*)>& write) const;
 
     TempDir m_dir;
     Owned<EVP_PKEY> m_key;

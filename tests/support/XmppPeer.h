@@ -2,6 +2,7 @@
 
 #include "VKMXPTcpSocket.h"
 #include "VKMXPTlsOpenSsl.h"
+#include "VKMXPTrafficWait.h"
 
 #include <gloox/client.h>
 #include <gloox/connectionlistener.h>
@@ -18,6 +19,21 @@
 #include <thread>
 #include <vector>
 
+/// Makes a client one of a server on loopback; it takes any certificate. The socket is the client's.
+inline VKMXPTcpSocket* ConnectOnLoopback(gloox::Client& client, int port, vk::TrafficWait* traffic = nullptr)
+{
+    client.setServer("127.0.0.1");
+    client.disableRoster();
+    auto tls = std::make_unique<VKMXPTlsOpenSsl>(&client, "localhost", "");
+    tls->init();
+    client.setEncryptionImpl(tls.release());
+    auto socket = std::make_unique<VKMXPTcpSocket>(&client, "127.0.0.1", port, traffic,
+                                                   VKMXPTcpSocket::Clock::now() + std::chrono::seconds(10));
+    VKMXPTcpSocket* const made = socket.get();
+    client.setConnectionImpl(socket.release());
+    return made;
+}
+
 /// A client on the other side of the server, with a thread of its own: keeps the bodies it receives and sends what a
 /// test gives it.
 class XmppPeer : public gloox::ConnectionListener, public gloox::MessageHandler
@@ -29,14 +45,7 @@ public:
     XmppPeer(const std::string& jid, const std::string& password, int port, OnBody onBody = nullptr)
         : m_onBody(std::move(onBody)), m_client(gloox::JID(jid), password, port)
     {
-        m_client.setServer("127.0.0.1");
-        m_client.disableRoster();
-        auto socket = std::make_unique<VKMXPTcpSocket>(&m_client, "127.0.0.1", port, nullptr,
-                                                       VKMXPTcpSocket::Clock::now() + std::chrono::seconds(10));
-        auto tls = std::make_unique<VKMXPTlsOpenSsl>(&m_client, "localhost", "");
-        tls->init();
-        m_client.setConnectionImpl(socket.release());
-        m_client.setEncryptionImpl(tls.release());
+        ConnectOnLoopback(m_client, port);
         m_client.registerConnectionListener(this);
         m_client.registerMessageHandler(this);
         m_thread = std::thread([this] { Run(); });

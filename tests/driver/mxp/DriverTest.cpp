@@ -4,69 +4,44 @@
 #include "FilePeer.h"
 #include "HttpServer.h"
 #include "InstallationRoot.h"
-#include "ProsodyServer.h"
+#include "OnlinePeer.h"
 #include "RecordingLogger.h"
+#include "SaidPackets.h"
+#include "Until.h"
 #include "VKDBiMessageQueue.h"
 #include "VKRecordText.h"
 #include "VKconCriticalSection.h"
-#include "VKMXPmConfirmMsg.h"
-#include "VKMXPmEnvelope.h"
-#include "VKMXPmMessage.h"
 #include "VKMXPmRejectMsg.h"
 #include "VKMXPmSendMsgResponse.h"
 #include "VKMXPmSetMsgStatus.h"
 #include "VKmxpDriverExports.h"
-#include "XmppPeer.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace {
 
-using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
 using Reports = VKMessengerReportsMngrInterface;
-
-template <class Packet>
-std::string Envelope(std::unique_ptr<Packet> packet)
-{
-    packet->m_bValid = true;
-    VKMXPmEnvelope envelope;
-    envelope.Add(packet.release());
-    return envelope.GenerateXML();
-}
-
-std::string Confirm(const std::string& jobId)
-{
-    auto packet = std::make_unique<VKMXPmConfirmMsg>();
-    packet->m_strJobID = jobId;
-    packet->m_strResponse = "CONFIRM";
-    packet->m_iSequence = 41;
-    return Envelope(std::move(packet));
-}
+using vktest::ConfirmText;
+using testing::HasSubstr;
+using Texts = std::vector<std::string>;
 
 std::string Reject(const std::string& jobId)
 {
-    auto packet = std::make_unique<VKMXPmRejectMsg>();
-    packet->m_strJobID = jobId;
-    packet->m_strResponse = "REFUSE";
-    return Envelope(std::move(packet));
+    return vktest::Said<VKMXPmRejectMsg>(jobId, [](auto& packet) { packet.m_strResponse = "REFUSE"; });
 }
 
 std::string StatusIs(const std::string& jobId, const std::string& word)
 {
-    auto packet = std::make_unique<VKMXPmSetMsgStatus>();
-    packet->m_strJobID = jobId;
-    packet->m_strStatus = word;
-    return Envelope(std::move(packet));
+    return vktest::Said<VKMXPmSetMsgStatus>(jobId, [&](auto& packet) { packet.m_strStatus = word; });
 }
 
 std::string Reply(const std::string& jobId, const std::string& text)
 {
-    auto packet = std::make_unique<VKMXPmSendMsgResponse>();
-    packet->m_strJobID = jobId;
-    packet->m_strResponseCode = "1";
-    packet->m_strResponseText = text;
-    return Envelope(std::move(packet));
+    return vktest::Said<VKMXPmSendMsgResponse>(jobId, [&](auto& packet) {
+        packet.m_strResponseCode = "1";
+        packet.m_strResponseText = text;
+    });
 }
 
 class Driver : public ::testing::Test
@@ -138,47 +113,31 @@ protected:
         return envelope.GetCount() ? dynamic_cast<VKMXPmMessage&>(*envelope.Get(0)) : VKMXPmMessage();
     }
 
-    /// Queries the file until it was pushed back this often, or ten seconds are over.
+    std::size_t Pushed()
+    {
+        const vk::ScopedSection lock(queue.objLock);
+        return queue.queFiles.size();
+    }
+    /// Queries the file until it was pushed back this often.
     void QueryUntilPushed(FakeMessageFile& file, std::size_t count)
     {
-        const auto limit = Clock::now() + 10s;
-        while (queue.queFiles.size() < count && Clock::now() < limit) {
-            ASSERT_TRUE(driver->Send2WayRespQuery(&file, status));
-            std::this_thread::sleep_for(1ms);
-        }
-        EXPECT_EQ(queue.queFiles.size(), count);
+        Until([&] {
+            EXPECT_TRUE(driver->Send2WayRespQuery(&file, status));
+            return Pushed() >= count;
+        });
+        EXPECT_EQ(Pushed(), count);
     }
 
-    bool WaitForPush(std::size_t count)
-    {
-        const auto limit = Clock::now() + 10s;
-        while (Clock::now() < limit) {
-            {
-                const vk::ScopedSection lock(queue.objLock);
-                if (queue.queFiles.size() >= count)
-                    return true;
-            }
-            std::this_thread::sleep_for(1ms);
-        }
-        return false;
-    }
-
-    static std::unique_ptr<ProsodyServer> s_server;
-    static std::unique_ptr<InstallationRoot> s_root;
-    static unsigned long s_alice;
-    static unsigned long s_oneWay;
-    static vktest::RecordingLogger s_logger;
+    static inline std::unique_ptr<ProsodyServer> s_server;
+    static inline std::unique_ptr<InstallationRoot> s_root;
+    static inline unsigned long s_alice;
+    static inline unsigned long s_oneWay;
+    static inline vktest::RecordingLogger& s_logger = vktest::CoreLogger();
 
     VKMsgFileQueue queue;
     VKProtocolDriverInterface* driver = nullptr;
     Reports::ReportsStatus status = Reports::RS_UNCHANGED;
 };
-
-std::unique_ptr<ProsodyServer> Driver::s_server;
-std::unique_ptr<InstallationRoot> Driver::s_root;
-unsigned long Driver::s_alice;
-unsigned long Driver::s_oneWay;
-vktest::RecordingLogger Driver::s_logger;
 
 TEST_F(Driver, SaysWhatItIs)
 {
@@ -195,8 +154,7 @@ TEST_F(Driver, SaysWhatItIs)
 
 TEST_F(Driver, DeliversAMessageWithAllItsFields)
 {
-    XmppPeer alice(s_server->Jid("alice") + "/mxp", "pw", s_server->Port());
-    ASSERT_TRUE(alice.WaitUntilOnline());
+    OnlinePeer alice(*s_server, "alice");
     FakeMessageFile file = FileFor("alice", s_alice, "J-1");
     file.strSender.clear();
     file.strFallbackSender = "fallback";
@@ -209,7 +167,7 @@ TEST_F(Driver, DeliversAMessageWithAllItsFields)
     file.vecResponseChoices = {{"Come: at once", 0}, {"Later", 1}};
     ASSERT_TRUE(Send(file)) << file.failureReasons.back();
     EXPECT_EQ(status, Reports::RS_SENT);
-    EXPECT_EQ(file.carrierReferences, std::vector<std::string>{"J-1"});
+    EXPECT_EQ(file.carrierReferences, Texts{"J-1"});
 
     const auto bodies = alice.WaitForBodies(1);
     ASSERT_EQ(bodies.size(), 1U);
@@ -223,14 +181,13 @@ TEST_F(Driver, DeliversAMessageWithAllItsFields)
     EXPECT_TRUE(message.m_bConfidential);
     EXPECT_EQ(message.m_tDispatchTime, 1700000000);
     EXPECT_EQ(message.m_strCustomParameters, file.strCustomParameters);
-    EXPECT_EQ(message.m_vecResponseChoices, (std::vector<std::string>{"Come- at once", "Later"}));
+    EXPECT_EQ(message.m_vecResponseChoices, (Texts{"Come- at once", "Later"}));
     EXPECT_TRUE(message.m_bTwoWay) << "asked for, and a two-way receiver";
 }
 
 TEST_F(Driver, AsksForTwoWayOnlyWhereTheReceiverCan)
 {
-    XmppPeer bob(s_server->Jid("bob") + "/mxp", "pw", s_server->Port());
-    ASSERT_TRUE(bob.WaitUntilOnline());
+    OnlinePeer bob(*s_server, "bob");
     FakeMessageFile file = FileFor("bob", s_oneWay, "J-2");
     ASSERT_TRUE(Send(file));
     const auto bodies = bob.WaitForBodies(1);
@@ -243,13 +200,13 @@ TEST_F(Driver, LetsAnOfflineReceiverWaitOnlyWhenItMay)
     FakeMessageFile file = FileFor("alice", 4242, "J-3");
     EXPECT_FALSE(Send(file));
     EXPECT_EQ(status, Reports::RS_UNCHANGED);
-    EXPECT_EQ(file.failureReasons, std::vector<std::string>{"Receiver is offline."});
+    EXPECT_EQ(file.failureReasons, Texts{"Receiver is offline."});
 
     FakeMessageFile patient = FileFor("alice", 4242, "J-4");
     patient.bQueueWhenOffline = true;
     EXPECT_TRUE(Send(patient));
     EXPECT_EQ(status, Reports::RS_DEVICE_OFFLINE);
-    EXPECT_EQ(patient.statusTexts, std::vector<std::string>{"DEV OFFLINE"});
+    EXPECT_EQ(patient.statusTexts, Texts{"DEV OFFLINE"});
     EXPECT_TRUE(patient.failureReasons.empty());
 }
 
@@ -299,7 +256,7 @@ TEST_F(Driver, WakesTheDeviceOfAReceiverThatMayWait)
         answer = c.answer;
         EXPECT_TRUE(Send(file));
         EXPECT_EQ(status, Reports::RS_DEVICE_OFFLINE);
-        EXPECT_EQ(file.statusTexts, std::vector<std::string>{c.text});
+        EXPECT_EQ(file.statusTexts, Texts{c.text});
         EXPECT_TRUE(*c.log == '\0' || s_logger.Has("Job ID: [J-push] >> " + std::string(c.log))) << c.log;
     }
     EXPECT_EQ(service.Requests().size(), 2U) << "no push without a token, a service or the wish";
@@ -317,7 +274,7 @@ TEST_F(Driver, WakesTheDeviceOfAReceiverThatMayWait)
     EXPECT_TRUE(driver->ResetDevice()) << "the next push reads the settings anew";
     impatient.bQueueWhenOffline = true;
     EXPECT_TRUE(Send(impatient));
-    EXPECT_EQ(impatient.statusTexts, std::vector<std::string>{"DEV OFFLINE"});
+    EXPECT_EQ(impatient.statusTexts, Texts{"DEV OFFLINE"});
     EXPECT_EQ(service.Requests().size(), 2U);
 
     database->resetCache();
@@ -326,12 +283,11 @@ TEST_F(Driver, WakesTheDeviceOfAReceiverThatMayWait)
 
 TEST_F(Driver, ReachesTheEmergencyUserWithoutASession)
 {
-    XmppPeer emergency(s_server->Jid("_vk_emerg_user_") + "/anywhere", "pw", s_server->Port(),
-                       [](XmppPeer& peer, const std::string& from, const std::string&) {
-                           peer.Send(from, Confirm("J-5"));
-                           peer.Send(from, StatusIs("J-5", "READ"));
-                       });
-    ASSERT_TRUE(emergency.WaitUntilOnline());
+    OnlinePeer emergency(*s_server, "_vk_emerg_user_",
+                         [](XmppPeer& peer, const std::string& from, const std::string&) {
+                             peer.Send(from, ConfirmText("J-5"));
+                             peer.Send(from, StatusIs("J-5", "READ"));
+                         });
     FakeMessageFile file = FileFor("", 0, "J-5");
     file.strReceiverPin = "_VK_emerg_USER_";
     file.vecAttachments = {"/no/such/file"};
@@ -342,9 +298,8 @@ TEST_F(Driver, ReachesTheEmergencyUserWithoutASession)
     EXPECT_FALSE(message.m_bTwoWay);
     EXPECT_TRUE(message.m_vecAttachments.empty());
     // Its answers change nothing and get none.
-    const auto limit = Clock::now() + 10s;
-    while (s_logger.CountContaining("Response from emerency user. It will be ignored.") < 2 && Clock::now() < limit)
-        std::this_thread::sleep_for(1ms);
+    const std::string told = "Response from emerency user. It will be ignored.";
+    EXPECT_TRUE(Until([&] { return s_logger.CountContaining(told) == 2; }));
     EXPECT_TRUE(driver->Send2WayRespQuery(&file, status));
     EXPECT_EQ(status, Reports::RS_FAILED);
     EXPECT_TRUE(queue.queFiles.empty());
@@ -352,89 +307,69 @@ TEST_F(Driver, ReachesTheEmergencyUserWithoutASession)
 
 TEST_F(Driver, BringsBackWhatTheDeviceSaysInOrder)
 {
-    XmppPeer alice(s_server->Jid("alice") + "/mxp", "pw", s_server->Port(),
-                   [](XmppPeer& peer, const std::string& from, const std::string& body) {
-                       if (body.find("type='request'") == std::string::npos)
-                           return;
-                       peer.Send(from, StatusIs("J-6", "Received"));
-                       peer.Send(from, StatusIs("J-6", "banana"));
-                       peer.Send(from, StatusIs("J-6", "READ"));
-                       peer.Send(from, Confirm("J-6"));
-                   });
-    ASSERT_TRUE(alice.WaitUntilOnline());
-    FakeMessageFile file = FileFor("alice", s_alice, "J-6");
-    ASSERT_TRUE(driver->Send2WayRespQuery(&file, status));
-    EXPECT_EQ(status, Reports::RS_FAILED) << "nothing is known yet";
-    ASSERT_TRUE(Send(file)) << file.failureReasons.back();
-    QueryUntilPushed(file, 3);
-    EXPECT_EQ(file.deliveryStatuses, (std::vector<std::string>{"DELIVERED-Received", "DELIVERED-READ"}));
-    EXPECT_EQ(file.statusTexts, (std::vector<std::string>{": Received", ": READ", ""}));
-    EXPECT_TRUE(file.bDelivered);
-    EXPECT_EQ(file.vecReceivedResponses.size(), 1U);
-    EXPECT_EQ(file.vecReceivedResponses[0].strText, "CONFIRM");
-    EXPECT_EQ(file.eReportStatus, Reports::RS_CONFIRMED);
-    EXPECT_FALSE(file.bKeepOpen);
-    ASSERT_TRUE(driver->Send2WayRespQuery(&file, status));
-    EXPECT_EQ(status, Reports::RS_FAILED) << "all of it was applied";
-
-    // The confirmation was answered with its own parameters and sequence.
-    const auto bodies = alice.WaitForBodies(2);
-    ASSERT_EQ(bodies.size(), 2U);
-    EXPECT_NE(bodies[1].find("<confirm-msg xmlns='vardock:mxp:response' type='response' seq='41'>"), std::string::npos);
-    EXPECT_NE(bodies[1].find("The status of Job ID &apos;J-6&apos; is successfully updated to &apos;CONFIRMED&apos;."),
-              std::string::npos)
-        << bodies[1];
-}
-
-TEST_F(Driver, TellsARejectionAndEndsTheFile)
-{
-    XmppPeer bob(s_server->Jid("bob") + "/mxp", "pw", s_server->Port(),
-                 [](XmppPeer& peer, const std::string& from, const std::string& body) {
-                     if (body.find("type='request'") != std::string::npos)
-                         peer.Send(from, Reject("J-7"));
-                 });
-    ASSERT_TRUE(bob.WaitUntilOnline());
-    FakeMessageFile file = FileFor("bob", s_oneWay, "J-7");
-    ASSERT_TRUE(Send(file));
-    QueryUntilPushed(file, 1);
-    EXPECT_EQ(file.eReportStatus, Reports::RS_REJECTED);
-    EXPECT_EQ(file.vecReceivedResponses[0].strText, "REFUSE");
-    EXPECT_FALSE(file.bKeepOpen);
-}
-
-TEST_F(Driver, KeepsAFileOpenForNonTerminalAnswersOnly)
-{
-    struct Case
+    const struct
     {
-        int type;
+        const char* job;
+        const char* user;
+        Texts said;
+        int actionType;
         bool taken;
+        Texts deliveryStatuses;
+        Texts statusTexts; ///< one for each time that the file is pushed back
+        Reports::ReportsStatus told;
         Reports::ReportsStatus pushed;
         bool open;
+        const char* response;
+    } rows[] = {
+        {"J-6", "alice",
+         {StatusIs("J-6", "Received"), StatusIs("J-6", "banana"), StatusIs("J-6", "READ"), ConfirmText("J-6", 41)},
+         0, true, {"DELIVERED-Received", "DELIVERED-READ"}, {": Received", ": READ", ""}, Reports::RS_CONFIRMED,
+         Reports::RS_CONFIRMED, false, "CONFIRM"},
+        {"J-7", "bob", {Reject("J-7")}, 0, true, {}, {""}, Reports::RS_REJECTED, Reports::RS_REJECTED, false, "REFUSE"},
+        {"J-80", "alice", {Reply("J-80", "on my way")}, 1, true, {}, {""}, Reports::RS_REPLIED_WITH,
+         Reports::RS_REPLIED_WITH, true, "on my way"},
+        {"J-81", "alice", {Reply("J-81", "on my way")}, 0, true, {}, {""}, Reports::RS_REPLIED_WITH,
+         Reports::RS_REPLIED_WITH, false, "on my way"},
+        {"J-82", "alice", {Reply("J-82", "on my way")}, 1, false, {}, {""}, Reports::RS_REPLIED_WITH,
+         Reports::RS_DELIVERED, false, ""},
     };
-    const Case cases[] = {{1, true, Reports::RS_REPLIED_WITH, true},
-                          {0, true, Reports::RS_REPLIED_WITH, false},
-                          {1, false, Reports::RS_DELIVERED, false}};
-    for (std::size_t i = 0; i < 3; ++i) {
-        SCOPED_TRACE(i);
-        const std::string job = "J-8" + std::to_string(i);
-        XmppPeer alice(s_server->Jid("alice") + "/mxp", "pw", s_server->Port(),
-                       [job](XmppPeer& peer, const std::string& from, const std::string&) {
-                           peer.Send(from, Reply(job, "on my way"));
-                       });
-        ASSERT_TRUE(alice.WaitUntilOnline());
-        FakeMessageFile file = FileFor("alice", s_alice, job);
-        file.actionType = cases[i].type;
-        file.takesResponses = cases[i].taken;
-        ASSERT_TRUE(Send(file));
-        QueryUntilPushed(file, i + 1);
-        EXPECT_EQ(status, Reports::RS_REPLIED_WITH);
-        EXPECT_EQ(file.eReportStatus, cases[i].pushed);
-        EXPECT_EQ(file.bKeepOpen, cases[i].open);
-        if (cases[i].taken) {
-            ASSERT_EQ(file.vecReceivedResponses.size(), 1U);
-            EXPECT_EQ(file.vecReceivedResponses[0].strText, "on my way");
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.job);
+        OnlinePeer device(*s_server, row.user, [&](XmppPeer& peer, const std::string& from, const std::string& body) {
+            for (const std::string& text : row.said)
+                if (body.find("type='request'") != std::string::npos)
+                    peer.Send(from, text);
+        });
+        FakeMessageFile file = FileFor(row.user, row.user == std::string("alice") ? s_alice : s_oneWay, row.job);
+        file.actionType = row.actionType;
+        file.takesResponses = row.taken;
+        ASSERT_TRUE(driver->Send2WayRespQuery(&file, status));
+        EXPECT_EQ(status, Reports::RS_FAILED) << "nothing is known yet";
+        ASSERT_TRUE(Send(file)) << file.failureReasons.back();
+        QueryUntilPushed(file, row.statusTexts.size());
+        EXPECT_EQ(file.deliveryStatuses, row.deliveryStatuses);
+        EXPECT_EQ(file.statusTexts, row.statusTexts);
+        EXPECT_EQ(file.bDelivered, !row.deliveryStatuses.empty());
+        EXPECT_EQ(file.eReportStatus, row.pushed);
+        EXPECT_EQ(file.bKeepOpen, row.open);
+        EXPECT_EQ(status, row.told);
+        ASSERT_EQ(file.vecReceivedResponses.size(), row.taken ? 1U : 0U);
+        if (row.taken) {
+            EXPECT_EQ(file.vecReceivedResponses[0].strText, row.response);
+        }
+        if (row.taken && row.told == Reports::RS_REPLIED_WITH) {
             EXPECT_EQ(file.askedIndexes, std::vector<int>{0});
         }
+        ASSERT_TRUE(driver->Send2WayRespQuery(&file, status));
+        EXPECT_EQ(status, Reports::RS_FAILED) << "all of it was applied";
+        queue.queFiles.clear();
+        if (row.pushed != Reports::RS_CONFIRMED)
+            continue;
+        const Texts bodies = device.WaitForBodies(2);
+        ASSERT_EQ(bodies.size(), 2U) << "a confirmation is answered with its own parameters and sequence";
+        EXPECT_THAT(bodies[1], HasSubstr("<confirm-msg xmlns='vardock:mxp:response' type='response' seq='41'>"));
+        EXPECT_THAT(bodies[1], HasSubstr("The status of Job ID &apos;J-6&apos; is successfully updated to "
+                                         "&apos;CONFIRMED&apos;."));
     }
 }
 
@@ -453,9 +388,9 @@ TEST_F(Driver, ReportsAJobWhenItsAttachmentsHaveArrived)
             alice.Become(FilePeer::Manner::Refuse);
         ASSERT_TRUE(Send(file));
         EXPECT_EQ(status, Reports::RS_PENDING);
-        ASSERT_TRUE(WaitForPush(whole ? 1 : 2));
+        ASSERT_TRUE(Until([&] { return Pushed() == (whole ? 1 : 2); }));
         EXPECT_EQ(file.eReportStatus, whole ? Reports::RS_SENT : Reports::RS_FAILED);
-        EXPECT_EQ(file.failureReasons, std::vector<std::string>{whole ? "" : "File Transfer Error."});
+        EXPECT_EQ(file.failureReasons, Texts{whole ? "" : "File Transfer Error."});
     }
     const auto got = alice.WaitForFiles(1);
     ASSERT_EQ(got.size(), 1U);
@@ -467,8 +402,7 @@ TEST_F(Driver, ReportsAJobWhenItsAttachmentsHaveArrived)
 
 TEST_F(Driver, AnnouncesAttachmentsInThePacket)
 {
-    XmppPeer alice(s_server->Jid("alice") + "/mxp", "pw", s_server->Port());
-    ASSERT_TRUE(alice.WaitUntilOnline());
+    OnlinePeer alice(*s_server, "alice");
     FakeMessageFile file = FileFor("alice", s_alice, "J-9");
     file.vecAttachments = {"/var/plans/ground floor.pdf", "C:\\plans\\roof.pdf", "bare"};
     ASSERT_TRUE(Send(file));
@@ -492,29 +426,26 @@ TEST_F(Driver, AnnouncesAttachmentsInThePacket)
 
 TEST_F(Driver, TellsWhyAMessageCouldNotBeSent)
 {
-    FakeMessageFile wrongPassword = FileFor("alice", s_alice, "J-11");
-    wrongPassword.strCarrierName = "other";
-    wrongPassword.strPassword = "wrong secret";
-    EXPECT_FALSE(Send(wrongPassword));
-    EXPECT_EQ(status, Reports::RS_UNCHANGED);
-    EXPECT_EQ(wrongPassword.failureReasons, std::vector<std::string>{"Disconnection Error."});
+    const struct
+    {
+        const char* reason;
+        void (*spoil)(FakeMessageFile& file);
+    } rows[] = {
+        {"Disconnection Error.", [](FakeMessageFile& file) { file.strPassword = "wrong secret"; }},
+        {"Error in establishing connection.", [](FakeMessageFile& file) { file.iPort = 1; }},
+        {"The custom parameters are not well-formed XML.",
+         [](FakeMessageFile& file) { file.strCustomParameters = "<custom-parameters>"; }},
+        {"Unable to create session.", [](FakeMessageFile& file) { file.strReceiverPin = "@"; }},
+    };
+    for (const auto& row : rows) {
+        FakeMessageFile file = FileFor("alice", s_alice, "J-11");
+        file.strCarrierName = std::string("carrier of: ") + row.reason;
+        row.spoil(file);
+        EXPECT_FALSE(Send(file));
+        EXPECT_EQ(status, Reports::RS_UNCHANGED);
+        EXPECT_EQ(file.failureReasons, Texts{row.reason});
+    }
     EXPECT_FALSE(s_logger.Has("wrong secret"));
-
-    FakeMessageFile nobodyThere = FileFor("alice", s_alice, "J-12");
-    nobodyThere.strCarrierName = "other";
-    nobodyThere.iPort = 1;
-    EXPECT_FALSE(Send(nobodyThere));
-    EXPECT_EQ(nobodyThere.failureReasons, std::vector<std::string>{"Error in establishing connection."});
-
-    FakeMessageFile broken = FileFor("alice", s_alice, "J-13");
-    broken.strCustomParameters = "<custom-parameters>";
-    EXPECT_FALSE(Send(broken));
-    EXPECT_EQ(broken.failureReasons, std::vector<std::string>{"The custom parameters are not well-formed XML."});
-
-    FakeMessageFile noJid = FileFor("alice", s_alice, "J-14");
-    noJid.strReceiverPin = "@";
-    EXPECT_FALSE(Send(noJid));
-    EXPECT_EQ(noJid.failureReasons, std::vector<std::string>{"Unable to create session."});
 }
 
 TEST_F(Driver, VerifiesTheServerWhenTheMarkerStands)
@@ -544,7 +475,7 @@ TEST_F(Driver, RefusesToSendBeforeItIsConfigured)
     EXPECT_TRUE(driver->Cleanup());
     FakeMessageFile file = FileFor("alice", s_alice, "J-19");
     EXPECT_FALSE(Send(file));
-    EXPECT_EQ(file.failureReasons, std::vector<std::string>{"Some error occurred."});
+    EXPECT_EQ(file.failureReasons, Texts{"Some error occurred."});
     std::map<std::string, std::string> none;
     EXPECT_TRUE(driver->Configure(none)) << "and can be configured again";
     EXPECT_TRUE(Send(file));

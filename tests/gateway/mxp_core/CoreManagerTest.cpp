@@ -1,13 +1,11 @@
 // The core manager against a real XMPP server.
 
-#include "ProsodyServer.h"
+#include "OnlinePeer.h"
 #include "RecordingLogger.h"
+#include "SaidPackets.h"
+#include "Until.h"
 #include "VKMXPConnGlooxImpl.h"
 #include "VKMXPCoreManager.h"
-#include "VKMXPmConfirmMsg.h"
-#include "VKMXPmEnvelope.h"
-#include "VKMXPmMessage.h"
-#include "XmppPeer.h"
 
 #include <gtest/gtest.h>
 
@@ -20,26 +18,8 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::steady_clock;
 
-std::unique_ptr<VKMXPmMessage> MakeMessage(const std::string& jobId, const std::string& body = "pump 3 has stopped")
-{
-    auto message = std::make_unique<VKMXPmMessage>();
-    message->m_strJobID = jobId;
-    message->m_strSender = "control room";
-    message->m_strBody = body;
-    message->m_bValid = true;
-    return message;
-}
-
-std::string ConfirmText(const std::string& jobId)
-{
-    VKMXPmEnvelope envelope;
-    auto confirm = std::make_unique<VKMXPmConfirmMsg>();
-    confirm->m_strJobID = jobId;
-    confirm->m_strResponse = "CONFIRM";
-    confirm->m_bValid = true;
-    envelope.Add(confirm.release());
-    return envelope.GenerateXML();
-}
+using vktest::ConfirmText;
+using vktest::MakeMessage;
 
 /// Notes the job ids that clients confirm.
 class NotingHandler final : public VKMXPRequestHandlerIface
@@ -92,44 +72,48 @@ protected:
         manager->SetGeneralRequestHandler(nullptr);
     }
 
-    bool Connect(const std::string& id = "carrier", const std::string& password = "pw", std::string* error = nullptr)
+    bool Connect(const ProsodyServer& server = *s_server, const char* id = "carrier", const char* password = "pw",
+                 std::string* error = nullptr)
+    {
+        return ConnectAt(server.Port(), server.Jid("server"), id, password, error);
+    }
+    bool ConnectAt(int port, const std::string& jid, const char* id, const char* password, std::string* error)
     {
         std::string ignored;
-        return manager->StartC2SConnection(id, "127.0.0.1", s_server->Port(), s_server->Jid("server"), password,
-                                           "vk-" + id, false, "", 0, 65, 15, error ? error : &ignored);
+        return manager->StartC2SConnection(id, "127.0.0.1", port, jid, password, std::string("vk-") + id, false, "", 0,
+                                           65, 15, error ? error : &ignored);
     }
-
-    bool SendMessageTo(const std::string& user, const std::string& jobId, const std::string& id = "carrier")
+    VKMXPSession* StartSession(const std::string& user, const ProsodyServer& server = *s_server)
     {
-        int sequence = 0;
-        auto message = MakeMessage(jobId);
-        const bool sent = manager->Send(message.get(), s_server->Jid(user), id, sequence);
+        return manager->StartC2CSession(server.Jid(user), "carrier", "mxp", false);
+    }
+    bool Send(const std::string& user, std::unique_ptr<VKMXPmMessage> message, int* sequence = nullptr,
+              const ProsodyServer& server = *s_server)
+    {
+        int ignored = 0;
+        const bool sent = manager->Send(message.get(), server.Jid(user), "carrier", sequence ? *sequence : ignored);
         if (sent)
             static_cast<void>(message.release());
         return sent;
     }
 
-    static std::unique_ptr<ProsodyServer> s_server;
+    static inline std::unique_ptr<ProsodyServer> s_server;
     static inline vktest::RecordingLogger& s_logger = vktest::CoreLogger();
     VKMXPCoreManager* manager = nullptr;
     NotingHandler handler;
 };
 
-std::unique_ptr<ProsodyServer> CoreManager::s_server;
-
 TEST_F(CoreManager, CarriesAMessageOutAndTheAnswerBack)
 {
-    XmppPeer alice(s_server->Jid("alice") + "/mxp", "pw", s_server->Port(),
-                   [](XmppPeer& peer, const std::string& from, const std::string&) {
-                       peer.Send(from, ConfirmText("4711"), "a-thread-of-its-own");
-                   });
-    ASSERT_TRUE(alice.WaitUntilOnline());
+    OnlinePeer alice(*s_server, "alice", [](XmppPeer& peer, const std::string& from, const std::string&) {
+        peer.Send(from, ConfirmText("4711"), "a-thread-of-its-own");
+    });
     ASSERT_TRUE(Connect());
     ASSERT_TRUE(Connect()) << "a known ID is fine";
-    VKMXPSession* session = manager->StartC2CSession(s_server->Jid("alice"), "carrier", "mxp", false);
+    VKMXPSession* session = StartSession("alice");
     ASSERT_NE(session, nullptr);
-    EXPECT_EQ(manager->StartC2CSession(s_server->Jid("alice"), "carrier", "mxp", false), session);
-    ASSERT_TRUE(SendMessageTo("alice", "4711"));
+    EXPECT_EQ(StartSession("alice"), session);
+    ASSERT_TRUE(Send("alice", MakeMessage("4711")));
 
     const auto bodies = alice.WaitForBodies(1);
     ASSERT_EQ(bodies.size(), 1U);
@@ -141,8 +125,7 @@ TEST_F(CoreManager, CarriesAMessageOutAndTheAnswerBack)
 TEST_F(CoreManager, TakesRequestsOfSendersWithoutASession)
 {
     ASSERT_TRUE(Connect());
-    XmppPeer bob(s_server->Jid("bob") + "/mxp", "pw", s_server->Port());
-    ASSERT_TRUE(bob.WaitUntilOnline());
+    OnlinePeer bob(*s_server, "bob");
     for (int i = 0; i < 25; ++i)
         bob.Send(s_server->Jid("server"), ConfirmText(std::to_string(i)));
     const auto seen = handler.WaitFor(25);
@@ -154,10 +137,9 @@ TEST_F(CoreManager, TakesRequestsOfSendersWithoutASession)
 TEST_F(CoreManager, SurvivesWhatDevicesSendWrong)
 {
     ASSERT_TRUE(Connect());
-    XmppPeer bob(s_server->Jid("bob") + "/mxp", "pw", s_server->Port());
-    XmppPeer carol(s_server->Jid("carol") + "/mxp", "pw", s_server->Port());
-    ASSERT_TRUE(bob.WaitUntilOnline() && carol.WaitUntilOnline());
-    ASSERT_NE(manager->StartC2CSession(s_server->Jid("bob"), "carrier", "mxp", false), nullptr);
+    OnlinePeer bob(*s_server, "bob");
+    OnlinePeer carol(*s_server, "carol");
+    ASSERT_NE(StartSession("bob"), nullptr);
     const std::string good = ConfirmText("last");
     const std::string bad[] = {"<mxp xmlns='vardock:mxp'>",
                                "<mxp xmlns='vardock:mxp:redirect'/>",
@@ -179,9 +161,8 @@ TEST_F(CoreManager, SurvivesAFloodOfStanzasAndKeepsTheirOrder)
 {
     constexpr std::size_t kFlood = 10000;
     ASSERT_TRUE(Connect());
-    XmppPeer bob(s_server->Jid("bob") + "/mxp", "pw", s_server->Port());
-    ASSERT_TRUE(bob.WaitUntilOnline());
-    ASSERT_NE(manager->StartC2CSession(s_server->Jid("bob"), "carrier", "mxp", false), nullptr);
+    OnlinePeer bob(*s_server, "bob");
+    ASSERT_NE(StartSession("bob"), nullptr);
     for (std::size_t i = 0; i < kFlood; ++i)
         bob.Send(s_server->Jid("server"), ConfirmText(std::to_string(i)));
     const auto seen = handler.WaitFor(kFlood, 120s);
@@ -195,12 +176,9 @@ TEST_F(CoreManager, TakesAndSendsLongTextsInTime)
     ProsodyServer server;
     server.AddAccounts({{"server", "pw"}, {"bob", "pw"}});
     server.Start();
-    std::string error;
-    ASSERT_TRUE(manager->StartC2SConnection("carrier", "127.0.0.1", server.Port(), server.Jid("server"), "pw", "vk",
-                                            false, "", 0, 65, 15, &error));
-    XmppPeer bob(server.Jid("bob") + "/mxp", "pw", server.Port());
-    ASSERT_TRUE(bob.WaitUntilOnline());
-    ASSERT_NE(manager->StartC2CSession(server.Jid("bob"), "carrier", "mxp", false), nullptr);
+    ASSERT_TRUE(Connect(server));
+    OnlinePeer bob(server, "bob");
+    ASSERT_NE(StartSession("bob", server), nullptr);
 
     // Five megabytes in which every second character is an entity, then something short.
     std::string stanza = "<message to='" + server.Jid("server") + "' type='chat'><body>";
@@ -215,52 +193,48 @@ TEST_F(CoreManager, TakesAndSendsLongTextsInTime)
     std::string body;
     for (int i = 0; i < 200000; ++i)
         body += "<&x";
-    int sequence = 0;
     const auto sending = Clock::now();
-    ASSERT_TRUE(manager->Send(MakeMessage("long", body).release(), server.Jid("bob"), "carrier", sequence));
+    ASSERT_TRUE(Send("bob", MakeMessage("long", body), nullptr, server));
     EXPECT_EQ(bob.WaitForBodies(1, 60s).size(), 1U);
     EXPECT_LT(Clock::now() - sending, 30s) << "out";
 }
 
 TEST_F(CoreManager, ReplacesCharactersThatWouldEndTheStream)
 {
-    XmppPeer alice(s_server->Jid("alice") + "/mxp", "pw", s_server->Port());
-    ASSERT_TRUE(alice.WaitUntilOnline());
+    OnlinePeer alice(*s_server, "alice");
     ASSERT_TRUE(Connect());
-    ASSERT_NE(manager->StartC2CSession(s_server->Jid("alice"), "carrier", "mxp", false), nullptr);
-    int sequence = 0;
-    auto message = MakeMessage("1", "bell \x07 and \xC3\x28 end");
-    ASSERT_TRUE(manager->Send(message.release(), s_server->Jid("alice"), "carrier", sequence));
-    ASSERT_TRUE(SendMessageTo("alice", "2"));
-    std::string all;
-    for (const std::string& body : alice.WaitForBodies(1))
-        all += body;
-    if (all.find(">2<") == std::string::npos)
-        for (const std::string& body : alice.WaitForBodies(2))
-            all += body;
-    EXPECT_NE(all.find("bell \xEF\xBF\xBD and \xEF\xBF\xBD( end"), std::string::npos) << all;
-    EXPECT_NE(all.find(">2<"), std::string::npos) << "the next message goes through";
+    ASSERT_NE(StartSession("alice"), nullptr);
+    ASSERT_TRUE(Send("alice", MakeMessage("1", "bell \x07 and \xC3\x28 end")));
+    ASSERT_TRUE(Send("alice", MakeMessage("2")));
+    const auto all = [&] { // in one stanza or two
+        std::string text;
+        for (const std::string& body : alice.WaitForBodies(1))
+            text += body;
+        return text;
+    };
+    EXPECT_TRUE(Until([&] { return all().find(">2<") != std::string::npos; })) << "the next message goes through";
+    EXPECT_NE(all().find("bell \xEF\xBF\xBD and \xEF\xBF\xBD( end"), std::string::npos) << all();
 }
 
 TEST_F(CoreManager, CountsSequencesForRequestsAndTellsMissingSessions)
 {
-    EXPECT_FALSE(SendMessageTo("alice", "1")) << "no session";
+    EXPECT_FALSE(Send("alice", MakeMessage("1"))) << "no session";
     EXPECT_FALSE(manager->Send("hello", s_server->Jid("alice"), "carrier"));
-    EXPECT_EQ(manager->StartC2CSession(s_server->Jid("alice"), "carrier", "mxp", false), nullptr) << "no connection";
+    EXPECT_EQ(StartSession("alice"), nullptr) << "no connection";
     EXPECT_FALSE(manager->TerminateC2CSession(s_server->Jid("alice"), "carrier"));
     EXPECT_FALSE(manager->TerminateC2SConnection("carrier"));
 
     ASSERT_TRUE(Connect());
-    ASSERT_NE(manager->StartC2CSession(s_server->Jid("alice"), "carrier", "mxp", false), nullptr);
+    ASSERT_NE(StartSession("alice"), nullptr);
     int first = 0;
     int second = 0;
     int response = 0;
-    ASSERT_TRUE(manager->Send(MakeMessage("1").release(), s_server->Jid("alice"), "carrier", first));
+    ASSERT_TRUE(Send("alice", MakeMessage("1"), &first));
     auto answer = MakeMessage("2");
     answer->m_iPacketType = 2;
     answer->m_iSequence = 77;
-    ASSERT_TRUE(manager->Send(answer.release(), s_server->Jid("alice"), "carrier", response));
-    ASSERT_TRUE(manager->Send(MakeMessage("3").release(), s_server->Jid("alice"), "carrier", second));
+    ASSERT_TRUE(Send("alice", std::move(answer), &response));
+    ASSERT_TRUE(Send("alice", MakeMessage("3"), &second));
     EXPECT_GE(first, 100);
     EXPECT_EQ(response, 77) << "a response keeps the sequence of its request";
     EXPECT_EQ(second, first + 1) << "and takes none from the counter";
@@ -271,12 +245,11 @@ TEST_F(CoreManager, CountsSequencesForRequestsAndTellsMissingSessions)
 TEST_F(CoreManager, TellsWhyAConnectionFails)
 {
     std::string error;
-    EXPECT_FALSE(Connect("carrier", "wrong", &error));
+    EXPECT_FALSE(Connect(*s_server, "carrier", "wrong", &error));
     EXPECT_EQ(error, "Disconnection Error.");
     EXPECT_GE(s_logger.CountContaining("Authentication failed. Username/password wrong or account does not exist."), 1);
 
-    EXPECT_FALSE(manager->StartC2SConnection("carrier", "127.0.0.1", 1, s_server->Jid("server"), "pw", "vk", false, "",
-                                             0, 65, 15, &error));
+    EXPECT_FALSE(ConnectAt(1, s_server->Jid("server"), "carrier", "pw", &error));
     EXPECT_EQ(error, "Error in establishing connection.");
 
     ProsodyServer::Options plain;
@@ -284,8 +257,7 @@ TEST_F(CoreManager, TellsWhyAConnectionFails)
     ProsodyServer noTls(plain);
     noTls.AddAccount("server", "pw");
     noTls.Start();
-    EXPECT_FALSE(manager->StartC2SConnection("carrier", "127.0.0.1", noTls.Port(), noTls.Jid("server"), "pw", "vk",
-                                             false, "", 0, 65, 15, &error));
+    EXPECT_FALSE(Connect(noTls, "carrier", "pw", &error));
     EXPECT_EQ(error, "Disconnection Error.");
     EXPECT_GE(s_logger.CountContaining("The server didn't offer TLS while it was set to be required"), 1);
     EXPECT_EQ(manager->GetLastError("carrier"), "") << "a failed start leaves nothing behind";
@@ -300,18 +272,14 @@ TEST_F(CoreManager, GivesUpASilentServerAndServesTheOthersMeanwhile)
     silent.Start();
     silent.Freeze();
 
-    XmppPeer alice(s_server->Jid("alice") + "/mxp", "pw", s_server->Port());
-    ASSERT_TRUE(alice.WaitUntilOnline());
+    OnlinePeer alice(*s_server, "alice");
     ASSERT_TRUE(Connect());
-    ASSERT_NE(manager->StartC2CSession(s_server->Jid("alice"), "carrier", "mxp", false), nullptr);
+    ASSERT_NE(StartSession("alice"), nullptr);
     std::string error;
     bool hung = true;
-    std::thread hanging([&] {
-        hung = manager->StartC2SConnection("second", "127.0.0.1", silent.Port(), silent.Jid("server"), "pw", "vk",
-                                           false, "", 0, 65, 15, &error);
-    });
+    std::thread hanging([&] { hung = Connect(silent, "second", "pw", &error); });
     const auto start = Clock::now();
-    EXPECT_TRUE(SendMessageTo("alice", "1"));
+    EXPECT_TRUE(Send("alice", MakeMessage("1")));
     EXPECT_EQ(alice.WaitForBodies(1).size(), 1U);
     EXPECT_LT(Clock::now() - start, 1500ms) << "a connection that hangs in connecting holds nobody up";
     hanging.join();
@@ -326,27 +294,17 @@ TEST_F(CoreManager, ComesBackWhenTheServerIsKilledAndStartedAgain)
     ProsodyServer server;
     server.AddAccounts({{"server", "pw"}, {"alice", "pw"}});
     server.Start();
-    const auto connect = [&] {
-        std::string error;
-        return manager->StartC2SConnection("carrier", "127.0.0.1", server.Port(), server.Jid("server"), "pw", "vk",
-                                           false, "", 0, 65, 15, &error) &&
-               manager->StartC2CSession(server.Jid("alice"), "carrier", "mxp", false);
-    };
+    const auto connect = [&] { return Connect(server) && StartSession("alice", server); };
     ASSERT_TRUE(connect());
     server.Kill();
     // The work thread drops the dead connection with its sessions.
-    const auto limit = Clock::now() + 10s;
-    while (manager->GetSession(server.Jid("alice"), "carrier") && Clock::now() < limit)
-        std::this_thread::sleep_for(5ms);
-    EXPECT_EQ(manager->GetSession(server.Jid("alice"), "carrier"), nullptr);
+    EXPECT_TRUE(Until([&] { return !manager->GetSession(server.Jid("alice"), "carrier"); }));
     EXPECT_FALSE(connect()) << "nobody is there";
 
     server.Start();
-    XmppPeer alice(server.Jid("alice") + "/mxp", "pw", server.Port());
-    ASSERT_TRUE(alice.WaitUntilOnline());
+    OnlinePeer alice(server, "alice");
     ASSERT_TRUE(connect());
-    int sequence = 0;
-    ASSERT_TRUE(manager->Send(MakeMessage("1").release(), server.Jid("alice"), "carrier", sequence));
+    ASSERT_TRUE(Send("alice", MakeMessage("1"), nullptr, server));
     EXPECT_EQ(alice.WaitForBodies(1).size(), 1U);
 }
 
@@ -368,15 +326,13 @@ TEST_F(CoreManager, StandsSendersAndTerminatorsAtOnce)
         ++delivered;
         peer.Send(from, ConfirmText("x"));
     };
-    XmppPeer alice(s_server->Jid("alice") + "/mxp", "pw", s_server->Port(), answer);
-    XmppPeer bob(s_server->Jid("bob") + "/mxp", "pw", s_server->Port(), answer);
-    ASSERT_TRUE(alice.WaitUntilOnline() && bob.WaitUntilOnline());
+    OnlinePeer alice(*s_server, "alice", answer);
+    OnlinePeer bob(*s_server, "bob", answer);
 
     std::atomic<int> accepted{0};
     const auto sender = [&](const char* user) {
         for (int i = 0; Clock::now() < end; ++i) {
-            if (Connect() && manager->StartC2CSession(s_server->Jid(user), "carrier", "mxp", false) &&
-                SendMessageTo(user, std::to_string(i)))
+            if (Connect() && StartSession(user) && Send(user, MakeMessage(std::to_string(i))))
                 ++accepted;
             manager->GetLastError("carrier");
             std::this_thread::sleep_for(500us);
@@ -412,8 +368,7 @@ TEST_F(CoreManager, StopsAtOnceAndStartsAgain)
     ASSERT_TRUE(manager->WaitForThreadStop(5000));
     EXPECT_LT(Clock::now() - start, 500ms) << "a stop does not wait for a quiet network";
     ASSERT_TRUE(manager->StartAsThread());
-    XmppPeer bob(s_server->Jid("bob") + "/mxp", "pw", s_server->Port());
-    ASSERT_TRUE(bob.WaitUntilOnline());
+    OnlinePeer bob(*s_server, "bob");
     bob.Send(s_server->Jid("server"), ConfirmText("after"));
     EXPECT_EQ(handler.WaitFor(1).size(), 1U);
 }

@@ -1,10 +1,8 @@
 #include "RecordingLogger.h"
+#include "SaidPackets.h"
 #include "VKMXPConnIface.h"
 #include "VKMXPHub.h"
 #include "VKMXPSession.h"
-#include "VKMXPmConfirmMsg.h"
-#include "VKMXPmEnvelope.h"
-#include "VKMXPmMessage.h"
 #include "VKMXPmSetMsgStatus.h"
 
 #include <gtest/gtest.h>
@@ -13,6 +11,9 @@
 #include <memory>
 
 namespace {
+
+using vktest::ConfirmText;
+using vktest::MakeMessage;
 
 /// A connection that keeps what is sent and gives what a test lays in.
 class FakeConnection final : public VKMXPConnIface
@@ -82,24 +83,6 @@ public:
     vk::TrafficWait traffic;
     int ready = 0;
 };
-
-std::unique_ptr<VKMXPmMessage> MakeMessage(const std::string& jobId)
-{
-    auto message = std::make_unique<VKMXPmMessage>();
-    message->m_strJobID = jobId;
-    message->m_strSender = "control room";
-    message->m_strBody = "pump 3 has stopped";
-    message->m_bValid = true;
-    return message;
-}
-
-std::string ConfirmText(const std::string& jobId, const char* quote = "'")
-{
-    const std::string q(quote);
-    return "<mxp xmlns=" + q + "vardock:mxp" + q + " version='1.0' dispatch='0' expire='0'><confirm-msg " +
-           "xmlns='vardock:mxp:request' type='request' seq='7'><parameters><job-id>" + jobId +
-           "</job-id><response>CONFIRM</response><remarks></remarks></parameters></confirm-msg></mxp>";
-}
 
 class Session : public ::testing::Test
 {
@@ -178,13 +161,13 @@ TEST_F(Session, GivesAttachmentsTheJobIdAsTheirKey)
 
 TEST_F(Session, SortsWhatComesInIntoRequestsResponsesAndTexts)
 {
-    std::string response = ConfirmText("8");
-    for (const char* word : {"request' type='request"})
-        response.replace(response.find(word), std::string(word).size(), "response' type='response");
-    response.insert(response.find("</confirm-msg>"), "<response><code>1</code><err-code>0</err-code><message>ok</message>"
-                                                     "<result type='none'></result></response>");
-    connection.incoming = {"  " + ConfirmText("5") + "\n", ConfirmText("6", "\""), "just text", response,
-                           "<mxp xmlns='other'></mxp>"};
+    const std::string response = vktest::Said<VKMXPmConfirmMsg>("8", [](auto& packet) {
+        packet.m_iPacketType = VKMXPmBase::kResponse;
+        packet.m_iSequence = 7;
+    });
+    std::string quoted = ConfirmText("6");
+    quoted.replace(quoted.find("'vardock:mxp'"), 13, "\"vardock:mxp\"");
+    connection.incoming = {"  " + ConfirmText("5") + "\n", quoted, "just text", response, "<mxp xmlns='other'></mxp>"};
     connection.received["7"] = {{"/tmp/f", "photo"}};
     EXPECT_TRUE(session.RunReceptionCycle());
 

@@ -1,5 +1,6 @@
 // The wait and the socket under a connection.
 
+#include "FreePort.h"
 #include "VKMXPTcpSocket.h"
 #include "VKMXPTrafficWait.h"
 
@@ -7,12 +8,9 @@
 
 #include <gtest/gtest.h>
 
-#include <arpa/inet.h>
 #include <chrono>
-#include <netinet/in.h>
-#include <sys/socket.h>
 #include <thread>
-#include <unistd.h>
+#include <tuple>
 
 namespace {
 
@@ -31,39 +29,25 @@ milliseconds Duration(Work work)
 class Listener
 {
 public:
-    explicit Listener(int backlog = 4) : m_socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
-    {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t size = sizeof address;
-        EXPECT_EQ(::bind(m_socket, reinterpret_cast<sockaddr*>(&address), size), 0);
-        EXPECT_EQ(::listen(m_socket, backlog), 0);
-        EXPECT_EQ(::getsockname(m_socket, reinterpret_cast<sockaddr*>(&address), &size), 0);
-        m_port = ntohs(address.sin_port);
-    }
+    explicit Listener(int backlog = 4) { std::tie(m_socket, m_port) = ListenOnLoopback(backlog); }
     ~Listener()
     {
-        if (m_peer >= 0)
-            ::close(m_peer);
-        if (m_socket >= 0)
-            ::close(m_socket);
+        ClosePeer();
+        Close();
     }
     int Port() const { return m_port; }
     int Accept() { return m_peer = ::accept4(m_socket, nullptr, nullptr, SOCK_CLOEXEC); }
-    void ClosePeer()
-    {
-        ::close(m_peer);
-        m_peer = -1;
-    }
-    void Close()
-    {
-        ::close(m_socket);
-        m_socket = -1;
-    }
+    void ClosePeer() { End(m_peer); }
+    void Close() { End(m_socket); }
 
 private:
-    int m_socket;
+    static void End(int& socket)
+    {
+        if (socket >= 0)
+            ::close(std::exchange(socket, -1));
+    }
+
+    int m_socket = -1;
     int m_peer = -1;
     int m_port = 0;
 };
