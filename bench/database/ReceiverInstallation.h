@@ -1,10 +1,8 @@
 #pragma once
 
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <string>
 
+#include "TempDir.h"
 #include "VKConfiguration.h"
 #include "VKDBiReceiver.h"
 #include "VKDatabase.h"
@@ -22,21 +20,14 @@ public:
     }
     static constexpr int kReceivers = 10000;
 
-    std::string File() const { return m_root + "/config/receivers.sdb"; }
-    VKDatabase& Database()
-    { return *VKDatabase::getVKMultiThreadedDatabase(nullptr, true);
-    }
+    std::string File() const { return m_root / "config/receivers.sdb"; }
+    VKDatabase& Database() { return *VKDatabase::getVKMultiThreadedDatabase(nullptr, true); }
 
 private:
     ReceiverInstallation()
     {
-        std::string name = (std::filesystem::temp_directory_path() / "vkbench-XXXXXX").string();
-        m_root = mkdtemp(name.data());
-        std::filesystem::create_directories(m_root + "/config");
-        FILE* const source = std::fopen((m_root + "/config/datasource").c_str(), "w");
-        std::fputs("database_type:\tSdb\n", source);
-        std::fclose(source);
-        VKConfiguration::getVKConfiguration()->setConfDirectory(m_root + "/config");
+        m_root.Write("config/datasource", "database_type:\tSdb\n");
+        VKConfiguration::getVKConfiguration()->setConfDirectory(m_root / "config");
         VKConfiguration::getVKConfiguration()->loadPrimaryConfiguration(true);
         VKSQLite3Receiver store;
         store.Initialize(Database().getDBSystemObject());
@@ -51,11 +42,7 @@ private:
         store.ConvertRecords(&list);
         EmptyReceiverList(&list);
     }
-    ~ReceiverInstallation()
-    {
-        Database().resetCache();
-        std::filesystem::remove_all(m_root);
-    }
+    ~ReceiverInstallation() { Database().resetCache(); }
 
-    std::string m_root;
+    const TempDir m_root;
 };

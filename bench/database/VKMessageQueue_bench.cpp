@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
-#include <filesystem>
 #include <memory>
 #include <sqlite3.h>
 #include <string>
@@ -14,6 +13,7 @@
 #include <unistd.h>
 #include <vector>
 
+#include "TempDir.h"
 #include "VKDBiMessageQueue.h"
 #include "VKDBsystem.h"
 #include "VKRecordText.h"
@@ -28,18 +28,12 @@ class Installation
 public:
     Installation()
     {
-        std::string name = (std::filesystem::temp_directory_path() / "vkbench-XXXXXX").string();
-        m_root = mkdtemp(name.data());
         VK_DIRECTORY_PATH paths{};
-        vk::SetText(paths.spool_dir, m_root, "path");
+        vk::SetText(paths.spool_dir, m_root.Path().string(), "path");
         system.Close();
-        system.OpenSdb(m_root, "", &paths, nullptr, 0, nullptr);
+        system.OpenSdb(m_root.Path(), "", &paths, nullptr, 0, nullptr);
     }
-    ~Installation()
-    {
-        system.Close();
-        std::filesystem::remove_all(m_root);
-    }
+    ~Installation() { system.Close(); }
     Installation(const Installation&) = delete;
     Installation& operator=(const Installation&) = delete;
 
@@ -50,23 +44,23 @@ public:
     sqlite3* OpenBare() const
     {
         sqlite3* handle = nullptr;
-        sqlite3_open((m_root + "/queue_metabase.sdb").c_str(), &handle);
+        sqlite3_open((m_root / "queue_metabase.sdb").c_str(), &handle);
         sqlite3_exec(handle, "PRAGMA synchronous=0;", nullptr, nullptr, nullptr);
         return handle;
     }
     void WriteBare(const std::string& name) const
     {
-        const int file = open((m_root + "/" + name).c_str(), O_CREAT | O_WRONLY | O_TRUNC, 0666);
+        const int file = open((m_root / name).c_str(), O_CREAT | O_WRONLY | O_TRUNC, 0666);
         if (write(file, kBody, sizeof kBody - 1) < 0)
             std::abort();
         close(file);
     }
-    void ExistsBare(const char* name) const { benchmark::DoNotOptimize(access((m_root + "/" + name).c_str(), F_OK)); }
+    void ExistsBare(const char* name) const { benchmark::DoNotOptimize(access((m_root / name).c_str(), F_OK)); }
 
     static constexpr char kBody[] = "{\"text\":\"Fire in building 7, third floor.\",\"receiverPin\":\"a@example.org\"}";
 
 private:
-    std::string m_root;
+    const TempDir m_root;
     VKDBsystem system;
 };
 

@@ -1,9 +1,9 @@
 #include <benchmark/benchmark.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <sqlite3.h>
 
+#include "TempDir.h"
 #include "VKXmppGWUserSessionDB.h"
 
 /// What one send asks of the session store: open it and look for a user, beside the bare library opening the same file
@@ -16,11 +16,9 @@ class Root
 public:
     explicit Root(long sessions)
     {
-        std::string name = (std::filesystem::temp_directory_path() / "vkbench-XXXXXX").string();
-        path = mkdtemp(name.data());
-        std::filesystem::create_directory(path + "/temp");
+        std::filesystem::create_directory(dir / "temp");
         VKXmppGWUserSession first; // the store's own way to add one; the many go in faster below
-        VKXmppGWUserSessionDB(path).Add(&first);
+        VKXmppGWUserSessionDB(dir.Path()).Add(&first);
         sqlite3* fast = nullptr;
         sqlite3_open(File().c_str(), &fast);
         sqlite3_exec(fast, "BEGIN;", nullptr, nullptr, nullptr);
@@ -36,17 +34,16 @@ public:
         sqlite3_exec(fast, "COMMIT;", nullptr, nullptr, nullptr);
         sqlite3_close(fast);
     }
-    ~Root() { std::filesystem::remove_all(path); }
-    std::string File() const { return path + "/temp/xmpp_user_sessions.sdb"; }
+    std::string File() const { return dir / "temp/xmpp_user_sessions.sdb"; }
 
-    std::string path;
+    const TempDir dir;
 };
 
 void OpenAndAsk(benchmark::State& state)
 {
     const Root root(state.range(0));
     for (auto _ : state) {
-        VKXmppGWUserSessionDB store(root.path);
+        VKXmppGWUserSessionDB store(root.dir.Path());
         benchmark::DoNotOptimize(store.DoesUserExist(7));
     }
 }
@@ -54,7 +51,7 @@ void OpenAndAsk(benchmark::State& state)
 void AskOnly(benchmark::State& state)
 {
     const Root root(state.range(0));
-    VKXmppGWUserSessionDB store(root.path);
+    VKXmppGWUserSessionDB store(root.dir.Path());
     for (auto _ : state)
         benchmark::DoNotOptimize(store.DoesUserExist(7));
 }

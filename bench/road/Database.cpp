@@ -16,8 +16,8 @@
 
 namespace {
 
-/// Seconds of each benchmark whose name the expression matches, by name up to its first slash and with its argument.
-std::map<std::string, double> SecondsOf(const std::string& expression)
+/// What the database floor's benchmarks report of each one whose name the expression matches.
+Json::Value Report(const std::string& expression)
 {
     const std::string command = std::string(VK_BUILD_DIR "/vk_database_bench --benchmark_format=json "
                                                          "--benchmark_filter='") +
@@ -29,17 +29,28 @@ std::map<std::string, double> SecondsOf(const std::string& expression)
         text += block.data();
     Json::Value report;
     std::istringstream(text) >> report;
-    const std::map<std::string, double> units{{"ns", 1e-9}, {"us", 1e-6}, {"ms", 1e-3}};
-    std::map<std::string, double> seconds;
-    for (const Json::Value& row : report["benchmarks"]) {
+    for (const Json::Value& row : report["benchmarks"])
         if (row["error_occurred"].asBool())
             throw std::runtime_error(row["error_message"].asString());
-        const std::string name = row["name"].asString();
-        seconds[name.substr(0, name.find("/iterations"))] =
-            row["real_time"].asDouble() * units.at(row["time_unit"].asString());
-    }
-    if (seconds.empty())
+    if (report["benchmarks"].empty())
         throw std::runtime_error("no benchmark matches " + expression);
+    return report["benchmarks"];
+}
+
+/// A benchmark's name with its argument.
+std::string NameOf(const Json::Value& row)
+{
+    const std::string name = row["name"].asString();
+    return name.substr(0, name.find("/iterations"));
+}
+
+/// Seconds of each benchmark, by name.
+std::map<std::string, double> SecondsOf(const std::string& expression)
+{
+    const std::map<std::string, double> units{{"ns", 1e-9}, {"us", 1e-6}, {"ms", 1e-3}};
+    std::map<std::string, double> seconds;
+    for (const Json::Value& row : Report(expression))
+        seconds[NameOf(row)] = row["real_time"].asDouble() * units.at(row["time_unit"].asString());
     return seconds;
 }
 
@@ -70,9 +81,10 @@ Figure QueuePoll(Stage&)
 
 Figure QueueProcesses(Stage&)
 {
-    constexpr double kMessages = 3000;
-    const auto seconds = SecondsOf("^queue_processes/");
-    const auto rate = [&](int count) { return kMessages / seconds.at("queue_processes/" + std::to_string(count)); };
+    std::map<std::string, double> rates;
+    for (const Json::Value& row : Report("^queue_processes/"))
+        rates[NameOf(row)] = row["items_per_second"].asDouble();
+    const auto rate = [&](int count) { return rates.at("queue_processes/" + std::to_string(count)); };
     return {rate(8), rate(1),
             "bare: one process; two " + ShortNumber(rate(2)) + ", four " + ShortNumber(rate(4))};
 }

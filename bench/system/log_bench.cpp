@@ -4,13 +4,13 @@
 #include <chrono>
 #include <cstdlib>
 #include <ctime>
-#include <filesystem>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "TempDir.h"
 #include "VKLog.h"
 #include "VKsysEventLogFileWriter.h"
 #include "VKsysEventLogInterface.h"
@@ -55,7 +55,7 @@ class Fixture
 {
 public:
     explicit Fixture(Log::LoggerType type)
-        : m_log(Log::CreateInstance("bench", type, std::make_unique<CountingWriter>(MakeDir() + "/log.txt", m_written)))
+        : m_log(Log::CreateInstance("bench", type, std::make_unique<CountingWriter>(m_dir / "log.txt", m_written)))
     {
         m_log->Start();
     }
@@ -63,20 +63,13 @@ public:
     {
         m_log->Stop();
         m_log.reset();
-        std::filesystem::remove_all(m_dir);
     }
     Log* operator->() const { return m_log.get(); }
     VKLogInterface* Get() const { return m_log.get(); }
     long Written() const { return m_written; }
 
 private:
-    std::string MakeDir()
-    {
-        m_dir = (std::filesystem::temp_directory_path() / "vkbench-XXXXXX").string();
-        return mkdtemp(m_dir.data()) ? m_dir : "/nonexistent";
-    }
-
-    std::string m_dir;
+    const TempDir m_dir;
     std::atomic<long> m_written{0};
     std::unique_ptr<Log> m_log;
 };
